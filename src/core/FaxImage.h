@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+/// One decoded page: rows from top to bottom, 1 bit, 8 bit with palette, or 32 bit 0xffRRGGBB per pixel.
+struct PageBits
+{
+    int lWidth = 0;        ///< pixels
+    int lHeight = 0;       ///< pixels
+    int lBitsPerPixel = 0; ///< 1, 8 or 32
+    int lBytesPerLine = 0;
+    int lDotsPerInchX = 0; ///< whole dpi, 0 when the file does not say
+    int lDotsPerInchY = 0;
+    QByteArray abBits;
+    QList<quint32> aPalette; ///< 0xffRRGGBB, for 1 and 8 bit
+
+    bool IsEmpty() const { return abBits.isEmpty(); }
+};
+
+/// Reading fax files. Every file is untrusted: its page table is looked at before a page is decoded, and a
+/// file beyond the bounds (10,000 x 50,000 pixels, 5,000 pages) counts as unreadable. A received file that
+/// carries its own size in its first four bytes is read as if they were not there.
+namespace FaxImage {
+
+/// Pages of the file; 0 when it is missing or no TIFF that can be shown.
+int GetPageCount(const QString &path);
+
+/// Decodes the zero-based page turned by `rotation` degrees, a multiple of 90, counter-clockwise. An empty
+/// result when the file or page cannot be read.
+PageBits LoadPage(const QString &path, int page, int rotation);
+
+/// True when the first four bytes of the file are its own size without them, in front of a TIFF.
+bool HasSizePrefix(const QString &path);
+
+} // namespace FaxImage

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "core/ports/Prompts.h"
+
+/// The program's one message box: a box that comes while another stands is not shown.
+class Message
+{
+public:
+    explicit Message(Prompts &prompts)
+        : prompts(prompts)
+    {
+    }
+
+    /// Shows `text` and returns the answer. While a box of this routine stands, shows nothing and
+    /// returns 1 (OK), so that two events that fail at once cannot stack boxes. An empty `title` means
+    /// the program's own.
+    long ShowMessage(const QString &text, long flags = mbOKOnly, const QString &title = {});
+
+private:
+    Prompts &prompts;
+    bool bBoxOpen = false;
+};

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QString>
+
+class Shell
+{
+public:
+    virtual ~Shell() = default;
+
+    /// Starts a program, or opens a file or address with the program that the desktop has for it, without
+    /// waiting for its end. `parameters` is one text, `folder` the working folder, `show` a window state
+    /// as the desktop numbers them. The result is 33 or more when it started, otherwise a failure code.
+    virtual int Open(const QString &file, const QString &verb, const QString &parameters,
+                     const QString &folder, int show) = 0;
+};

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+
+/// What the runs of the server room ask of the mailbox on the screen. Folder keys are the ids of the folders.
+class Mailbox
+{
+public:
+    virtual ~Mailbox() = default;
+
+    /// Key of the selected folder; empty when none is selected.
+    virtual QString SelectedFolder() const = 0;
+
+    /// Fills the list: `mode` 0 summary, 1 draft, 2 received, 3 recycle bin, 4 outgoing, 5 sending, 6 sent,
+    /// 7 undelivered. `clearFirst` false adds only what is not listed yet.
+    virtual void LoadGridItem(const QString &key, int mode, const QString &extraFilter, bool allFolders,
+                              bool clearFirst) = 0;
+
+    /// Rows of the list.
+    virtual int RowCount() const = 0;
+    /// Selects a row, counted from 1, and shows its fax.
+    virtual void SelectRow(int row) = 0;
+    /// Selects the current row again, so that its fax is shown anew.
+    virtual void SelectCurrentRow() = 0;
+
+    /// Recounts the unread faxes of all folders under the date range on the screen.
+    virtual void RefreshFolderUnreadCounts() = 0;
+};
