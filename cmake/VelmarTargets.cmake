@@ -9,7 +9,7 @@ add_library(velmar_options INTERFACE)
 target_compile_features(velmar_options INTERFACE cxx_std_20)
 target_include_directories(velmar_options INTERFACE "${PROJECT_SOURCE_DIR}/src")
 target_compile_options(velmar_options INTERFACE
-  $<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wshadow;-Wnon-virtual-dtor;-Woverloaded-virtual;-Werror>)
+  $<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wshadow=local;-Wnon-virtual-dtor;-Woverloaded-virtual;-Werror>)
 target_compile_definitions(velmar_options INTERFACE
   QT_DISABLE_DEPRECATED_BEFORE=0x060400 QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_FOREACH)
 if(VELMAR_SANITIZE)

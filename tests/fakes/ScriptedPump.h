@@ -2,6 +2,8 @@
 
 #include "core/ports/EventPump.h"
 
+#include <QtGlobal>
+
 #include <deque>
 #include <functional>
 
