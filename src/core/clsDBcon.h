@@ -4,6 +4,7 @@
 #include <QString>
 #include <QVariant>
 
+#include <functional>
 #include <memory>
 
 struct sqlite3;
@@ -55,6 +56,7 @@ private:
 
     sqlite3 *connection;
     sqlite3_stmt *statement = nullptr;
+    bool bDone = false;
 };
 
 /// The one way in which the client touches its database: a connection to one SQLite file.
@@ -94,6 +96,8 @@ public:
     static QString SqliteGetErrMsg(long number);
 
 private:
+    void Write(const QString &source, const std::function<void()> &operation);
+
     sqlite3 *connection = nullptr;
     bool bOpened = false;
     bool bColumnNotUnique = false;

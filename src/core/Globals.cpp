@@ -1,0 +1,7 @@
+#include "core/Globals.h"
+
+Globals &Global()
+{
+    static Globals globals;
+    return globals;
+}

@@ -1,0 +1,138 @@
+#include "core/clsDBcon.h"
+
+#include "core/DatabaseErrors.h"
+#include "core/RaisedError.h"
+
+#include <sqlite3.h>
+
+namespace {
+
+constexpr int lBusyMilliseconds = 5000;
+
+void RequireOpen(bool opened, const QString &source)
+{
+    if (!opened)
+        throw RaisedError(DatabaseErrors::lNotOpen, source, "The database hasn't been opened.");
+}
+
+void RunStatement(sqlite3 *connection, const QString &sql)
+{
+    clsStatement(connection, sql).Execute();
+}
+
+void RunWithBlob(sqlite3 *connection, const QString &sql, const QByteArray &data)
+{
+    clsStatement statement(connection, sql);
+    statement.BindParameter(1, data, 5);
+    statement.Execute();
+}
+
+/// Raises what `operation` raises under the source of the routine that the caller knows.
+template <typename Operation>
+auto RaiseAs(const QString &source, Operation operation)
+{
+    try {
+        return operation();
+    } catch (const RaisedError &error) {
+        throw RaisedError(error.Number(), source, error.Description());
+    }
+}
+
+} // namespace
+
+clsDBcon::clsDBcon() = default;
+
+clsDBcon::~clsDBcon()
+{
+    CloseDB();
+}
+
+long clsDBcon::OpenDB(const QString &path)
+{
+    if (bOpened)
+        return -1;
+    strDataBasePath = path;
+    // An empty name would open a private file that goes away with the connection.
+    if (path.isEmpty() || path.contains(QChar::Null))
+        return SQLITE_CANTOPEN;
+    const int status = sqlite3_open(path.toUtf8().constData(), &connection);
+    if (status != SQLITE_OK) {
+        CloseDB();
+        return status;
+    }
+    sqlite3_busy_timeout(connection, lBusyMilliseconds);
+    bOpened = true;
+    return status;
+}
+
+void clsDBcon::CloseDB()
+{
+    // A statement that an outer event still holds keeps SQLite's connection alive, but no transaction of it.
+    if (bOpened && sqlite3_get_autocommit(connection) == 0)
+        sqlite3_exec(connection, "Rollback", nullptr, nullptr, nullptr);
+    sqlite3_close_v2(connection);
+    connection = nullptr;
+    bOpened = false;
+}
+
+std::unique_ptr<clsStatement> clsDBcon::SelectEx(const QString &sql)
+{
+    RequireOpen(bOpened, "SelectEx");
+    return RaiseAs("Function SelectEx", [&] { return std::make_unique<clsStatement>(connection, sql); });
+}
+
+void clsDBcon::Execute(const QString &sql)
+{
+    RequireOpen(bOpened, "Excuete");
+    Write("Function Execuet", [&] { RunStatement(connection, sql); });
+}
+
+void clsDBcon::Begin()
+{
+    RequireOpen(bOpened, "Begin");
+    RaiseAs("Sub Begin", [this] { RunStatement(connection, "Begin"); });
+}
+
+void clsDBcon::RollBack()
+{
+    RequireOpen(bOpened, "RollBack");
+    RaiseAs("Sub RollBack", [this] { RunStatement(connection, "Rollback"); });
+}
+
+void clsDBcon::Commit()
+{
+    RequireOpen(bOpened, "Commit");
+    RaiseAs("Sub Commit", [this] { RunStatement(connection, "Commit"); });
+}
+
+bool clsDBcon::InsertEx(const QString &sql, const QByteArray &data)
+{
+    bColumnNotUnique = false;
+    if (!bOpened)
+        return false;
+    Write("Function InsertEx", [&] { RunWithBlob(connection, sql, data); });
+    return true;
+}
+
+bool clsDBcon::UpdateEx(const QString &sql, const QByteArray &data)
+{
+    // Its errors name InsertEx too.
+    return InsertEx(sql, data);
+}
+
+/// Runs a writing operation and notes whether it broke a constraint.
+void clsDBcon::Write(const QString &source, const std::function<void()> &operation)
+{
+    bColumnNotUnique = false;
+    try {
+        RaiseAs(source, operation);
+    } catch (const RaisedError &error) {
+        bColumnNotUnique = error.Number() == DatabaseErrors::lConstraint;
+        throw;
+    }
+}
+
+QString clsDBcon::SqliteGetErrMsg(long number)
+{
+    return DatabaseErrors::Text(number);
+}
