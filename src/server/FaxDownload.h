@@ -1,0 +1,87 @@
+#pragma once
+
+#include "server/FaxListReply.h"
+#include "server/ServerWaits.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+class FaxPrinting;
+class FaxStatus;
+class Mailbox;
+class MainWindow;
+class Notifier;
+class Progress;
+class Session;
+struct ClientReply;
+struct Ports;
+
+/// What a download uses of the other rooms.
+struct DownloadRooms
+{
+    Session &session;
+    Progress &progress;
+    FaxStatus &faxStatus;
+    FaxPrinting &faxPrinting;
+    Notifier &notifier;
+    MainWindow &mainWindow;
+    Mailbox &mailbox;
+};
+
+/// Brings the faxes that the server holds to the inbox folder and the tables.
+class FaxDownload
+{
+public:
+    FaxDownload(const Ports &ports, const DownloadRooms &rooms);
+
+    /// One run; does nothing while another run owns the connection. `silent`: the periodic check, which shows
+    /// no window over a hidden main window. `history`: the caller has asked for the list already.
+    /// `keepProgressRows` true clears the rows at the start (callers pass false to keep the rows of an
+    /// upload). `checkStateAfter` asks for the states of outgoing faxes afterwards.
+    void ReceiveFaxes(bool silent, bool history, bool keepProgressRows, bool checkStateAfter);
+
+    /// The menu's command.
+    void mnuReceive();
+
+private:
+    struct Run
+    {
+        bool bSilent = false;
+        bool bHistory = false;
+        bool bKeepProgressRows = false;
+        bool bCheckStateAfter = false;
+    };
+    /// What became of the fax in transfer.
+    enum class Fetched { NotYet, Stored, Short };
+
+    void RunDownload(const Run &run);
+    void ShowProgress(const Run &run);
+    WaitEnd RequestList(const Run &run);
+    void EndFailed(const Run &run);
+    void EndEmpty(const Run &run, WaitEnd end);
+    void FetchAll();
+    bool FetchOne(const NewFaxItem &item, int index);
+    bool AwaitFax(int index);
+    void Announce(const Run &run);
+    void ShowCompletion();
+    void ReloadFolder();
+    void FinishRun(const Run &run);
+    void Acknowledge();
+    void PrintReceived();
+    void ShowClose();
+    void CheckStates(bool showProgress);
+    void ReportStoreError(const QString &description);
+
+    void HandleFaxListReply(const ClientReply &reply);
+    void HandleFaxReply(const ClientReply &reply);
+    void ShowFaxProgress(int percent);
+
+    const Ports &ports;
+    DownloadRooms rooms;
+    QList<NewFaxItem> aFetchList;
+    QStringList aReceivedFiles; ///< names in the inbox folder, for notifier and printing
+    Fetched fetched = Fetched::NotYet;
+    bool bListComplete = true; ///< no fax was missed for a reason of this side
+    bool bErrorShown = false;  ///< the user knows already that faxes cannot be stored
+};

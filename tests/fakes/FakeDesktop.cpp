@@ -1,0 +1,26 @@
+#include "fakes/FakeDesktop.h"
+
+void FakeMailbox::LoadGridItem(const QString &key, int mode, const QString &extraFilter, bool allFolders,
+                               bool clearFirst)
+{
+    QString call = QStringLiteral("load %1 %2").arg(key, QString::number(mode));
+    if (!extraFilter.isEmpty())
+        call += QStringLiteral(" where ") + extraFilter;
+    if (allFolders)
+        call += QStringLiteral(" everywhere");
+    if (!clearFirst)
+        call += QStringLiteral(" adding");
+    aCalls.append(call);
+}
+
+void FakeMailbox::SelectRow(int row)
+{
+    aCalls.append(QStringLiteral("row %1").arg(row));
+}
+
+void FakePrinting::PrintFile(const QString &path, int first, int last, int copies, const QString &printerName)
+{
+    aPrinted.append(
+        QStringLiteral("%1 %2-%3 x%4 %5")
+            .arg(path, QString::number(first), QString::number(last), QString::number(copies), printerName));
+}
