@@ -3,6 +3,8 @@
 #include "core/DatabaseErrors.h"
 #include "core/RaisedError.h"
 
+#include <QFile>
+
 #include <sqlite3.h>
 
 namespace {
@@ -25,6 +27,25 @@ void RunWithBlob(sqlite3 *connection, const QString &sql, const QByteArray &data
     clsStatement statement(connection, sql);
     statement.BindParameter(1, data, 5);
     statement.Execute();
+}
+
+struct CloseConnection
+{
+    void operator()(sqlite3 *opened) const { sqlite3_close_v2(opened); }
+};
+
+void CopyDatabase(sqlite3 *from, const QString &path)
+{
+    sqlite3 *opened = nullptr;
+    const int status = sqlite3_open(path.toUtf8().constData(), &opened);
+    const std::unique_ptr<sqlite3, CloseConnection> to(opened);
+    if (status != SQLITE_OK)
+        DatabaseErrors::RaiseResult(opened, status, "CopyTo");
+    sqlite3_backup *copy = sqlite3_backup_init(opened, "main", from, "main");
+    sqlite3_backup_step(copy, -1);
+    const int result = sqlite3_backup_finish(copy);
+    if (result != SQLITE_OK)
+        DatabaseErrors::RaiseResult(opened, result, "CopyTo");
 }
 
 /// Raises what `operation` raises under the source of the routine that the caller knows.
@@ -118,6 +139,17 @@ bool clsDBcon::UpdateEx(const QString &sql, const QByteArray &data)
 {
     // Its errors name InsertEx too.
     return InsertEx(sql, data);
+}
+
+void clsDBcon::CopyTo(const QString &path)
+{
+    RequireOpen(bOpened, "CopyTo");
+    try {
+        CopyDatabase(connection, path);
+    } catch (const RaisedError &) {
+        QFile::remove(path);
+        throw;
+    }
 }
 
 /// Runs a writing operation and notes whether it broke a constraint.

@@ -91,6 +91,9 @@ public:
     /// Run a statement with one blob as its parameter 1. False when the file is not open.
     bool InsertEx(const QString &sql, const QByteArray &data);
     bool UpdateEx(const QString &sql, const QByteArray &data);
+    /// Writes a complete copy of the open file, committed rows of a side file included. An existing file is
+    /// overwritten; a failure leaves none.
+    void CopyTo(const QString &path);
 
     /// The text of an error number that this layer raises; "UnSign Error" for others.
     static QString SqliteGetErrMsg(long number);
