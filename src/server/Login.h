@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/clsWaitableTimer.h"
 #include "server/UserProfile.h"
 
 #include <QObject>
@@ -10,6 +9,7 @@
 
 class Timer;
 class clsClient;
+class clsWaitableTimer;
 struct ClientReply;
 struct LoginReply;
 struct Ports;
@@ -97,15 +97,17 @@ private:
     enum Stage { stgReady, stgWaiting, stgConnecting, stgGreeting, stgAnswer, stgFinished };
 
     void LoadStoredOptions();
+    void LoadCheckBoxes();
+    bool ReadStoredLogin();
     bool Validate();
     bool Refuse(const QString &text, LoginField field);
+    void Begin();
     void Abort();
     void Connect();
     void WatchClient();
-    void DropClient();
+    void ReleaseClient();
     void Restore(const QString &tip);
-    void Finish();
-    void Fail();
+    void ShowText(const QString &text, long flags);
 
     void OnConnected();
     void OnError();
@@ -114,8 +116,10 @@ private:
     void TakeGreeting(const QString &version);
     void TakeRefusal(const QString &code);
     void TakeAcceptance();
-    bool CompleteLogin();
+    bool PrepareProfile();
+    void HandOver();
     bool OpenOffline(int &line);
+    bool CheckOfflinePassword(int &line);
     LoginEntry Entry() const;
 
     const Ports &ports;
@@ -123,12 +127,11 @@ private:
     const bool bFromMainWindow;
     LoginControls controls;
     UserProfile profile;
-    clsWaitableTimer timer;
+    std::shared_ptr<clsWaitableTimer> timer; ///< of the latest login; its wait may outlive this object
     std::unique_ptr<Timer> tmrSilence;
     std::shared_ptr<clsClient> sockClient;
     std::shared_ptr<clsClient> lastClient; ///< outlives the event in which it was replaced
     Stage stage = stgReady;
-    int lAttempt = 0; ///< number of the latest login; a wait of an earlier one gives up
     bool bPwdIsDigest = false;
     bool bLoginOK = false;
 };

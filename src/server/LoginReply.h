@@ -23,6 +23,7 @@ struct LoginReply
     static LoginReply Classify(const ClientReply &reply);
     /// The message for a refusal's reason code; empty when there is none.
     static QString RefusalText(const QString &code);
+    static QString SpokenVersion();
     /// True for the one protocol version that this program speaks.
     static bool IsSpokenVersion(const QString &version);
 };

@@ -30,7 +30,7 @@ public:
 
 private:
     bool AskServer(const QString &oldPassword, const QString &newPassword);
-    bool StoreDigest(const QString &newPassword);
+    void StoreDigest(const QString &newPassword);
 
     const Ports &ports;
     Change change;
