@@ -1,0 +1,10 @@
+#pragma once
+
+#include "core/ports/Prompts.h"
+
+/// Message boxes of the desktop, over the active window.
+class MessagePrompts final : public Prompts
+{
+public:
+    long Show(const QString &text, long flags, const QString &title) override;
+};
