@@ -72,3 +72,5 @@ void BugAssert(bool condition, const QString &text);
 [[noreturn]] void ApiRaise(long code);
 /// The system's message for the code.
 QString ApiError(long code);
+/// The running program's file without folder and ending, as error sources name it.
+QString ProgramFileName();

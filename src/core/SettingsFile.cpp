@@ -1,0 +1,183 @@
+#include "core/SettingsFile.h"
+
+#include <QFile>
+#include <QList>
+#include <QSaveFile>
+
+#include <optional>
+
+namespace {
+
+/// Settings are a few lines; a larger file is none of ours.
+constexpr qint64 largestFile = 16 * 1024 * 1024;
+
+/// The reading buffer of 255 characters holds a NUL as well.
+constexpr int longestValue = 254;
+
+constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
+
+QString FileOrDefault(const QString &file, const QString &programFolder)
+{
+    if (!file.isEmpty())
+        return file;
+    const bool hasSlash = programFolder.isEmpty() || programFolder.endsWith('/');
+    return programFolder + (hasSlash ? QString() : QStringLiteral("/")) + QStringLiteral("config.ini");
+}
+
+/// The file's lines with their endings, so that joined again they are the file. A missing file has none;
+/// nothing when it cannot be read.
+std::optional<QList<QByteArray>> ReadLines(const QString &path)
+{
+    QFile file(path);
+    if (!file.exists())
+        return QList<QByteArray>();
+    if (!file.open(QIODevice::ReadOnly) || file.size() > largestFile)
+        return std::nullopt;
+    QList<QByteArray> lines;
+    while (!file.atEnd())
+        lines.append(file.readLine());
+    if (file.error() != QFileDevice::NoError)
+        return std::nullopt;
+    return lines;
+}
+
+bool SaveLines(const QString &path, const QList<QByteArray> &lines)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    file.write(lines.join());
+    return file.commit();
+}
+
+QString TextOfLine(QByteArray line)
+{
+    if (line.startsWith(byteOrderMark))
+        line.remove(0, byteOrderMark.size());
+    return QString::fromUtf8(line).trimmed();
+}
+
+bool IsSameName(const QString &left, const QString &right)
+{
+    return left.trimmed().compare(right.trimmed(), Qt::CaseInsensitive) == 0;
+}
+
+bool IsSection(const QString &text)
+{
+    return text.startsWith('[');
+}
+
+bool IsSectionNamed(const QString &text, const QString &section)
+{
+    return IsSection(text) && text.contains(']') && IsSameName(text.mid(1, text.indexOf(']') - 1), section);
+}
+
+bool IsKeyNamed(const QString &text, const QString &key)
+{
+    return !text.startsWith(';') && text.contains('=') && IsSameName(text.section('=', 0, 0), key);
+}
+
+QString ValueOf(const QString &text)
+{
+    QString value = text.section('=', 1).trimmed();
+    const bool quoted =
+        value.size() >= 2 && value.front() == value.back() && (value.front() == '"' || value.front() == '\'');
+    if (quoted)
+        value = value.mid(1, value.size() - 2);
+    value = value.left(longestValue);
+    return value.left(value.indexOf(QChar(u'\0'))).trimmed();
+}
+
+/// Where a key stands, and where it would have to go.
+struct Place
+{
+    qsizetype lKeyLine = -1;       ///< the first line with that key in that section; -1 for none
+    qsizetype lLastOfSection = -1; ///< the last line with text of the first such section; -1 for none
+};
+
+Place FindPlace(const QList<QByteArray> &lines, const QString &section, const QString &key)
+{
+    Place place;
+    bool inSection = false, inFirstSection = false;
+    for (qsizetype line = 0; line < lines.size(); ++line) {
+        const QString text = TextOfLine(lines[line]);
+        if (IsSection(text)) {
+            inSection = IsSectionNamed(text, section);
+            inFirstSection = inSection && place.lLastOfSection < 0;
+        } else if (inSection && IsKeyNamed(text, key)) {
+            place.lKeyLine = line;
+            return place;
+        }
+        if (inFirstSection && !text.isEmpty())
+            place.lLastOfSection = line;
+    }
+    return place;
+}
+
+/// A name that would be read back as another, or as another kind of line, cannot be written.
+bool CanBeWritten(const QString &name, const QString &forbidden)
+{
+    const QString trimmed = name.trimmed();
+    for (const QChar character : trimmed) {
+        if (character.unicode() < u' ' || forbidden.contains(character))
+            return false;
+    }
+    return !trimmed.isEmpty();
+}
+
+/// The value up to its first line break: what follows would be a line of its own.
+QString FirstLine(const QString &value)
+{
+    for (qsizetype position = 0; position < value.size(); ++position) {
+        if (QStringView(u"\r\n\0", 3).contains(value[position]))
+            return value.left(position);
+    }
+    return value;
+}
+
+QByteArray LineEnding(const QList<QByteArray> &lines)
+{
+    return !lines.isEmpty() && lines.first().endsWith("\r\n") ? "\r\n" : "\n";
+}
+
+void SetLine(QList<QByteArray> &lines, const QString &section, const QString &key, const QString &value)
+{
+    const QByteArray ending = LineEnding(lines);
+    const QByteArray entry = (key.trimmed() + '=' + FirstLine(value)).toUtf8() + ending;
+    const Place place = FindPlace(lines, section, key);
+    if (!lines.isEmpty() && !lines.last().endsWith('\n'))
+        lines.last() += ending;
+    if (place.lKeyLine >= 0) {
+        lines[place.lKeyLine] = entry;
+    } else if (place.lLastOfSection >= 0) {
+        lines.insert(place.lLastOfSection + 1, entry);
+    } else {
+        lines += {QStringLiteral("[%1]").arg(section.trimmed()).toUtf8() + ending, entry};
+    }
+}
+
+} // namespace
+
+bool WriteIniValue(const QString &section, const QString &key, const QString &value, const QString &file,
+                   const QString &programFolder)
+{
+    if (!CanBeWritten(section, QStringLiteral("]")) || !CanBeWritten(key, QStringLiteral("=")) ||
+        key.trimmed().startsWith(';') || key.trimmed().startsWith('['))
+        return false;
+    const QString path = FileOrDefault(file, programFolder);
+    std::optional<QList<QByteArray>> lines = ReadLines(path);
+    if (!lines)
+        return false;
+    SetLine(*lines, section, key, value);
+    return SaveLines(path, *lines);
+}
+
+QString ReadIniValue(const QString &section, const QString &key, const QString &file,
+                     const QString &programFolder)
+{
+    const std::optional<QList<QByteArray>> lines = ReadLines(FileOrDefault(file, programFolder));
+    if (!lines)
+        return {};
+    const Place place = FindPlace(*lines, section, key);
+    return place.lKeyLine < 0 ? QString() : ValueOf(TextOfLine((*lines)[place.lKeyLine]));
+}
