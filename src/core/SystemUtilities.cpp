@@ -59,7 +59,7 @@ int DaysInMonth(int year, int month)
 void PlaySoundFile(const QString &path, Sound &sound, Message &message)
 {
     if (sound.DeviceCount() == 0)
-        message.ShowMessage(QStringLiteral("No soundcard detected!"));
+        message.ShowMessage(QCoreApplication::translate("core", "No soundcard detected!"));
     else
         sound.Play(path);
 }

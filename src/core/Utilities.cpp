@@ -3,6 +3,7 @@
 #include "core/Message.h"
 #include "core/ports/Ids.h"
 
+#include <QCoreApplication>
 #include <QLocale>
 #include <QRegularExpression>
 
@@ -125,7 +126,7 @@ QString NewFaxID(Ids &ids, Message &message)
     const QByteArray guid = ids.NewGuid();
     if (guid.size() == guidSize)
         return QString::fromLatin1(guid.toHex().toUpper());
-    message.ShowMessage(QStringLiteral("Error while creating GUID!"));
+    message.ShowMessage(QCoreApplication::translate("core", "Error while creating GUID!"));
     return {};
 }
 
