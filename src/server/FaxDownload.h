@@ -62,25 +62,29 @@ private:
     void EndEmpty(const Run &run, WaitEnd end);
     void FetchAll();
     bool FetchOne(const NewFaxItem &item, int index);
-    bool AwaitFax(int index);
+    void AwaitFax(int index);
+    void MarkMissed(int index);
     void Announce(const Run &run);
-    void ShowCompletion();
+    void ShowMonitor();
     void ReloadFolder();
     void FinishRun(const Run &run);
     void Acknowledge();
     void PrintReceived();
     void ShowClose();
+    QString CompletionText() const;
     void CheckStates(bool showProgress);
-    void ReportStoreError(const QString &description);
+    void ReportStoreError();
 
     void HandleFaxListReply(const ClientReply &reply);
     void HandleFaxReply(const ClientReply &reply);
     void ShowFaxProgress(int percent);
+    void StoreFax(const QStringList &fields);
 
     const Ports &ports;
     DownloadRooms rooms;
     QList<NewFaxItem> aFetchList;
     QStringList aReceivedFiles; ///< names in the inbox folder, for notifier and printing
+    QString strStoreError;      ///< first error of the run's database work; empty for none
     Fetched fetched = Fetched::NotYet;
     bool bListComplete = true; ///< no fax was missed for a reason of this side
     bool bErrorShown = false;  ///< the user knows already that faxes cannot be stored

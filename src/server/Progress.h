@@ -112,6 +112,12 @@ signals:
 
 private:
     void OnTimer1();
+    void Reset();
+    void MarkLastRow(const QString &image, const QString &state);
+    void SelectRow(int row);
+    void Animate(int percent);
+    void ShowStill();
+    void CancelRun();
 
     ProgressOwner *owner = nullptr;
     std::unique_ptr<Timer> Timer1;
@@ -122,6 +128,7 @@ private:
     int lCurrent = 0;
     int lBar = 0;
     int lFrame = 0;
+    int lNextFrame = 0;
     int lSelectedRow = -1;
     QString strText;
     QString strCaption;

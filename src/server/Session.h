@@ -46,6 +46,7 @@ public:
     clsClient &BeginCommand(PendingCommand pending);
     /// Late replies may come on this connection: it is remade before the next command.
     void MarkOutOfStep() { bOutOfStep = true; }
+    bool IsOutOfStep() const { return bOutOfStep; }
     /// Says good-bye without waiting for the answer.
     void LogOut();
 

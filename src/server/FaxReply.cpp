@@ -1,0 +1,86 @@
+#include "server/FaxReply.h"
+
+#include "core/AnsiText.h"
+#include "core/Utilities.h"
+
+#include <QDate>
+#include <QRegularExpression>
+
+namespace {
+QString Escaped(const QStringList &fields, int index)
+{
+    return EscapeText(fields.value(index));
+}
+
+/// Year, month and day of an ISO date or of month/day/year.
+QDate ReadDate(const QString &text)
+{
+    static const QRegularExpression iso(QStringLiteral("^\\s*(\\d{4})-(\\d{1,2})-(\\d{1,2})(?!\\d)"));
+    static const QRegularExpression american(QStringLiteral("^\\s*(\\d{1,2})/(\\d{1,2})/(\\d{4})(?!\\d)"));
+    if (const auto match = iso.match(text); match.hasMatch())
+        return QDate(match.captured(1).toInt(), match.captured(2).toInt(), match.captured(3).toInt());
+    if (const auto match = american.match(text); match.hasMatch())
+        return QDate(match.captured(3).toInt(), match.captured(1).toInt(), match.captured(2).toInt());
+    return {};
+}
+} // namespace
+
+QStringList FaxReply::Fields(const QByteArray &data)
+{
+    const QStringList lines = AnsiText::FromAnsi(data).split("\r\n");
+    return lines.size() > 1 ? lines[1].split(QChar(0)) : QStringList();
+}
+
+QString FaxReply::QuotedIds(const QString &list, int marker)
+{
+    QStringList quoted;
+    for (const QString &element : EscapeText(list).split(';')) {
+        const QString id = element.mid(marker);
+        if (!id.isEmpty())
+            quoted.append('\'' + id + '\'');
+    }
+    return quoted.join(',');
+}
+
+QString FaxReply::SentFolder(int kind)
+{
+    if (kind == 1 || kind == 3)
+        return "1005";
+    return kind == 4 ? "1006" : "1007";
+}
+
+QString FaxReply::ShortDate(const QString &text)
+{
+    const QDate date = ReadDate(text);
+    return date.isValid() ? date.toString("yy-MM-dd") : text;
+}
+
+bool FaxReply::IsBareName(const QString &name)
+{
+    // A comma separates the names of the run's list, and an apostrophe would be escaped in it.
+    static const QRegularExpression foreign(QStringLiteral("[/\\\\,'\\x00-\\x1f]"));
+    return !name.isEmpty() && name != "." && name != ".." && !name.contains(foreign);
+}
+
+QString FaxReply::ReceiveFaxInsert(const NewFaxItem &item, const QStringList &fields,
+                                   const QString &receivers, const QString &resender)
+{
+    return QStringLiteral("Insert Into ReceiveFax(Sender,Title,FileName,Pages,FaxLevel,reMark, "
+                          "receiveTime,ReceiveUser,Resender,FolderID,Fax_ID,RecyleID,isreaded,"
+                          "IsSendedReceipt,ReturnReceipts) "
+                          "Values('%1','%2','%3.tif','%4','%5','%6','%7','%8','%9','1001','%3','',0,"
+                          "'False','%10')")
+        .arg(Escaped(fields, fldSender), Escaped(fields, fldTitle), item.FaxID, Escaped(fields, fldPages),
+             Escaped(fields, fldLevel), Escaped(fields, fldRemark), Escaped(fields, fldTime),
+             EscapeText(receivers), EscapeText(resender), Escaped(fields, fldReceipts));
+}
+
+QString FaxReply::SendFaxInsert(const NewFaxItem &item, const QStringList &fields)
+{
+    // ModifyTime holds a two-digit year and ReceiverName nothing, unlike in the rows of the composer.
+    return QStringLiteral("Insert Into SendFax(Title,FileName,Pages,FaxLevel,reMark, "
+                          "ModifyTime,ReceiverName,FolderID,Fax_ID,RecyleID,isreaded) "
+                          "Values('%1','%2.tif','%3','%4','%5','%6','','%7','%2','',0)")
+        .arg(Escaped(fields, fldTitle), item.FaxID, Escaped(fields, fldPages), Escaped(fields, fldLevel),
+             Escaped(fields, fldRemark), EscapeText(ShortDate(fields.value(fldTime))), SentFolder(item.Kind));
+}
