@@ -54,16 +54,16 @@ void FaxDownload::ReceiveFaxes(bool silent, bool history, bool keepProgressRows,
         if (silent)
             rooms.progress.Unload();
     });
-    strStoreError.clear();
+    strError.clear();
     try {
         RunDownload({silent, history, keepProgressRows, checkStateAfter});
     } catch (const RaisedError &error) {
-        strStoreError = error.Description();
+        strError = Tr("Failed to receive faxes.") + '\n' + error.Description();
         ShowClose();
         rooms.progress.StopAnimation();
         rooms.session.SetIdleState(true);
     }
-    ReportStoreError();
+    ReportError();
 }
 
 void FaxDownload::RunDownload(const Run &run)
@@ -169,16 +169,18 @@ bool FaxDownload::FetchOne(const NewFaxItem &item, int index)
 void FaxDownload::AwaitFax(int index)
 {
     const WaitEnd end = rooms.session.WaitForServerReply();
-    if (fetched != Fetched::NotYet) {
+    if (fetched == Fetched::Stored || fetched == Fetched::Short) {
         rooms.progress.ChangePos2(1, index, 100);
         return;
     }
     if (end == WaitEnd::Refused)
         return; // its row reads "Failed" already
     MarkMissed(index);
-    rooms.session.MarkOutOfStep(); // the rest of the file may still be on its way
-    if (strStoreError.isEmpty())
-        strStoreError = rooms.session.HandlerError();
+    if (fetched == Fetched::NotYet)
+        rooms.session.MarkOutOfStep(); // the rest of the file may still be on its way
+    if (strError.isEmpty() && !rooms.session.HandlerError().isEmpty())
+        strError = Tr("Failed to store a received fax, it stays on the server.") + '\n' +
+                   rooms.session.HandlerError();
 }
 
 void FaxDownload::MarkMissed(int index)
@@ -238,6 +240,7 @@ void FaxDownload::StoreFax(const QStringList &fields)
     if (place < 0 || place >= aFetchList.size())
         return;
     const NewFaxItem item = aFetchList.at(place);
+    fetched = Fetched::Arrived;
     if (QFileInfo(FaxStore::TargetFolder(item) + item.FaxID + ".tif").size() == 0)
         throw RaisedError(lFileNotFound, "FaxDownload", Tr("The file of the fax was not written."));
     FaxStore::Store(item, fields);

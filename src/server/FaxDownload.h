@@ -53,7 +53,12 @@ private:
         bool bCheckStateAfter = false;
     };
     /// What became of the fax in transfer.
-    enum class Fetched { NotYet, Stored, Short };
+    enum class Fetched {
+        NotYet,
+        Arrived, ///< the file is whole, its row is not written
+        Stored,
+        Short ///< the file is whole, the reply has too few fields for a row
+    };
 
     void RunDownload(const Run &run);
     void ShowProgress(const Run &run);
@@ -71,9 +76,9 @@ private:
     void Acknowledge();
     void PrintReceived();
     void ShowClose();
-    QString CompletionText() const;
+    QString LossText() const;
     void CheckStates(bool showProgress);
-    void ReportStoreError();
+    void ReportError();
 
     void HandleFaxListReply(const ClientReply &reply);
     void HandleFaxReply(const ClientReply &reply);
@@ -84,7 +89,7 @@ private:
     DownloadRooms rooms;
     QList<NewFaxItem> aFetchList;
     QStringList aReceivedFiles; ///< names in the inbox folder, for notifier and printing
-    QString strStoreError;      ///< first error of the run's database work; empty for none
+    QString strError;           ///< the first error of the run, for the user; empty for none
     Fetched fetched = Fetched::NotYet;
     bool bListComplete = true; ///< no fax was missed for a reason of this side
     bool bErrorShown = false;  ///< the user knows already that faxes cannot be stored
