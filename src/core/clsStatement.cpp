@@ -19,10 +19,10 @@ bool EndsStatement(QChar character)
 
 /// SQLite reads up to the first NUL and prepares the first statement only. What stands behind would be left
 /// out without a word.
-void RefuseTextBehind(const QString &sql, const QByteArray &utf8, const char *tail)
+void RefuseTextBehind(const QByteArray &utf8, const char *tail)
 {
     const QString rest = QString::fromUtf8(tail, utf8.constData() + utf8.size() - tail);
-    if (sql.contains(QChar::Null) || !std::all_of(rest.begin(), rest.end(), EndsStatement))
+    if (!std::all_of(rest.begin(), rest.end(), EndsStatement))
         throw RaisedError(DatabaseErrors::lSqlError, "Prepare",
                           "You can only execute one statement at a time.");
 }
@@ -36,7 +36,7 @@ sqlite3_stmt *Prepare(sqlite3 *connection, const QString &sql)
     if (result != SQLITE_OK)
         DatabaseErrors::RaiseResult(connection, result, "Prepare");
     try {
-        RefuseTextBehind(sql, utf8, tail);
+        RefuseTextBehind(utf8, tail);
         if (prepared == nullptr)
             DatabaseErrors::Raise(DatabaseErrors::lNoStatementGiven, "Prepare");
     } catch (const RaisedError &) {
