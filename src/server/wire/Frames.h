@@ -37,6 +37,22 @@ QByteArray Long(qint32 value);
 /// The number in the first four bytes; 0 when there are fewer.
 qint32 ReadLong(const QByteArray &bytes);
 
+/// Bytes of a number or length.
+constexpr qsizetype lLengthBytes = 4;
+/// A long reply of at most so many bytes comes in one read and needs no permission to send on.
+constexpr qint32 lOneReadText = 2044;
+/// A long reply that declares more is refused.
+constexpr qint32 lReplyBound = 256 * 1024 * 1024;
+
+/// True when the four bytes of a length are there.
+bool HasLength(const QByteArray &bytes);
+/// What follows the four bytes in front; empty when there is nothing.
+QByteArray BehindLength(const QByteArray &bytes);
+/// True for the text of a failure reply.
+bool IsFailure(const QByteArray &text);
+/// True when a long reply of this declared length comes in one read.
+bool IsOneRead(qint32 declared);
+
 /// Command number and body, without a length; the tail is binary and follows the text.
 QByteArray FormA(Command command, const QByteArray &body = {}, const QByteArray &tail = {});
 /// Command number, length of the body, body.

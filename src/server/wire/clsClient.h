@@ -1,5 +1,7 @@
 #pragma once
 
+#include "server/wire/Frames.h"
+
 #include <QByteArray>
 #include <QFile>
 #include <QObject>
@@ -7,6 +9,8 @@
 
 #include <memory>
 
+class Clock;
+class EventPump;
 class Socket;
 class Timer;
 struct Ports;
@@ -34,7 +38,9 @@ struct ClientReply
 
 struct ClientError
 {
-    int lNumber = 0; ///< the socket's own number, or 748 for an upload whose header was not answered
+    /// The socket's own number; 748 for an upload whose header was not answered, 57 for one whose file
+    /// could not be read to its end.
+    int lNumber = 0;
     QString strDescription;
     QString strSource;
 };
@@ -71,9 +77,11 @@ public:
     void GetPublicContactGroup();
     void GetPublicContacts();
     void GetNewFaxList();
-    /// The file goes to `folder` (or `strDefaultFolder`), `id` and ".tif". `type` is the listed size.
+    /// The file goes to `folder` (or `strDefaultFolder`), which ends in a slash, `id` and ".tif". `type` is
+    /// the listed size. Sends nothing without a folder or with an id that is no safe file name. What the
+    /// disk refuses ends as `statFailure` with the connection closed, and leaves no file.
     void GetFax(long type, const QString &id, const QString &folder);
-    /// `header` are the fax's fields with a NUL between them. A missing file does nothing.
+    /// `header` are the fax's fields with a NUL between them. A missing file or an empty header does nothing.
     void SendFaxFile(const QString &header, const QString &path);
     /// `idList` has a NUL between the ids.
     void GetFaxState(const QString &idList);
@@ -104,4 +112,86 @@ signals:
     void Error(const ClientError &error);
     /// An upload has sent its last block; `message` is always empty.
     void SendComplete(const QString &message);
+
+private:
+    void sckClient_Connected();
+    void sckClient_Closed();
+    void sckClient_Error(int number, const QString &description);
+    void sckClient_DataArrival();
+    void sckClient_SendComplete();
+    void sckClient_SendProgress(qint64 bytesSent);
+
+    // Requests
+    void SendShort(Frames::Command command, const QByteArray &body = {});
+    void SendLong(Frames::Command command, const QByteArray &body = {});
+    void SendList(Frames::Command command, const QString &list, bool longReply);
+    void SendGoOn();
+
+    // Replies: one routine per state
+    void ReadHeaderAnswer(const QByteArray &bytes);
+    void ReadShortReply(const QByteArray &bytes);
+    void ReadLongReply(const QByteArray &bytes);
+    void BeginLongReply(const QByteArray &bytes);
+    void TakeOneRead(const QByteArray &bytes);
+    void RefuseLongReply(qint64 bytesTotal);
+    void AcceptOneRead(qint64 bytesTotal);
+    void TakeFirstPart(qint64 bytesTotal);
+    void TakePart(qint64 bytesTotal);
+    void CompleteLongReply(qint64 bytesTotal);
+    void FailLongReply(qint64 bytesTotal);
+    void ReportPart(qint64 bytesTotal);
+    void Hold(const QByteArray &bytes);
+    void tmrSilence_Tick();
+
+    // A file that comes in
+    void ReadFile(const QByteArray &bytes);
+    void BeginFile(const QByteArray &bytes);
+    void ContinueFile(const QByteArray &bytes);
+    void CompleteFile(qint64 bytesTotal);
+    void FailFile(qint64 bytesTotal);
+    void AbandonFile(qint64 bytesTotal);
+    void ForgetFile();
+    bool OpenForReceiving();
+    bool WriteBlock(const QByteArray &bytes, bool last);
+
+    // A file that goes out
+    bool WaitServerReady();
+    void RunOneWait();
+    void ReportNoAnswer();
+    void StartUpload(const QString &path);
+    void SendFirstBlock(const QByteArray &block);
+    void SendNextBlock();
+    void FinishUpload();
+    bool ReadBlock(QByteArray &block);
+    void AbandonUpload();
+
+    void ClearCounters();
+    void ForgetTransfer();
+    ClientReply MakeReply(qint64 bytesTotal, ClientReply::State state, int percent) const;
+
+    EventPump &pump;
+    Clock &clock;
+    std::unique_ptr<Timer> tmrSilence; ///< ends the wait for the rest of a short first read
+    std::unique_ptr<Socket> sckClient;
+
+    QString strDefaultFolder;           ///< folder of `GetFax` when it is given none
+    QString strFileName;                ///< file of the transfer under way
+    bool bSendingFile = false;          ///< an upload has more blocks to send
+    bool bReceivingFile = false;        ///< a download is under way
+    bool bWaitServerReady = false;      ///< a fax header was sent, its answer is due
+    bool bServerReady = false;          ///< the server has answered the header
+    bool bLongReply = false;            ///< the command just sent has a long reply
+    bool bFirstBlock = true;            ///< the next read begins a long reply or a file
+    qint64 lBytesDone = -1;             ///< of the file or the long reply, so far
+    qint64 lFileSize = -1;              ///< of the file that comes in
+    qint64 lSendSize = -1;              ///< of the file that goes out
+    qint64 lProgressBytes = -1;         ///< bytes that the socket reports as sent
+    qint64 lReplySize = -1;             ///< of the long reply, as declared
+    QByteArray abReply;                 ///< long reply so far; during a download its announcement
+    QByteArray abHeld;                  ///< first read that is still too short
+    QByteArray abWriteBuffer;           ///< downloaded bytes on their way to the file
+    std::unique_ptr<QFile> iFileNumber; ///< open file of the transfer; null when none
+
+    int lTransfer = 0;         ///< number of the transfer; a reset by the owner or the socket changes it
+    int lAwaitedTransfer = -1; ///< the one whose header's answer is awaited; -1 for none
 };
