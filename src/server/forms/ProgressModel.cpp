@@ -1,0 +1,85 @@
+#include "server/forms/ProgressModel.h"
+
+#include <QIcon>
+
+#include <algorithm>
+
+ProgressModel::ProgressModel(const Progress &progress, QObject *parent)
+    : QAbstractTableModel(parent)
+    , progress(progress)
+    , aRows(progress.Rows())
+{
+}
+
+int ProgressModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(aRows.size());
+}
+
+int ProgressModel::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : colCount;
+}
+
+QVariant ProgressModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+        return {};
+    const ProgressRow &row = aRows.at(index.row());
+    if (index.column() == colImage) {
+        if (role == Qt::DecorationRole && !row.strImage.isEmpty())
+            return QIcon(":/progress/" + row.strImage + ".svg");
+        return role == Qt::AccessibleTextRole ? QVariant(row.strState) : QVariant();
+    }
+    if (role == Qt::DisplayRole || role == Qt::ToolTipRole)
+        return index.column() == colFile ? row.strFile : row.strState;
+    return {};
+}
+
+QVariant ProgressModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
+        return {};
+    switch (section) {
+    case colFile:
+        return progress.FileHeader();
+    case colState:
+        return progress.StateHeader();
+    default:
+        return QString();
+    }
+}
+
+void ProgressModel::Refresh()
+{
+    const QList<ProgressRow> rows = progress.Rows();
+    if (rows.size() < aRows.size())
+        Shrink(static_cast<int>(rows.size()));
+    for (int row = 0; row < aRows.size(); ++row) {
+        if (aRows.at(row) == rows.at(row))
+            continue;
+        aRows[row] = rows.at(row);
+        emit dataChanged(index(row, 0), index(row, colCount - 1));
+    }
+    if (rows.size() > aRows.size())
+        Grow(rows);
+}
+
+void ProgressModel::RefreshHeads()
+{
+    emit headerDataChanged(Qt::Horizontal, colFile, colState);
+}
+
+void ProgressModel::Shrink(int count)
+{
+    beginRemoveRows({}, count, static_cast<int>(aRows.size()) - 1);
+    aRows.resize(count);
+    endRemoveRows();
+}
+
+void ProgressModel::Grow(const QList<ProgressRow> &rows)
+{
+    beginInsertRows({}, static_cast<int>(aRows.size()), static_cast<int>(rows.size()) - 1);
+    aRows = rows;
+    endInsertRows();
+}
