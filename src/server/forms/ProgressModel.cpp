@@ -8,6 +8,8 @@ ProgressModel::ProgressModel(const Progress &progress, QObject *parent)
     : QAbstractTableModel(parent)
     , progress(progress)
     , aRows(progress.Rows())
+    , strFileHeader(progress.FileHeader())
+    , strStateHeader(progress.StateHeader())
 {
 }
 
@@ -42,9 +44,9 @@ QVariant ProgressModel::headerData(int section, Qt::Orientation orientation, int
         return {};
     switch (section) {
     case colFile:
-        return progress.FileHeader();
+        return strFileHeader;
     case colState:
-        return progress.StateHeader();
+        return strStateHeader;
     default:
         return QString();
     }
@@ -67,6 +69,10 @@ void ProgressModel::Refresh()
 
 void ProgressModel::RefreshHeads()
 {
+    if (strFileHeader == progress.FileHeader() && strStateHeader == progress.StateHeader())
+        return;
+    strFileHeader = progress.FileHeader();
+    strStateHeader = progress.StateHeader();
     emit headerDataChanged(Qt::Horizontal, colFile, colState);
 }
 

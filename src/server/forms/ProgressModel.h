@@ -29,4 +29,6 @@ private:
 
     const Progress &progress;
     QList<ProgressRow> aRows; ///< what the views know
+    QString strFileHeader;
+    QString strStateHeader;
 };
