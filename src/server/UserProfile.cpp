@@ -38,6 +38,12 @@ bool IsLineBreaking(QChar character)
            character == QChar::ParagraphSeparator;
 }
 
+/// The settings file takes such quotes away.
+bool IsQuoted(const QString &text)
+{
+    return text.length() >= 2 && text.front() == text.back() && (text.front() == '"' || text.front() == '\'');
+}
+
 bool IsFolderPath(const QString &path)
 {
     return QDir::isAbsolutePath(path) && !path.split('/').contains("..") &&
@@ -59,7 +65,7 @@ bool UserProfile::IsUsableAccount(const QString &account)
         return refused.contains(character) || IsLineBreaking(character);
     };
     return !account.isEmpty() && account.trimmed() == account && !account.startsWith('.') &&
-           !account.endsWith('.') && !account.contains("..") &&
+           !account.endsWith('.') && !account.contains("..") && !IsQuoted(account) &&
            std::none_of(account.begin(), account.end(), isRefused) && !reserved.contains(account.toLower()) &&
            account.length() <= maxAccountLength && account.toUtf8().size() <= maxAccountBytes;
 }
