@@ -1,0 +1,129 @@
+// A second process for the tests: does what its first argument says, tells it on its output, line by line,
+// and stays until its input ends.
+#include "platform/CloseSignals.h"
+#include "platform/QtEventPump.h"
+#include "platform/SystemInstance.h"
+#include "platform/SystemSharedBlocks.h"
+
+#include <QCoreApplication>
+#include <QLocalSocket>
+
+#include <cstring>
+#include <iostream>
+#include <string>
+
+#include <unistd.h>
+
+namespace {
+void Say(const std::string &line)
+{
+    std::cout << line << std::endl;
+}
+
+void WaitForEndOfInput()
+{
+    std::string line;
+    while (std::getline(std::cin, line))
+        continue;
+}
+
+/// block NAME SIZE [TEXT]: says whether the block existed, and its text; then writes TEXT.
+int HoldBlock(const QStringList &arguments)
+{
+    SystemSharedBlocks blocks;
+    int errorCode = 0;
+    const auto block = blocks.Open(arguments.value(2), arguments.value(3).toInt(), errorCode);
+    if (!block)
+        return errorCode;
+    Say((block->Existed() ? "existed " : "new ") + std::string(block->Bytes()));
+    const QByteArray text = arguments.value(4).toUtf8();
+    if (!text.isEmpty()) {
+        std::strcpy(block->Bytes(), text.constData());
+        Say("written");
+    }
+    WaitForEndOfInput();
+    return 0;
+}
+
+int HoldLock(const QStringList &arguments)
+{
+    SystemInstance instance;
+    Say(instance.TakeLock(arguments.value(2)) ? "taken" : "busy");
+    WaitForEndOfInput();
+    return 0;
+}
+
+int Publish()
+{
+    QtEventPump pump;
+    SystemInstance instance;
+    QObject::connect(&instance, &Instance::RaiseRequested, &pump, [&pump] {
+        Say("raised");
+        pump.Quit();
+    });
+    Say(std::to_string(instance.PublishWindow()));
+    return pump.Run();
+}
+
+int Raise(const QStringList &arguments)
+{
+    SystemInstance().RaiseWindow(arguments.value(2).toLongLong());
+    return 0;
+}
+
+/// foreign CHANNEL: asks as another user.
+int RaiseAsForeigner(const QStringList &arguments)
+{
+    constexpr uid_t nobody = 65534;
+    if (setuid(nobody) != 0)
+        return 1;
+    QLocalSocket channel;
+    channel.setSocketOptions(QLocalSocket::AbstractNamespaceOption);
+    channel.connectToServer(arguments.value(2));
+    if (channel.state() != QLocalSocket::ConnectedState)
+        return 2;
+    channel.write("raise\n");
+    channel.flush();
+    return 0;
+}
+
+/// close: waits inside an event handler's slices until it is asked to end.
+int WaitForClose()
+{
+    QtEventPump pump;
+    CloseSignals signals;
+    QObject::connect(&signals, &CloseSignals::CloseRequested, &pump, [&pump] {
+        Say("closing");
+        pump.Quit();
+    });
+    QMetaObject::invokeMethod(
+        &pump,
+        [&pump] {
+            Say("ready");
+            while (!pump.IsQuitting())
+                pump.RunSlice(10);
+        },
+        Qt::QueuedConnection);
+    return pump.Run();
+}
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    const QString task = arguments.value(1);
+    if (task == "block")
+        return HoldBlock(arguments);
+    if (task == "lock")
+        return HoldLock(arguments);
+    if (task == "publish")
+        return Publish();
+    if (task == "raise")
+        return Raise(arguments);
+    if (task == "foreign")
+        return RaiseAsForeigner(arguments);
+    if (task == "close")
+        return WaitForClose();
+    return 64;
+}
