@@ -1,6 +1,6 @@
 #include "platform/SystemPorts.h"
 
-SystemPorts::SystemPorts(Sockets &sockets)
+SystemPorts::SystemPorts()
     : ports{pump, timers, clock, ids, message, folders, shell, sound, blocks, instance, sockets}
 {
 }

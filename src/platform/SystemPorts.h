@@ -12,12 +12,13 @@
 #include "platform/SystemIds.h"
 #include "platform/SystemInstance.h"
 #include "platform/SystemSharedBlocks.h"
+#include "platform/TcpSocket.h"
 
 /// Owns the services of the real system. Needs the application object, and outlives every part that uses it.
 class SystemPorts final
 {
 public:
-    explicit SystemPorts(Sockets &sockets);
+    SystemPorts();
 
     Ports &Get() { return ports; }
     /// The loop itself: the program runs and ends it.
@@ -37,5 +38,6 @@ private:
     CanberraSound sound;
     SystemSharedBlocks blocks;
     SystemInstance instance;
+    TcpSockets sockets;
     Ports ports;
 };

@@ -91,8 +91,8 @@ int RaiseAsForeigner(const QStringList &arguments)
 int WaitForClose()
 {
     QtEventPump pump;
-    CloseSignals signals;
-    QObject::connect(&signals, &CloseSignals::CloseRequested, &pump, [&pump] {
+    CloseSignals closeSignals;
+    QObject::connect(&closeSignals, &CloseSignals::CloseRequested, &pump, [&pump] {
         Say("closing");
         pump.Quit();
     });
