@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+class Database;
+
+struct Account
+{
+    QString strID;
+    QString strLogin; ///< kept in lower case, found in any
+    QString strName;
+    QString strDepartment; ///< id of a department
+    QString strDigest;     ///< MD5 of the password, 32 upper-case hexadecimal digits
+    bool bLocked = false;
+};
+
+/// Who may log in.
+class Accounts
+{
+public:
+    explicit Accounts(Database &database);
+
+    std::optional<Account> Find(const QString &login) const;
+    QList<Account> All() const;
+    /// Adds an account, or replaces the password, name and lock of the one of this login.
+    void Save(const Account &account);
+    void SetDigest(const QString &id, const QString &digest);
+
+    static QString DigestOf(const QString &password);
+    /// 32 upper-case hexadecimal digits.
+    static QString NewID();
+
+private:
+    Database &objDatabase;
+};

@@ -1,0 +1,218 @@
+#include "Answers.h"
+
+#include "Logins.h"
+#include "Records.h"
+#include "Store.h"
+#include "WireText.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QRegularExpression>
+
+using namespace Frames;
+using namespace WireText;
+
+namespace {
+
+const QString strTimeForm = "yyyy-MM-dd HH:mm:ss";
+
+QString Now(int secondsAhead = 0)
+{
+    return QDateTime::currentDateTime().addSecs(secondsAhead).toString(strTimeForm);
+}
+
+QStringList IdsOf(const QByteArray &body, char separator)
+{
+    return FromAnsi(body).split(QLatin1Char(separator), Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+Answers::Answers(Store &store, Logins &logins, int lineSeconds)
+    : objStore(store)
+    , objLogins(logins)
+    , lLineSeconds(lineSeconds)
+{
+}
+
+Answers::Reply Answers::To(const Requests::Request &request, Session &session, QTcpSocket *socket)
+{
+    const QByteArray &body = request.abBody;
+    if (request.lCommand == cmdLogIn)
+        return {LogIn(body, session, socket), {}, {}, false};
+    if (!session.account)
+        return {Refused(refNotLoggedIn), {}, {}, false};
+    switch (request.lCommand) {
+    case cmdLogOut:
+        return {Ok(), {}, {}, true};
+    case cmdGetContactVersion:
+        return {Versions(), {}, {}, false};
+    case cmdGetNewFaxList:
+        return {NewFaxList(session), {}, {}, false};
+    case cmdGetFax:
+        return FaxFor(body, session);
+    case cmdGetFaxState:
+        return {FaxStates(body, session), {}, {}, false};
+    case cmdGetHistoryList:
+        return {HistoryList(body, session), {}, {}, false};
+    case cmdChangePassword:
+        return {ChangePassword(body, session), {}, {}, false};
+    case cmdGetUserList:
+        return {UserList(), {}, {}, false};
+    case cmdCancelSendingFax:
+        return {Cancel(body, session), {}, {}, false};
+    case cmdResendErrorFax:
+        return {Resend(body, session), {}, {}, false};
+    case cmdNewFaxReceived:
+        return {TakeAcknowledgement(session), {}, {}, false};
+    case cmdGetFaxConfigAndKeepTouckTime:
+        return {Ok({Record({"1", "150", "0"})}), {}, {}, false};
+    case cmdSendReturnReceipt:
+        return {TakeReceipts(body, session), {}, {}, false};
+    case cmdGetReturnReceiptState:
+        return {ReceiptStates(body, session), {}, {}, false};
+    default:
+        return {Ok(), {}, {}, false};
+    }
+}
+
+QByteArray Answers::LogIn(const QByteArray &body, Session &session, QTcpSocket *socket)
+{
+    const qsizetype lineEnd = body.indexOf("\r\n");
+    if (lineEnd < 0)
+        return Refused(refBadRequest);
+    const std::optional<Account> account = objStore.accounts.Find(FromAnsi(body.left(lineEnd)));
+    if (!account || account->strDigest != FromAnsi(body.mid(lineEnd + 2)))
+        return Refused(refWrongPassword);
+    if (account->bLocked)
+        return Refused(refLocked);
+    if (const int refusal = objLogins.Enter(account->strID, socket))
+        return Refused(refusal);
+    session = Session{account, {}, {}};
+    return Ok();
+}
+
+QByteArray Answers::ChangePassword(const QByteArray &body, Session &session)
+{
+    static const QRegularExpression digest("^[0-9A-F]{32}$");
+    const QStringList fields = FromAnsi(body).split(QChar(0));
+    if (fields.size() != 3 || !digest.match(fields[2]).hasMatch())
+        return Refused(refBadRequest);
+    const std::optional<Account> account = objStore.accounts.Find(fields[0]);
+    if (!account || account->strID != session.account->strID || account->strDigest != fields[1])
+        return Refused(refWrongPassword);
+    objStore.accounts.SetDigest(account->strID, fields[2]);
+    return Ok();
+}
+
+QByteArray Answers::Versions() const
+{
+    const QByteArray users = QByteArray::number(objStore.accounts.All().size());
+    return Ok({Record(
+        {"1", "1", users, "1", Field("Velmar Trial Office"), "5", "3", ToAnsi(objStore.ServerID())})});
+}
+
+QByteArray Answers::UserList() const
+{
+    QByteArrayList lines;
+    for (const Account &account : objStore.accounts.All())
+        lines.append(Records::OfAccount(account));
+    return Ok(lines);
+}
+
+QByteArray Answers::NewFaxList(Session &session)
+{
+    session.aListed.clear();
+    session.unfinished.clear();
+    QByteArrayList lines;
+    for (const Fax &fax : objStore.mailboxes.Waiting(session.account->strID)) {
+        session.aListed.append(fax.strID);
+        lines.append(Record({ToAnsi(fax.strID), QByteArray::number(fax.lSize)}));
+    }
+    return Ok(lines);
+}
+
+QByteArray Answers::HistoryList(const QByteArray &body, Session &session)
+{
+    const std::optional<HistoryRange> range = Records::RangeOf(FromAnsi(body));
+    if (!range)
+        return Refused(refBadRequest);
+    objStore.mailboxes.SettleLine(Now());
+    session.aListed.clear();
+    session.unfinished.clear();
+    QByteArrayList lines;
+    for (const Fax &fax : objStore.mailboxes.History(session.account->strID, *range)) {
+        session.aListed.append(fax.strID);
+        lines.append(
+            Record({ToAnsi(fax.strID), QByteArray::number(fax.lSize), QByteArray::number(fax.lKind)}));
+    }
+    return Ok(lines);
+}
+
+Answers::Reply Answers::FaxFor(const QByteArray &body, Session &session)
+{
+    const QString id = FromAnsi(body.mid(body.indexOf('\0') + 1));
+    const std::optional<Fax> fax = objStore.mailboxes.Find(session.account->strID, id);
+    if (!fax)
+        return {Refused(refNoSuchFax), {}, {}, false};
+    session.unfinished.insert(id);
+    return {Ok({Records::OfFax(*fax)}), objStore.mailboxes.PathOf(fax->strFile), id, false};
+}
+
+/// A listed fax that was never asked for is one that the client has already; one that left only in part
+/// waits on.
+QByteArray Answers::TakeAcknowledgement(Session &session)
+{
+    QStringList taken;
+    for (const QString &id : std::as_const(session.aListed)) {
+        if (!session.unfinished.contains(id))
+            taken.append(id);
+    }
+    objStore.mailboxes.Acknowledge(session.account->strID, taken);
+    session.aListed.clear();
+    return Ok();
+}
+
+QByteArray Answers::FaxStates(const QByteArray &body, const Session &session)
+{
+    objStore.mailboxes.SettleLine(Now());
+    QByteArrayList lines;
+    for (const QString &id : IdsOf(body, '\0')) {
+        const std::optional<Fax> fax = objStore.mailboxes.Find(session.account->strID, id);
+        lines.append(fax ? Records::OfState(*fax) : Records::OfUnknownState(id));
+    }
+    return Ok(lines);
+}
+
+QByteArray Answers::Cancel(const QByteArray &body, const Session &session)
+{
+    for (const QString &id : IdsOf(body, ';'))
+        objStore.mailboxes.CancelSending(session.account->strID, id, Now());
+    return Ok();
+}
+
+QByteArray Answers::Resend(const QByteArray &body, const Session &session)
+{
+    QByteArray accepted;
+    for (const QString &id : IdsOf(body, ';'))
+        accepted += objStore.mailboxes.Resend(session.account->strID, id, Now(lLineSeconds)) ? "1;" : "0;";
+    return Ok({accepted});
+}
+
+/// Every id is acknowledged, since a client keeps what is not and sends it again and again.
+QByteArray Answers::TakeReceipts(const QByteArray &body, const Session &session)
+{
+    for (const QString &id : IdsOf(body, ';'))
+        objStore.mailboxes.MarkRead(session.account->strID, id, Now());
+    return Ok({body});
+}
+
+QByteArray Answers::ReceiptStates(const QByteArray &body, const Session &session)
+{
+    QByteArrayList lines;
+    for (const QString &id : IdsOf(body, ';')) {
+        if (const std::optional<Fax> fax = objStore.mailboxes.Find(session.account->strID, id))
+            lines.append(ToAnsi(id) + '\1' + ToAnsi(fax->strReceipts));
+    }
+    return Ok(lines);
+}

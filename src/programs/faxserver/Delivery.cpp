@@ -1,0 +1,56 @@
+#include "Delivery.h"
+
+#include "FaxFile.h"
+#include "ServerError.h"
+#include "Store.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+Fax FaxOf(const QString &file, const Account &owner)
+{
+    const QFileInfo info(file);
+    if (!info.isFile() || !info.isReadable())
+        throw ServerError(QString("The file %1 cannot be read.").arg(file));
+    Fax fax;
+    fax.lPages = FaxFile::CountPages(file);
+    if (fax.lPages == 0)
+        throw ServerError(QString("The file %1 is no TIFF.").arg(file));
+    fax.strOwner = owner.strID;
+    fax.bWaiting = true;
+    fax.lSize = info.size();
+    fax.strSender = "+44 20 7946 0018";
+    fax.strTitle = info.completeBaseName();
+    fax.strTime = QDateTime::currentDateTime().toString("yyyy-MM-dd HH:mm:ss");
+    fax.strUsers = owner.strID + ';';
+    fax.strReceipts = ",0;";
+    return fax;
+}
+
+} // namespace
+
+void Delivery::Deliver(Store &store, const QString &login, const QStringList &files, int copies)
+{
+    const std::optional<Account> owner = store.accounts.Find(login);
+    if (!owner)
+        throw ServerError(QString("There is no user %1.").arg(login));
+    QList<Fax> faxes;
+    for (const QString &file : files)
+        faxes.append(FaxOf(file, *owner));
+    for (qsizetype i = 0; i < faxes.size(); ++i) {
+        faxes[i].strFile = Accounts::NewID() + ".tif";
+        if (!QFile::copy(files[i], store.mailboxes.PathOf(faxes[i].strFile)))
+            throw ServerError(QString("The file %1 cannot be copied into the mailbox.").arg(files[i]));
+    }
+    const auto changes = store.Change();
+    for (Fax &fax : faxes) {
+        for (int i = 0; i < copies; ++i) {
+            fax.strID = Accounts::NewID();
+            store.mailboxes.Insert(fax);
+        }
+    }
+    changes->Commit();
+}

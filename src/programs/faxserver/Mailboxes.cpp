@@ -1,0 +1,142 @@
+#include "Mailboxes.h"
+
+#include "Database.h"
+#include "ServerError.h"
+
+#include <QDir>
+
+namespace {
+
+const QByteArray abColumns =
+    "ID, Owner, Kind, IsWaiting, File, Size, Sender, Title, Pages, Level, Remark, FaxTime, Contacts, Users, "
+    "Typed, Resender, Receipts, EndTime, DueTime";
+
+Fax FaxOf(const Statement &row)
+{
+    Fax fax;
+    fax.strID = row.Text(0);
+    fax.strOwner = row.Text(1);
+    fax.lKind = int(row.Number(2));
+    fax.bWaiting = row.Number(3) != 0;
+    fax.strFile = row.Text(4);
+    fax.lSize = row.Number(5);
+    fax.strSender = row.Text(6);
+    fax.strTitle = row.Text(7);
+    fax.lPages = int(row.Number(8));
+    fax.lLevel = int(row.Number(9));
+    fax.strRemark = row.Text(10);
+    fax.strTime = row.Text(11);
+    fax.strContacts = row.Text(12);
+    fax.strUsers = row.Text(13);
+    fax.strTyped = row.Text(14);
+    fax.strResender = row.Text(15);
+    fax.strReceipts = row.Text(16);
+    fax.strEndTime = row.Text(17);
+    fax.strDueTime = row.Text(18);
+    return fax;
+}
+
+} // namespace
+
+Mailboxes::Mailboxes(Database &database, const QString &filesFolder)
+    : objDatabase(database)
+    , strFolder(filesFolder)
+{
+    if (!QDir().mkpath(strFolder))
+        throw ServerError(QString("The folder %1 cannot be made.").arg(strFolder));
+    objDatabase.Run(
+        "CREATE TABLE IF NOT EXISTS Fax (ID TEXT PRIMARY KEY, Owner TEXT, Kind INTEGER, IsWaiting INTEGER, "
+        "File TEXT, Size INTEGER, Sender TEXT, Title TEXT, Pages INTEGER, Level INTEGER, Remark TEXT, "
+        "FaxTime TEXT, Contacts TEXT, Users TEXT, Typed TEXT, Resender TEXT, Receipts TEXT, EndTime TEXT, "
+        "DueTime TEXT)");
+    objDatabase.Run("CREATE INDEX IF NOT EXISTS FaxByOwner ON Fax (Owner, IsWaiting)");
+}
+
+QString Mailboxes::PathOf(const QString &file) const
+{
+    return QDir(strFolder).filePath(file);
+}
+
+void Mailboxes::Insert(const Fax &fax)
+{
+    static const QByteArray sql = "INSERT INTO Fax (" + abColumns +
+                                  ") VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
+    objDatabase.Run(sql.constData(), {fax.strID, fax.strOwner, fax.lKind, int(fax.bWaiting), fax.strFile,
+                                      fax.lSize, fax.strSender, fax.strTitle, fax.lPages, fax.lLevel,
+                                      fax.strRemark, fax.strTime, fax.strContacts, fax.strUsers, fax.strTyped,
+                                      fax.strResender, fax.strReceipts, fax.strEndTime, fax.strDueTime});
+}
+
+QList<Fax> Mailboxes::Select(const QByteArray &condition, const QVariantList &values) const
+{
+    const QByteArray sql = "SELECT " + abColumns + " FROM Fax WHERE " + condition;
+    Statement rows = objDatabase.Query(sql.constData(), values);
+    QList<Fax> found;
+    while (rows.Next())
+        found.append(FaxOf(rows));
+    return found;
+}
+
+std::optional<Fax> Mailboxes::Find(const QString &owner, const QString &id) const
+{
+    const QList<Fax> found = Select("ID = ? AND Owner = ?", {id, owner});
+    return found.isEmpty() ? std::nullopt : std::optional<Fax>(found.first());
+}
+
+QList<Fax> Mailboxes::Waiting(const QString &owner) const
+{
+    return Select("Owner = ? AND IsWaiting = 1 ORDER BY FaxTime, rowid", {owner});
+}
+
+QList<Fax> Mailboxes::History(const QString &owner, const HistoryRange &range) const
+{
+    return Select("Owner = ? AND substr(FaxTime, 1, 10) BETWEEN ? AND ? AND CASE WHEN Kind IN (1, 3) THEN ? "
+                  "WHEN Kind = 4 THEN ? WHEN Kind = 9 THEN ? ELSE ? END ORDER BY FaxTime, rowid",
+                  {owner, range.strFrom, range.strTo, int(range.bSending), int(range.bSent),
+                   int(range.bReceived), int(range.bFailed)});
+}
+
+void Mailboxes::Acknowledge(const QString &owner, const QStringList &ids)
+{
+    Transaction changes(objDatabase);
+    for (const QString &id : ids)
+        objDatabase.Run("UPDATE Fax SET IsWaiting = 0 WHERE ID = ? AND Owner = ?", {id, owner});
+    changes.Commit();
+}
+
+bool Mailboxes::MarkRead(const QString &owner, const QString &id, const QString &time)
+{
+    const std::optional<Fax> fax = Find(owner, id);
+    if (!fax)
+        return false;
+    QStringList entries = fax->strReceipts.split(';');
+    const qsizetype place =
+        fax->strContacts.count(';') + fax->strUsers.split(';', Qt::SkipEmptyParts).indexOf(owner);
+    if (!fax->strUsers.contains(owner) || place >= entries.size() || !entries[place].endsWith(",0"))
+        return true;
+    entries[place] = time + ",1";
+    objDatabase.Run("UPDATE Fax SET Receipts = ? WHERE ID = ?", {entries.join(';'), id});
+    return true;
+}
+
+void Mailboxes::SettleLine(const QString &now)
+{
+    objDatabase.Run(
+        "UPDATE Fax SET Kind = 4, EndTime = DueTime WHERE Kind = 1 AND DueTime <> '' AND DueTime <= ?",
+        {now});
+}
+
+bool Mailboxes::CancelSending(const QString &owner, const QString &id, const QString &now)
+{
+    return objDatabase.Run(
+               "UPDATE Fax SET Kind = 11, EndTime = ? WHERE ID = ? AND Owner = ? AND Kind IN (1, 3)",
+               {now, id, owner}) > 0;
+}
+
+bool Mailboxes::Resend(const QString &owner, const QString &id, const QString &due)
+{
+    return objDatabase.Run(
+               "UPDATE Fax SET Kind = 1, EndTime = '', DueTime = ? WHERE ID = ? AND Owner = ? AND "
+               "Kind NOT IN (1, 4, 9)",
+               {due, id, owner}) > 0;
+}

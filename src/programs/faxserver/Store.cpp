@@ -1,0 +1,32 @@
+#include "Store.h"
+
+#include "ServerError.h"
+
+#include <QDir>
+
+namespace {
+
+QString DatabasePath(const QString &dataFolder)
+{
+    if (!QDir().mkpath(dataFolder))
+        throw ServerError(QString("The data folder %1 cannot be made.").arg(dataFolder));
+    return QDir(dataFolder).filePath("faxserver.db");
+}
+
+} // namespace
+
+Store::Store(const QString &dataFolder)
+    : objDatabase(DatabasePath(dataFolder))
+    , accounts(objDatabase)
+    , mailboxes(objDatabase, QDir(dataFolder).filePath("faxes"))
+{
+    objDatabase.Run("CREATE TABLE IF NOT EXISTS Server (ID TEXT)");
+    objDatabase.Run("INSERT INTO Server (ID) SELECT ? WHERE NOT EXISTS (SELECT 1 FROM Server)",
+                    {Accounts::NewID()});
+}
+
+QString Store::ServerID() const
+{
+    Statement row = objDatabase.Query("SELECT ID FROM Server");
+    return row.Next() ? row.Text(0) : QString();
+}
