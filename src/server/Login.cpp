@@ -179,8 +179,8 @@ void Login::ClickLogin()
     const auto wait = std::make_shared<clsWaitableTimer>(ports);
     timer = wait;
     wait->Wait(waitBeforeConnecting);
-    // The window may be gone, or its user may have aborted and begun anew.
-    if (self && !wait->Cancel && timer == wait && !ports.pump.IsQuitting())
+    // The window may be gone, or its user may have aborted, and begun anew with a wait of its own.
+    if (self && !wait->Cancel && !ports.pump.IsQuitting())
         Connect();
 }
 
