@@ -4,6 +4,20 @@
 
 #include <algorithm>
 
+namespace {
+
+/// The picture of an image key, in its own colours on a selected row too.
+QIcon IconOf(const QString &image)
+{
+    const QString file = ":/progress/" + image + ".svg";
+    QIcon icon;
+    for (QIcon::Mode mode : {QIcon::Normal, QIcon::Selected})
+        icon.addFile(file, {}, mode);
+    return icon;
+}
+
+} // namespace
+
 ProgressModel::ProgressModel(const Progress &progress, QObject *parent)
     : QAbstractTableModel(parent)
     , progress(progress)
@@ -30,7 +44,7 @@ QVariant ProgressModel::data(const QModelIndex &index, int role) const
     const ProgressRow &row = aRows.at(index.row());
     if (index.column() == colImage) {
         if (role == Qt::DecorationRole && !row.strImage.isEmpty())
-            return QIcon(":/progress/" + row.strImage + ".svg");
+            return IconOf(row.strImage);
         return role == Qt::AccessibleTextRole ? QVariant(row.strState) : QVariant();
     }
     if (role == Qt::DisplayRole || role == Qt::ToolTipRole)

@@ -25,6 +25,7 @@ frmProcess::frmProcess(Progress &progress, QWidget *mainWindow)
     InitPictures();
     ui->setupUi(this);
     SetUpGrid();
+    ui->labSendProcess->setMinimumHeight(fontMetrics().lineSpacing()); // an empty line keeps its place
     connect(&progress, &Progress::Changed, this, &frmProcess::ShowControls);
     connect(&progress, &Progress::RowsChanged, this, &frmProcess::ShowRows);
     connect(&progress, &Progress::RowSelected, this, &frmProcess::SelectRow);
@@ -41,7 +42,9 @@ void frmProcess::SetUpGrid()
 {
     ui->grdProcess->setModel(model);
     QHeaderView *header = ui->grdProcess->header();
-    const int imageWidth = ui->grdProcess->iconSize().width() + 12;
+    const int iconSize = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
+    const int imageWidth = iconSize + 12;
+    ui->grdProcess->setIconSize(QSize(iconSize, iconSize));
     header->setMinimumSectionSize(imageWidth);
     header->setStretchLastSection(false);
     header->setSectionsMovable(false);
