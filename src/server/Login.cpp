@@ -38,7 +38,7 @@ Login::Login(const Ports &ports, LoginOwner &owner, bool fromMainWindow, QObject
     , tmrSilence(ports.timers.Create())
 {
     tmrSilence->SetInterval(longestSilence);
-    connect(tmrSilence.get(), &Timer::Tick, this, &Login::OnError);
+    connect(tmrSilence.get(), &Timer::Tick, this, &Login::sockClient_Error);
     controls.bFixed = fromMainWindow;
     controls.strLoginCaption = QCoreApplication::translate("server", "&Login");
     controls.strLoginTip = QCoreApplication::translate("server", "Ready ...");

@@ -109,9 +109,9 @@ private:
     void Restore(const QString &tip);
     void ShowText(const QString &text, long flags);
 
-    void OnConnected();
-    void OnError();
-    void OnDataArrival(const ClientReply &reply);
+    void sockClient_Connected();
+    void sockClient_Error();
+    void sockClient_DataArrival(const ClientReply &reply);
     void TakeReply(const LoginReply &reply);
     void TakeGreeting(const QString &version);
     void TakeRefusal(const QString &code);

@@ -36,10 +36,10 @@ void Login::Connect()
 
 void Login::WatchClient()
 {
-    connect(sockClient.get(), &clsClient::Connected, this, &Login::OnConnected);
-    connect(sockClient.get(), &clsClient::ConnectClosed, this, &Login::OnError);
-    connect(sockClient.get(), &clsClient::Error, this, &Login::OnError);
-    connect(sockClient.get(), &clsClient::DataArrival, this, &Login::OnDataArrival);
+    connect(sockClient.get(), &clsClient::Connected, this, &Login::sockClient_Connected);
+    connect(sockClient.get(), &clsClient::ConnectClosed, this, &Login::sockClient_Error);
+    connect(sockClient.get(), &clsClient::Error, this, &Login::sockClient_Error);
+    connect(sockClient.get(), &clsClient::DataArrival, this, &Login::sockClient_DataArrival);
 }
 
 /// Closes the connection; nothing of it is heard any more.
@@ -52,7 +52,7 @@ void Login::ReleaseClient()
     sockClient->Cancel();
 }
 
-void Login::OnConnected()
+void Login::sockClient_Connected()
 {
     // From here on the user cannot abort, and must not begin a second login beside this one.
     stage = stgGreeting;
@@ -63,7 +63,7 @@ void Login::OnConnected()
 }
 
 /// The connection could not be made or was lost, or the server has fallen silent.
-void Login::OnError()
+void Login::sockClient_Error()
 {
     ReleaseClient();
     Restore(QCoreApplication::translate("server", "Ready...."));
@@ -74,7 +74,7 @@ void Login::OnError()
              mbCritical);
 }
 
-void Login::OnDataArrival(const ClientReply &reply)
+void Login::sockClient_DataArrival(const ClientReply &reply)
 {
     if (stage != stgGreeting && stage != stgAnswer)
         return;

@@ -25,7 +25,6 @@ frmUserLogin::frmUserLogin(const Ports &ports, LoginOwner &owner, bool fromMainW
 {
     InitPictures();
     ui->setupUi(this);
-    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     setWindowIcon(QIcon(":/login/picLogin.svg"));
     if (fromMainWindow)
         ui->btnExit->setText(tr("Cancel"));
