@@ -1,5 +1,6 @@
-#include "core/Utilities.h"
 #include "platform/CloseSignals.h"
+
+#include "core/Utilities.h"
 
 #include <QGuiApplication>
 #include <QSocketNotifier>
@@ -29,9 +30,7 @@ void OnSignal(int)
 
 void SetHandlers(void (*handler)(int))
 {
-    struct sigaction action
-    {
-    };
+    struct sigaction action = {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);

@@ -12,9 +12,7 @@ namespace {
 /// A folder of this user that nobody else may enter: what lies in it can be trusted.
 bool IsPrivate(const QString &path)
 {
-    struct stat status
-    {
-    };
+    struct stat status = {};
     return lstat(QFile::encodeName(path).constData(), &status) == 0 && S_ISDIR(status.st_mode) &&
            status.st_uid == geteuid() && (status.st_mode & (S_IRWXG | S_IRWXO)) == 0;
 }

@@ -1,6 +1,7 @@
+#include "platform/SystemInstance.h"
+
 #include "platform/FileDescriptor.h"
 #include "platform/RuntimeFolder.h"
-#include "platform/SystemInstance.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -1,6 +1,7 @@
+#include "platform/SystemSharedBlocks.h"
+
 #include "platform/FileDescriptor.h"
 #include "platform/RuntimeFolder.h"
-#include "platform/SystemSharedBlocks.h"
 
 #include <QFile>
 
@@ -20,9 +21,7 @@ constexpr long lockPause = 5'000'000; // nanoseconds
 /// step, and end with the process.
 bool TryLock(int file, short type)
 {
-    struct flock lock
-    {
-    };
+    struct flock lock = {};
     lock.l_type = type;
     lock.l_whence = SEEK_SET;
     return fcntl(file, F_OFD_SETLK, &lock) == 0;
@@ -31,12 +30,8 @@ bool TryLock(int file, short type)
 /// The name may have been taken away, and perhaps given to a newer file, before the lock was got.
 bool IsNamed(int file, const QByteArray &path)
 {
-    struct stat opened
-    {
-    };
-    struct stat named
-    {
-    };
+    struct stat opened = {};
+    struct stat named = {};
     return fstat(file, &opened) == 0 && stat(path.constData(), &named) == 0 &&
            opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
 }
@@ -51,9 +46,7 @@ int MakeEmpty(int file, int size)
 
 int CheckSize(int file, int size)
 {
-    struct stat status
-    {
-    };
+    struct stat status = {};
     if (fstat(file, &status) != 0)
         return errno;
     return status.st_size < size ? EINVAL : 0;
