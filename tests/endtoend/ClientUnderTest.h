@@ -1,0 +1,99 @@
+#pragma once
+
+#include "core/Message.h"
+#include "endtoend/ScaledTime.h"
+#include "fakes/FakeDesktop.h"
+#include "fakes/FakePorts.h"
+#include "platform/QtEventPump.h"
+#include "platform/SystemIds.h"
+#include "platform/TcpSocket.h"
+#include "server/AddressSync.h"
+#include "server/FaxDownload.h"
+#include "server/FaxStatus.h"
+#include "server/FaxUpload.h"
+#include "server/Login.h"
+#include "server/Progress.h"
+#include "server/Session.h"
+#include "server/SessionRuns.h"
+
+#include <functional>
+
+/// How a test wants to log in.
+struct LoginChoice
+{
+    QString strServer;
+    QString strAccount = QStringLiteral("anna");
+    QString strPassword = QStringLiteral("anna");
+    bool bRememberPwd = false;
+    bool bAutoLogin = false;
+};
+
+/// The client without its windows: the real logic over real sockets, timers and files, the desktop faked.
+/// One object is one start of the program; several in turn on one folder are its restarts.
+class ClientUnderTest final : public LoginOwner
+{
+public:
+    /// `home` holds the data of all users. Time waited for runs ten times as fast; ticks do so by
+    /// `timerFactor`.
+    explicit ClientUnderTest(const QString &home, int timerFactor = 1);
+    ~ClientUnderTest() override;
+
+    /// Shows a login window and presses Login. Returns when the window has closed or is ready again; true in
+    /// the first case.
+    bool LogIn(const LoginChoice &choice);
+    /// Opens the profile offline; true when the window has closed.
+    bool WorkOffline(const LoginChoice &choice);
+    /// Starts as a user does who has a remembered or automatic login: shows the window and waits.
+    bool StartLogin();
+    /// The login's controls as the window would show them after its first activation, without pressing
+    /// anything.
+    LoginControls ReadLoginControls();
+
+    /// Turns the real event loop until the condition holds; false after `milliseconds`.
+    bool WaitUntil(const std::function<bool()> &condition, int milliseconds = 10000);
+
+    /// Rows of the progress window as "InputBox/ID.tif Completed".
+    QStringList ProgressRows() const;
+    /// Ids of all rows of the table, sorted.
+    QStringList StoredIds(const QString &table = QStringLiteral("ReceiveFax")) const;
+
+    // LoginOwner
+    bool IsMainWindowLoaded() const override { return bMainLoaded; }
+    void MarkOnline(bool online, bool usedDigest) override;
+    void TakeClient(std::shared_ptr<clsClient> client) override { session.SetClient(std::move(client)); }
+    void ShowMainWindow() override;
+    void CloseLogin() override { bLoginClosed = true; }
+
+    QtEventPump pump;
+    ScaledTimers timers;
+    ScaledClock clock{10};
+    SystemIds ids;
+    FakePrompts prompts;
+    Message message{prompts};
+    FakeFolders folders;
+    FakeShell shell;
+    FakeSound sound;
+    FakeSharedBlocks blocks;
+    FakeInstance instance;
+    TcpSockets sockets;
+    Ports ports{pump, timers, clock, ids, message, folders, shell, sound, blocks, instance, sockets};
+
+    FakeDesktop desktop;
+    AddressSync addressSync;
+    FaxUpload faxUpload;
+    FaxStatus faxStatus;
+    Progress progress{timers};
+    Session session{ports, progress, desktop.mainWindow};
+    FaxDownload download{ports,
+                         {session, progress, faxStatus, desktop.printing, desktop.notifier,
+                          desktop.mainWindow, desktop.mailbox}};
+    SessionRuns runs{ports,
+                     {session, progress, addressSync, faxUpload, download, faxStatus, desktop.mainWindow,
+                      desktop.mailbox, desktop.forms}};
+
+private:
+    bool RunLogin(const std::function<void(Login &)> &act);
+
+    bool bMainLoaded = false;
+    bool bLoginClosed = false;
+};
