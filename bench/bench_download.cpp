@@ -10,6 +10,8 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <functional>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -216,8 +218,7 @@ int main(int argc, char *argv[])
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
-    TcpSockets sockets;
-    SystemPorts ports(sockets);
+    SystemPorts ports;
     systemPorts = &ports;
     if (argc > 1 && std::strcmp(argv[1], "--peak") == 0)
         return ReportPeak(ports);
