@@ -178,9 +178,17 @@ void FaxDownload::AwaitFax(int index)
     MarkMissed(index);
     if (fetched == Fetched::NotYet)
         rooms.session.MarkOutOfStep(); // the rest of the file may still be on its way
-    if (strError.isEmpty() && !rooms.session.HandlerError().isEmpty())
-        strError = Tr("Failed to store a received fax, it stays on the server.") + '\n' +
-                   rooms.session.HandlerError();
+    if (end == WaitEnd::Failed && strError.isEmpty())
+        strError = FailureText();
+}
+
+QString FaxDownload::FailureText() const
+{
+    const QString text = Tr("Failed to store a received fax, it stays on the server.") + '\n';
+    if (!rooms.session.HandlerError().isEmpty())
+        return text + rooms.session.HandlerError();
+    // What the server did wrong was shown already; the client closes the connection when the disk refuses.
+    return rooms.session.IsConnected() ? QString() : text + Tr("The disk is full or cannot be written.");
 }
 
 void FaxDownload::MarkMissed(int index)

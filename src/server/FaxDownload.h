@@ -69,6 +69,7 @@ private:
     bool FetchOne(const NewFaxItem &item, int index);
     void AwaitFax(int index);
     void MarkMissed(int index);
+    QString FailureText() const;
     void Announce(const Run &run);
     void ShowMonitor();
     void ReloadFolder();

@@ -47,10 +47,15 @@ WaitEnd ServerWaits::Run(const Open &wait, const std::function<bool()> &isAlive)
     }
 }
 
-void ServerWaits::Signal(WaitEnd end)
+void ServerWaits::End(WaitEnd end)
 {
     if (!aWaits.empty() && !aWaits.back()->bSignalled)
         *aWaits.back() = {true, end};
+}
+
+void ServerWaits::Signal(WaitEnd end)
+{
+    End(end);
     ports.pump.RunPending();
 }
 

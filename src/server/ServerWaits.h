@@ -31,7 +31,9 @@ public:
 
     /// Runs the event loop in slices until a signal comes or `isAlive` turns false.
     WaitEnd Wait(const std::function<bool()> &isAlive);
-    /// Ends the newest wait, and runs pending events once.
+    /// Ends the newest wait; what has ended it first counts.
+    void End(WaitEnd end);
+    /// The same, and runs pending events once.
     void Signal(WaitEnd end = WaitEnd::Replied);
     bool IsWaiting() const { return !aWaits.empty(); }
 

@@ -116,7 +116,7 @@ void Session::CloseConnection()
 
 clsClient &Session::BeginCommand(PendingCommand pending)
 {
-    if (bOutOfStep && !bConnecting)
+    if (bOutOfStep && IsConnected() && !bConnecting)
         Reconnect();
     if (std::exchange(bReplyRefused, false))
         sockClient->ResetTransfer(); // a refused fax leaves the client waiting for a file
@@ -162,6 +162,7 @@ void Session::SetIdleState(bool enabled)
 
 void Session::CancelTransfer()
 {
+    waits.End(WaitEnd::Closed); // before a signal counts it as replied
     CloseConnection();
 }
 

@@ -13,8 +13,6 @@
 #include <QStringList>
 
 namespace {
-constexpr int lHeaderNotAnswered = 748; // the client's own error number
-
 QStringList Lines(const ClientReply &reply)
 {
     return AnsiText::FromAnsi(reply.abData).split("\r\n");
@@ -76,7 +74,8 @@ void Session::HandleFailure(const ClientReply &reply)
     if (lPendingCommand == pndFax)
         progress.ChangePos2(-1, CurrentFaxIndex, 100);
     waits.Signal(refused ? WaitEnd::Refused : WaitEnd::Failed);
-    if (Lines(reply).size() == 1)
+    // The client itself has closed the connection when its disk refused a file: no fault of the server.
+    if (Lines(reply).size() == 1 && IsConnected())
         ports.message.ShowMessage(
             QCoreApplication::translate("Session", "Unexpected data received from server!"), mbExclamation);
 }
@@ -84,6 +83,9 @@ void Session::HandleFailure(const ClientReply &reply)
 void Session::Dispatch(const ClientReply &reply)
 {
     if (lPendingCommand == pndReceiptStates && reply.lState != ClientReply::statComplete)
+        return;
+    // A long reply that came in one read is reported as a part before it is reported as complete.
+    if (reply.lState == ClientReply::statPart && reply.lCurrent == reply.lTotal)
         return;
     const auto found = handlers.find(lPendingCommand);
     if (found != handlers.end())
@@ -126,7 +128,7 @@ void Session::OnError(const ClientError &error)
     if (error.lNumber == Socket::sckConnectionRefused)
         bConnectRefused = true;
     waits.Signal(WaitEnd::Closed);
-    if (!bUserLogout || error.lNumber == lHeaderNotAnswered)
+    if (!bUserLogout)
         OnConnectClosed();
 }
 
