@@ -11,7 +11,8 @@ struct PageBits
     int lHeight = 0;       ///< pixels
     int lBitsPerPixel = 0; ///< 1, 8 or 32
     int lBytesPerLine = 0;
-    int lDotsPerInchX = 0; ///< whole dpi, 0 when the file does not say
+    int lDotsPerInchX =
+        0; ///< whole dpi of the page as it lies in the file, turned or not; 0 when it does not say
     int lDotsPerInchY = 0;
     QByteArray abBits;
     QList<quint32> aPalette; ///< 0xffRRGGBB, for 1 and 8 bit
@@ -20,7 +21,8 @@ struct PageBits
 };
 
 /// Reading fax files. Every file is untrusted: its page table is looked at before a page is decoded, and a
-/// file beyond the bounds (10,000 x 50,000 pixels, 5,000 pages) counts as unreadable. A received file that
+/// file beyond the bounds (10,000 x 50,000 pixels, 256 MiB for a decoded page, 5,000 pages) or with a damaged
+/// table counts as unreadable. A received file that
 /// carries its own size in its first four bytes is read as if they were not there.
 namespace FaxImage {
 

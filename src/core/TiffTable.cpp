@@ -1,0 +1,260 @@
+#include "core/TiffTable.h"
+
+#include <QFileInfo>
+#include <QtEndian>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <memory>
+#include <optional>
+
+#include <tiffio.h>
+
+namespace {
+
+constexpr qint64 prefixSize = 4, pointerSize = 4;
+constexpr uint32_t widest = 10000, highest = 50000;
+constexpr int mostPages = 5000;
+
+/// A page as it is decoded, and the reading of one page table: what an honest fax never comes near.
+constexpr quint64 mostPageBytes = 256 * 1024 * 1024;
+constexpr qint64 mostTableBytes = 64 * 1024 * 1024;
+
+struct TiffCloser
+{
+    void operator()(TIFF *tiff) const { TIFFClose(tiff); }
+};
+using TiffHandle = std::unique_ptr<TIFF, TiffCloser>;
+
+TiffFile &Source(thandle_t handle)
+{
+    return *static_cast<TiffFile *>(handle);
+}
+
+tmsize_t ReadFrom(thandle_t handle, void *buffer, tmsize_t size)
+{
+    return Source(handle).Read(static_cast<char *>(buffer), size);
+}
+
+tmsize_t WriteNothing(thandle_t, void *, tmsize_t)
+{
+    return 0;
+}
+
+toff_t SeekIn(thandle_t handle, toff_t offset, int origin)
+{
+    const bool found = Source(handle).Seek(static_cast<qint64>(offset), origin);
+    return found ? static_cast<toff_t>(Source(handle).Position()) : static_cast<toff_t>(-1);
+}
+
+toff_t SizeOf(thandle_t handle)
+{
+    return static_cast<toff_t>(Source(handle).Size());
+}
+
+int LeaveOpen(thandle_t)
+{
+    return 0;
+}
+
+/// Opens for a look at the page table: strips are not loaded.
+TiffHandle OpenTable(TiffFile &file)
+{
+    // Each unknown tag of each page would be told on the error output.
+    TIFFSetErrorHandler(nullptr);
+    TIFFSetWarningHandler(nullptr);
+    return TiffHandle(TIFFClientOpen("fax", "rmDO", &file, ReadFrom, WriteNothing, SeekIn, LeaveOpen, SizeOf,
+                                     nullptr, nullptr));
+}
+
+/// Bits of one pixel while it is decoded, at the most.
+quint64 DecodedDepth(quint64 bits, quint64 samples)
+{
+    if (samples > 1 || bits > 8)
+        return std::max<quint64>(bits * samples, 32);
+    return bits > 1 ? 8 : 1;
+}
+
+bool IsWithinBounds(TIFF *tiff)
+{
+    uint32_t width = 0, height = 0;
+    uint16_t bits = 1, samples = 1;
+    TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &width);
+    TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &height);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &bits);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &samples);
+    if (width < 1 || height < 1 || width > widest || height > highest)
+        return false;
+    if (quint64(width) * height * DecodedDepth(bits, samples) / 8 > mostPageBytes)
+        return false;
+    return !TIFFIsTiled(tiff) || quint64(TIFFTileSize64(tiff)) <= mostPageBytes;
+}
+
+/// Pictures within a page would be decoded along with it, and nobody has looked at their size.
+bool HoldsOtherPictures(TIFF *tiff)
+{
+    uint16_t count = 0;
+    toff_t *offsets = nullptr;
+    return TIFFGetField(tiff, TIFFTAG_SUBIFD, &count, &offsets) == 1 && count > 0;
+}
+
+int DotsPerInch(TIFF *tiff, ttag_t tag)
+{
+    constexpr float centimetresPerInch = 2.54F, most = 100000;
+    float resolution = 0;
+    uint16_t unit = RESUNIT_INCH;
+    if (TIFFGetField(tiff, tag, &resolution) != 1)
+        return 0;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_RESOLUTIONUNIT, &unit);
+    if (unit == RESUNIT_CENTIMETER)
+        resolution *= centimetresPerInch;
+    return resolution > 0 && resolution < most ? static_cast<int>(std::lround(resolution)) : 0;
+}
+
+std::optional<TiffPage> LookAtPage(TIFF *tiff)
+{
+    if (!IsWithinBounds(tiff) || HoldsOtherPictures(tiff))
+        return std::nullopt;
+    return TiffPage{static_cast<qint64>(TIFFCurrentDirOffset(tiff)), DotsPerInch(tiff, TIFFTAG_XRESOLUTION),
+                    DotsPerInch(tiff, TIFFTAG_YRESOLUTION)};
+}
+
+QList<TiffPage> WalkTable(TIFF *tiff)
+{
+    QList<TiffPage> pages;
+    for (;;) {
+        const std::optional<TiffPage> page = LookAtPage(tiff);
+        if (!page || pages.size() == mostPages)
+            return {};
+        pages.append(*page);
+        if (TIFFLastDirectory(tiff))
+            return pages;
+        // Damage, or an entry for the second time: half a fax must not pass for a whole one.
+        if (TIFFReadDirectory(tiff) != 1)
+            return {};
+    }
+}
+
+/// The large variant is none: no fax comes near its 4 GiB.
+bool BeginsTiff(const QByteArray &bytes)
+{
+    return bytes.startsWith(QByteArrayView("II*\0", 4)) || bytes.startsWith(QByteArrayView("MM\0*", 4));
+}
+
+/// A number as the file writes it.
+template <typename Value>
+QByteArray ToBytes(Value value, bool bigEndian)
+{
+    QByteArray bytes(sizeof(Value), '\0');
+    bigEndian ? qToBigEndian(value, bytes.data()) : qToLittleEndian(value, bytes.data());
+    return bytes;
+}
+
+} // namespace
+
+TiffFile::TiffFile(const QString &path)
+    : file(path)
+{
+    // A pipe or device would keep its reader waiting.
+    bOpen = QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly) && FindStart();
+}
+
+bool TiffFile::FindStart()
+{
+    const QByteArray start = BytesAt(0, 2 * prefixSize);
+    if (BeginsTiff(start))
+        return true;
+    if (start.size() < 2 * prefixSize || !BeginsTiff(start.mid(prefixSize)))
+        return false;
+    if (qFromLittleEndian<qint32>(start.constData()) != file.size() - prefixSize)
+        return false;
+    lStart = prefixSize;
+    return true;
+}
+
+QList<TiffPage> TiffFile::ReadPages()
+{
+    if (!bOpen)
+        return {};
+    aPatches.clear();
+    Seek(0, SEEK_SET);
+    lBytesLeft = mostTableBytes;
+    const TiffHandle tiff = OpenTable(*this);
+    const QList<TiffPage> pages = tiff ? WalkTable(tiff.get()) : QList<TiffPage>();
+    lBytesLeft = -1;
+    // A pointer that was cut off reads as the end of the table.
+    const bool whole = !pages.isEmpty() && PointerToNext(pages.last()) >= 0;
+    return whole ? pages : QList<TiffPage>();
+}
+
+qint64 TiffFile::PointerToNext(const TiffPage &page)
+{
+    constexpr qint64 countSize = 2, entrySize = 12;
+    const QByteArray count = BytesAt(page.lOffset, countSize);
+    if (count.size() != countSize)
+        return -1;
+    const qint64 entries = IsBigEndian() ? qFromBigEndian<quint16>(count.constData())
+                                         : qFromLittleEndian<quint16>(count.constData());
+    const qint64 pointer = page.lOffset + countSize + entries * entrySize;
+    return pointer + pointerSize <= Size() ? pointer : -1;
+}
+
+/// The header is made to point to the page, and the page to no next one. So a decoder finds it at once,
+/// however many stand before it.
+bool TiffFile::ShowOnly(const TiffPage &page)
+{
+    constexpr qint64 pointerToFirst = 4;
+    const qint64 pointerToNext = PointerToNext(page);
+    if (pointerToNext < 0)
+        return false;
+    aPatches = {{pointerToFirst, ToBytes(static_cast<quint32>(page.lOffset), IsBigEndian())},
+                {pointerToNext, ToBytes(quint32(0), IsBigEndian())}};
+    return Seek(0, SEEK_SET);
+}
+
+qint64 TiffFile::Read(char *buffer, qint64 size)
+{
+    if (lBytesLeft >= 0 && size > lBytesLeft)
+        return -1;
+    if (!file.seek(lStart + lPosition))
+        return -1;
+    const qint64 read = file.read(buffer, size);
+    if (read <= 0)
+        return read;
+    if (lBytesLeft >= 0)
+        lBytesLeft -= read;
+    ApplyPatches(buffer, read);
+    lPosition += read;
+    return read;
+}
+
+bool TiffFile::Seek(qint64 offset, int origin)
+{
+    qint64 base = 0;
+    if (origin == SEEK_CUR)
+        base = lPosition;
+    else if (origin == SEEK_END)
+        base = Size();
+    qint64 target = 0;
+    if (qAddOverflow(base, offset, &target) || target < 0)
+        return false;
+    lPosition = target;
+    return true;
+}
+
+QByteArray TiffFile::BytesAt(qint64 offset, qint64 size)
+{
+    return file.seek(lStart + offset) ? file.read(size) : QByteArray();
+}
+
+/// `buffer` has just been read at the position.
+void TiffFile::ApplyPatches(char *buffer, qint64 size) const
+{
+    for (const Patch &patch : aPatches) {
+        const qint64 first = std::max(patch.lOffset, lPosition);
+        const qint64 end = std::min(patch.lOffset + patch.abBytes.size(), lPosition + size);
+        for (qint64 at = first; at < end; ++at)
+            buffer[at - lPosition] = patch.abBytes[at - patch.lOffset];
+    }
+}
