@@ -12,11 +12,9 @@ private slots:
     void listGivesTheFaxesOfItsLines();
     void idsAreQuotedAndEscaped_data();
     void idsAreQuotedAndEscaped();
-    void sentFaxGoesToTheFolderOfItsStatus();
     void dateIsShortened_data();
     void dateIsShortened();
     void namesThatLeaveTheFolderAreRefused();
-    void statementsAreWordForWord();
 };
 
 /// A list reply of these lines; "|" stands for the byte between two fields.
@@ -74,14 +72,6 @@ void tst_FaxReply::idsAreQuotedAndEscaped()
     QTEST(FaxReply::QuotedIds(list, marker), "quoted");
 }
 
-void tst_FaxReply::sentFaxGoesToTheFolderOfItsStatus()
-{
-    QStringList folders;
-    for (const int kind : {1, 2, 3, 4, 5, 10, -1})
-        folders.append(FaxReply::SentFolder(kind));
-    QCOMPARE(folders, QStringList({"1005", "1007", "1005", "1006", "1007", "1007", "1007"}));
-}
-
 void tst_FaxReply::dateIsShortened_data()
 {
     QTest::addColumn<QString>("text");
@@ -111,21 +101,6 @@ void tst_FaxReply::namesThatLeaveTheFolderAreRefused()
     QVERIFY(FaxReply::IsBareName("Fax 1.tif"));
     for (const QString name : {"", ".", "..", "../x.tif", "a/b", "a\\b", "a,b", "a'b", "a\nb"})
         QVERIFY2(!FaxReply::IsBareName(name), qPrintable(name));
-}
-
-void tst_FaxReply::statementsAreWordForWord()
-{
-    const QStringList fields{"O'Neil", "%1 off", "x.tif", "2", "1", "re", "2024-01-31 09:00:00",
-                             "",       "",       "typed", "",  "",  "",   "rr"};
-    QCOMPARE(FaxReply::ReceiveFaxInsert({"F1", 1, 0}, fields, "Ann(5);typed", "Bob(bob)"),
-             QString("Insert Into ReceiveFax(Sender,Title,FileName,Pages,FaxLevel,reMark, "
-                     "receiveTime,ReceiveUser,Resender,FolderID,Fax_ID,RecyleID,isreaded,IsSendedReceipt,"
-                     "ReturnReceipts) Values('O~$@~Neil','%1 off','F1.tif','2','1','re',"
-                     "'2024-01-31 09:00:00','Ann(5);typed','Bob(bob)','1001','F1','',0,'False','rr')"));
-    QCOMPARE(FaxReply::SendFaxInsert({"F1", 1, 4}, fields),
-             QString("Insert Into SendFax(Title,FileName,Pages,FaxLevel,reMark, "
-                     "ModifyTime,ReceiverName,FolderID,Fax_ID,RecyleID,isreaded) "
-                     "Values('%1 off','F1.tif','2','1','re','24-01-31','','1006','F1','',0)"));
 }
 
 QTEST_GUILESS_MAIN(tst_FaxReply)

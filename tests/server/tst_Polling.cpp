@@ -23,7 +23,6 @@ private slots:
     void fetchWaitsUntilOtherWindowsHaveClosed();
     void fetchLeavesACommandUnderWayAlone();
     void logsOutOnceWhenIdle();
-    void zeroMinutesNeverLogsOut();
     void idleUserComesBackBySilentReconnection();
     void faxFileOpensWhenTheMainWindowIsAlone();
 
@@ -136,13 +135,6 @@ void tst_Polling::logsOutOnceWhenIdle()
     QCOMPARE(bench->session.lPendingCommand, int(pndLogOut));
     Live(30); // a server that does not close
     QCOMPARE(bench->Heard(), QStringList("2"));
-}
-
-void tst_Polling::zeroMinutesNeverLogsOut()
-{
-    Global().CheckFax = 0;
-    Live(600);
-    QCOMPARE(bench->Heard(), QStringList());
 }
 
 void tst_Polling::idleUserComesBackBySilentReconnection()

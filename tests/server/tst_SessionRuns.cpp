@@ -77,7 +77,6 @@ private slots:
     void sendAndReceiveStopsAtCancel();
     void loginFromTheMainWindow_data();
     void loginFromTheMainWindow();
-    void logoutLeavesTheUserOffline();
     void logOffAtCloseWaitsForTheAnswer();
     void logOffAtCloseTakesFiveSecondsAtMost_data();
     void logOffAtCloseTakesFiveSecondsAtMost();
@@ -227,16 +226,6 @@ void tst_SessionRuns::loginFromTheMainWindow()
     QTEST(bench->upload.aCalls, "uploads");
     QCOMPARE(bench->sync.lCalls, succeeds ? 1 : 0);
     QCOMPARE(bench->desktop.mainWindow.strServerPanel, QString(succeeds ? "127.0.0.1" : ""));
-}
-
-void tst_SessionRuns::logoutLeavesTheUserOffline()
-{
-    bench->runs.mnuLogoutServer();
-    QCOMPARE(bench->Heard(), QStringList("2"));
-    QVERIFY(!bench->session.bOnline);
-    QVERIFY(bench->session.bUserLogout);
-    QVERIFY(!bench->desktop.mainWindow.bCommMenu);
-    QCOMPARE(bench->desktop.mainWindow.strServerPanel, QString("Offline"));
 }
 
 void tst_SessionRuns::logOffAtCloseWaitsForTheAnswer()

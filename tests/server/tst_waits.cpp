@@ -24,7 +24,6 @@ private slots:
 
     void silenceEndsASingleCommandAfterSixTicks();
     void signOfLifeStartsTheCountAnew();
-    void watchdogRunsWhileTheTimersStandStill();
     void watchdogLeavesTheBusyFlagToTheRun();
     void watchdogLeavesAnOpenMessageBoxAlone();
     void headerAnswerHasItsOwnLimit();
@@ -39,7 +38,6 @@ private slots:
     void refusedFaxDoesNotTurnTheNextReplyIntoAFile();
     void overrunReplyPutsTheConnectionOutOfStep();
     void limitHoldsForAllWaitsTogether();
-    void secondRunGetsNothing();
     void runCalledByTheOwnerPasses();
     void runLeftByAnErrorPutsTheWindowBack();
 
@@ -70,13 +68,6 @@ void tst_waits::signOfLifeStartsTheCountAnew()
     bench->Silence(4000).SayShort("part").Silence(4000).SayShort("part");
     QCOMPARE(AskVersions(), WaitEnd::Silent);
     QVERIFY2(Now() > 13000, qPrintable(QString::number(Now())));
-}
-
-void tst_waits::watchdogRunsWhileTheTimersStandStill()
-{
-    session().SetIdleState(false);
-    QVERIFY(!session().CheckFaxTimer().IsEnabled());
-    QCOMPARE(AskVersions(), WaitEnd::Silent);
 }
 
 void tst_waits::watchdogLeavesTheBusyFlagToTheRun()
@@ -229,20 +220,6 @@ void tst_waits::limitHoldsForAllWaitsTogether()
     QCOMPARE(AskVersions(), WaitEnd::Replied);
     QCOMPARE(AskVersions(), WaitEnd::Quitting);
     QCOMPARE(Now(), 5000);
-}
-
-void tst_waits::secondRunGetsNothing()
-{
-    {
-        RunScope first(session());
-        QVERIFY(first);
-        {
-            RunScope second(session());
-            QVERIFY(!second);
-        }
-        QVERIFY(session().bIsSocketBusy);
-    }
-    QVERIFY(!session().bIsSocketBusy);
 }
 
 void tst_waits::runCalledByTheOwnerPasses()
