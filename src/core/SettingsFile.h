@@ -3,7 +3,7 @@
 #include <QString>
 
 /// INI files as the system's profile routines read them: keys and sections without regard to case, the first
-/// match wins, values trimmed, 255 characters at most. The file is UTF-8.
+/// match wins, values trimmed, 254 characters at most. The file is UTF-8.
 
 /// Sets one value and leaves every other line and comment of the file as it stands. The file is replaced in
 /// one step, so that a crash leaves the old or the new one. An empty `file` means "config.ini" in

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-struct Ports;
+class QDateTime;
 class Folders;
 class Ids;
 class Message;
@@ -47,6 +47,9 @@ QString FormatFileSize(qint64 size);
 double NumericPrefix(const QString &text);
 /// The numeric prefix rounded to a whole number, held within 32 bits.
 int ToNumber(const QString &text);
+/// A date, ISO or month/day/year, with or without a time: "2024-01-31 09:30:00", "1/31/2024 9:30 AM". Invalid
+/// for any other text.
+QDateTime ToDateTime(const QString &text);
 /// Free text for a statement: each apostrophe becomes "~$@~".
 QString EscapeText(const QString &text);
 /// The way back.

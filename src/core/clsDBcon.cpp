@@ -42,6 +42,8 @@ void CopyDatabase(sqlite3 *from, const QString &path)
     if (status != SQLITE_OK)
         DatabaseErrors::RaiseResult(opened, status, "CopyTo");
     sqlite3_backup *copy = sqlite3_backup_init(opened, "main", from, "main");
+    if (copy == nullptr)
+        DatabaseErrors::RaiseResult(opened, sqlite3_errcode(opened), "CopyTo");
     sqlite3_backup_step(copy, -1);
     const int result = sqlite3_backup_finish(copy);
     if (result != SQLITE_OK)

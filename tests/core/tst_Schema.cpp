@@ -133,9 +133,11 @@ void tst_Schema::pathlessOpenTakesTheProgramFolder()
 void tst_Schema::unusableFileIsNotOpened_data()
 {
     QTest::addColumn<QByteArray>("contents");
-    QVERIFY(CreateClientDatabase(Path()));
+    const QTemporaryDir newFolder;
+    const QString path = newFolder.filePath("MFax_Client.mfd");
+    QVERIFY(CreateClientDatabase(path));
     Global().objDB->CloseDB();
-    const QByteArray whole = ReadTestFile(Path());
+    const QByteArray whole = ReadTestFile(path);
     QVERIFY(whole.size() > 8192);
     QTest::newRow("empty") << QByteArray();
     QTest::newRow("garbage") << QByteArray(20000, 'x');

@@ -2,12 +2,15 @@
 #include "core/Utilities.h"
 #include "fakes/FakePorts.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <cerrno>
+#include <ctime>
 #include <limits>
 
 class tst_Utilities final : public QObject
@@ -33,6 +36,9 @@ private slots:
     void fileSizeIsFormatted();
     void numberIsTheLongestPrefix_data();
     void numberIsTheLongestPrefix();
+    void dateIsIsoOrMonthFirst_data();
+    void dateIsIsoOrMonthFirst();
+    void hourLeftOutBySummerTimeIsADate();
     void apostrophesAreEscapedAndBack();
     void newFaxIDIsTheGuidInMemoryOrder();
     void onlySafeFaxIDsPass_data();
@@ -89,6 +95,7 @@ void tst_Utilities::folderIsReadOnlyWhenNothingCanBeMadeInIt()
     const QTemporaryDir root;
     QVERIFY(!IsFolderReadOnly(root.path(), fakes.ids, fakes.message));
     QVERIFY(QDir(root.path()).isEmpty());
+    QVERIFY(IsFolderReadOnly("/proc", fakes.ids, fakes.message));
     QVERIFY(IsFolderReadOnly(root.filePath("none"), fakes.ids, fakes.message));
     QVERIFY(!FolderExists(root.filePath("none")));
 }
@@ -222,6 +229,57 @@ void tst_Utilities::numberIsTheLongestPrefix()
     QFETCH(QString, text);
     QTEST(NumericPrefix(text), "number");
     QTEST(ToNumber(text), "whole");
+}
+
+void tst_Utilities::dateIsIsoOrMonthFirst_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("iso");
+    QTest::newRow("own form") << "2024-01-31 09:30:05"
+                              << "2024-01-31T09:30:05";
+    QTest::newRow("no time") << " 2024-01-31 "
+                             << "2024-01-31T00:00:00";
+    QTest::newRow("T between") << "2024-01-31T09:30"
+                               << "2024-01-31T09:30:00";
+    QTest::newRow("month first") << "3/4/2024 9:05:06"
+                                 << "2024-03-04T09:05:06";
+    QTest::newRow("afternoon") << "1/31/2024 9:30:00 PM"
+                               << "2024-01-31T21:30:00";
+    QTest::newRow("midnight") << "1/31/2024 12:00 am"
+                              << "2024-01-31T00:00:00";
+    QTest::newRow("noon") << "1/31/2024 12:00 PM"
+                          << "2024-01-31T12:00:00";
+    QTest::newRow("thirteen in the afternoon") << "1/31/2024 13:00 PM"
+                                               << "";
+    QTest::newRow("day first") << "31/1/2024"
+                               << "";
+    QTest::newRow("no such day") << "2024-02-30"
+                                 << "";
+    QTest::newRow("no such hour") << "2024-01-31 24:00:00"
+                                  << "";
+    QTest::newRow("text behind") << "2024-01-31 x"
+                                 << "";
+    QTest::newRow("empty") << ""
+                           << "";
+}
+
+void tst_Utilities::dateIsIsoOrMonthFirst()
+{
+    QFETCH(QString, text);
+    QTEST(ToDateTime(text).toString(Qt::ISODate), "iso");
+}
+
+void tst_Utilities::hourLeftOutBySummerTimeIsADate()
+{
+    const QByteArray before = qgetenv("TZ");
+    qputenv("TZ", "Europe/Berlin");
+    tzset();
+    const auto restored = qScopeGuard([&] {
+        before.isEmpty() ? qunsetenv("TZ") : qputenv("TZ", before);
+        tzset();
+    });
+    QVERIFY(!QDateTime(QDate(2024, 3, 31), QTime(2, 30)).isValid());
+    QCOMPARE(ToDateTime("2024-03-31 02:30:00").toString(Qt::ISODate), QString("2024-03-31T03:30:00"));
 }
 
 void tst_Utilities::apostrophesAreEscapedAndBack()

@@ -106,7 +106,7 @@ void tst_clsDBcon::unopenablePathLeavesItClosed()
     QVERIFY(other.OpenDB(path) > 0);
     QCOMPARE(other.DataBasePath(), path);
     QVERIFY(!other.IsOpen());
-    QCOMPARE(CatchError([&] { other.SelectEx("Select 1"); })->Number(), -1L);
+    QCOMPARE(CatchError([&] { other.SelectEx("Select 1"); }).value().Number(), -1L);
     QVERIFY(other.OpenDB("") > 0);
 }
 
@@ -339,7 +339,7 @@ void tst_clsDBcon::fileOfAnotherKindIsNoDatabase()
     QVERIFY(WriteTestFile(path, QByteArray(5000, 'x')));
     clsDBcon other;
     QCOMPARE(other.OpenDB(path), 0L);
-    QCOMPARE(CatchError([&] { other.Execute("Create Table T(ID)"); })->Number(), -1073741798L);
+    QCOMPARE(CatchError([&] { other.Execute("Create Table T(ID)"); }).value().Number(), -1073741798L);
     other.CloseDB();
     QCOMPARE(ReadTestFile(path), QByteArray(5000, 'x'));
 }
