@@ -1,0 +1,41 @@
+#include "controls/Colors.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+/// The contrast that large and graphical text needs.
+constexpr double dEnoughContrast = 3.0;
+constexpr float fStep = 0.02f;
+
+double Linear(double channel)
+{
+    return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+}
+
+double Luminance(const QColor &color)
+{
+    return 0.2126 * Linear(color.redF()) + 0.7152 * Linear(color.greenF()) + 0.0722 * Linear(color.blueF());
+}
+
+double Contrast(const QColor &one, const QColor &other)
+{
+    const auto [dark, light] = std::minmax(Luminance(one), Luminance(other));
+    return (light + 0.05) / (dark + 0.05);
+}
+
+} // namespace
+
+QColor GetReadableColor(const QColor &wanted, const QColor &background)
+{
+    const float step = Luminance(background) < 0.2 ? fStep : -fStep;
+    QColor color = wanted.toHsl();
+    while (Contrast(color, background) < dEnoughContrast) {
+        const float lightness = color.lightnessF() + step;
+        if (lightness < 0.0f || lightness > 1.0f)
+            break;
+        color.setHslF(color.hslHueF(), color.hslSaturationF(), lightness);
+    }
+    return color == wanted.toHsl() ? wanted : color.toRgb();
+}

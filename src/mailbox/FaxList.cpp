@@ -1,0 +1,108 @@
+#include "mailbox/FaxList.h"
+
+#include "core/Globals.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+long SumFirstField(const QString &sql)
+{
+    long sum = 0;
+    const auto row = Global().objDB->SelectEx(sql);
+    while (row->Next())
+        sum += row->Number(0);
+    return sum;
+}
+
+FaxRow MakeSummaryRow(const FaxListQueries::SummaryLine &line)
+{
+    FaxRow row;
+    row.bSummary = true;
+    row.aCells = {line.strLabel, QString::number(SumFirstField(line.strUnreadSql)),
+                  QString::number(SumFirstField(line.strTotalSql))};
+    return row;
+}
+
+} // namespace
+
+FaxList::FaxList()
+    : aColumns(GetFaxListColumns(0))
+{
+}
+
+void FaxList::SetLayout(int layout)
+{
+    emit AboutToReset();
+    lLayout = layout;
+    aColumns = GetFaxListColumns(layout);
+    aRows.clear();
+    emit Reset();
+}
+
+int FaxList::RowOf(const QString &id) const
+{
+    const auto found =
+        std::find_if(aRows.rbegin(), aRows.rend(), [&](const FaxRow &row) { return row.strID == id; });
+    return found == aRows.rend() ? 0 : static_cast<int>(found - aRows.rbegin()) + 1;
+}
+
+QStringList FaxList::Ids() const
+{
+    QStringList ids;
+    for (const FaxRow &row : aRows)
+        ids.append(row.strID);
+    return ids;
+}
+
+int FaxList::UnreadCount() const
+{
+    return static_cast<int>(
+        std::count_if(aRows.begin(), aRows.end(), [](const FaxRow &row) { return !row.bRead; }));
+}
+
+void FaxList::Clear()
+{
+    Replace({});
+}
+
+void FaxList::LoadSummary(const FaxListQueries::Subtrees &subtrees, const QString &dateRange)
+{
+    Rows rows;
+    for (const FaxListQueries::SummaryLine &line : FaxListQueries::ForSummary(subtrees, dateRange))
+        rows.push_back(MakeSummaryRow(line));
+    std::reverse(rows.begin(), rows.end());
+    Replace(std::move(rows));
+}
+
+void FaxList::LoadFaxes(FaxListQueries::Selection selection, bool clearFirst)
+{
+    selection.aListed = clearFirst ? QStringList() : Ids();
+    Rows rows;
+    for (const FaxListQueries::Query &query : FaxListQueries::ForFolder(selection)) {
+        const auto statement = Global().objDB->SelectEx(query.strSql);
+        while (statement->Next())
+            rows.push_back(ReadFaxRow(*statement, selection.lMode, query.lFaxTable));
+    }
+    if (clearFirst)
+        Replace(std::move(rows));
+    else
+        AddOnTop(std::move(rows));
+}
+
+void FaxList::Replace(Rows rows)
+{
+    emit AboutToReset();
+    aRows = std::move(rows);
+    emit Reset();
+}
+
+void FaxList::AddOnTop(Rows rows)
+{
+    if (rows.empty())
+        return;
+    emit AboutToInsertOnTop(static_cast<int>(rows.size()));
+    std::move(rows.begin(), rows.end(), std::back_inserter(aRows));
+    emit InsertedOnTop();
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "mailbox/FaxListColumns.h"
+#include "mailbox/FaxListQueries.h"
+#include "mailbox/FaxRow.h"
+
+#include <QObject>
+
+#include <optional>
+#include <vector>
+
+/// The rows of the list on the screen and their columns. Rows are numbered from 1, the newest fax first.
+/// Routines that read the database raise its errors and then leave the list as it was.
+class FaxList final : public QObject
+{
+    Q_OBJECT
+
+public:
+    FaxList();
+
+    int Layout() const { return lLayout; }
+    const QList<FaxColumn> &Columns() const { return aColumns; }
+    /// Rebuilds the columns, which empties the list.
+    void SetLayout(int layout);
+
+    int RowCount() const { return static_cast<int>(aRows.size()); }
+    const FaxRow &Row(int row) const { return aRows[Place(row)]; }
+    /// The row of a fax; 0 when it is not listed.
+    int RowOf(const QString &id) const;
+    QStringList Ids() const;
+    int UnreadCount() const;
+
+    void Clear();
+    /// Fills the list for mode 0.
+    void LoadSummary(const FaxListQueries::Subtrees &subtrees, const QString &dateRange);
+    /// Fills the list for modes 1 to 7. `clearFirst` false adds on top what is not listed yet.
+    void LoadFaxes(FaxListQueries::Selection selection, bool clearFirst);
+
+signals:
+    void AboutToReset();
+    void Reset();
+    void AboutToInsertOnTop(int count);
+    void InsertedOnTop();
+
+private:
+    using Rows = std::vector<FaxRow>;
+
+    std::size_t Place(int row) const { return aRows.size() - static_cast<std::size_t>(row); }
+    void Replace(Rows rows);
+    void AddOnTop(Rows rows);
+
+    int lLayout = 0;
+    QList<FaxColumn> aColumns;
+    Rows aRows; ///< oldest first, so that adding on top is cheap
+};

@@ -1,0 +1,173 @@
+#include "mailbox/FaxRow.h"
+
+#include "core/Utilities.h"
+#include "core/clsDBcon.h"
+#include "mailbox/FaxListColumns.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int lReceiverWidth = 100;
+
+enum class CellKind { Plain, Receiver, Sender, Time, FileList, BareName, Result };
+
+/// Which field of a query's row stands in which column.
+struct CellRule
+{
+    int lColumn;
+    int lField;
+    CellKind kind;
+};
+
+struct RowRules
+{
+    int lLevelField;
+    int lReadField;
+    QList<CellRule> aCells;
+};
+
+const RowRules &GetRules(int mode, int faxTable)
+{
+    static const RowRules draft{1,
+                                7,
+                                {{4, 2, CellKind::Receiver},
+                                 {5, 3, CellKind::Plain},
+                                 {6, 4, CellKind::Plain},
+                                 {7, 5, CellKind::Time},
+                                 {8, 6, CellKind::FileList}}};
+    static const RowRules received{2,
+                                   1,
+                                   {{4, 3, CellKind::Sender},
+                                    {5, 9, CellKind::Plain},
+                                    {6, 4, CellKind::Plain},
+                                    {7, 5, CellKind::Plain},
+                                    {8, 6, CellKind::Time},
+                                    {9, 7, CellKind::Plain},
+                                    {10, 8, CellKind::Plain}}};
+    // Rows of the Recycle bin leave no room for "First Read By" though its column stands there: from the
+    // title on every value is one column left of its caption, and column 10 tells the table of the fax.
+    static const RowRules recyleSent{
+        1, 5, {{5, 2, CellKind::Plain}, {6, 3, CellKind::Plain}, {9, 4, CellKind::BareName}}};
+    static const RowRules recyleReceived{2,
+                                         1,
+                                         {{4, 3, CellKind::Sender},
+                                          {5, 4, CellKind::Plain},
+                                          {6, 5, CellKind::Plain},
+                                          {7, 6, CellKind::Time},
+                                          {8, 7, CellKind::Plain},
+                                          {9, 8, CellKind::Plain}}};
+    static const RowRules outgoing{1,
+                                   6,
+                                   {{4, 2, CellKind::Receiver},
+                                    {5, 3, CellKind::Plain},
+                                    {6, 4, CellKind::Plain},
+                                    {7, 5, CellKind::BareName}}};
+    static const RowRules sended{1,
+                                 8,
+                                 {{4, 2, CellKind::Receiver},
+                                  {5, 3, CellKind::Plain},
+                                  {6, 4, CellKind::Plain},
+                                  {7, 5, CellKind::Result},
+                                  {8, 6, CellKind::Time},
+                                  {9, 7, CellKind::Plain}}};
+    switch (mode) {
+    case 1:
+        return draft;
+    case 2:
+        return received;
+    case 3:
+        return faxTable == 1 ? recyleSent : recyleReceived;
+    case 4:
+        return outgoing;
+    default:
+        return sended;
+    }
+}
+
+QString FormatCell(const QString &stored, CellKind kind)
+{
+    const QString text = UnescapeText(stored);
+    switch (kind) {
+    case CellKind::Plain:
+        return text;
+    case CellKind::Receiver:
+        return CompactPath(RemoveLastChar(text, ";"), lReceiverWidth);
+    case CellKind::Sender:
+        return RemoveLastChar(text, ";");
+    case CellKind::Time:
+        return FormatListTime(text);
+    case CellKind::FileList:
+        return RemoveLastChar(text, ",");
+    case CellKind::BareName:
+        return GetBareName(text);
+    case CellKind::Result:
+        return text.left(text.indexOf(QChar(2)));
+    }
+    return text;
+}
+
+} // namespace
+
+void FaxRow::SetCell(int column, const QString &text)
+{
+    while (aCells.size() < column - 1)
+        aCells.append(QString());
+    aCells[column - 2] = text;
+}
+
+QString FaxRow::ReadImageKey() const
+{
+    return bSummary ? QString() : bRead ? "imgReaded" : "imgNotRead";
+}
+
+QString FaxRow::LevelImageKey() const
+{
+    return lLevel == 0 ? "imgLevel" : lLevel == 2 ? "imgLowLevel" : "";
+}
+
+std::optional<quint32> FaxRow::TextColor() const
+{
+    if (lLevel == 0)
+        return 0xff0000;
+    return lLevel == 2 ? std::optional<quint32>(0x969696) : std::nullopt;
+}
+
+FaxRow ReadFaxRow(const clsStatement &statement, int mode, int faxTable)
+{
+    const RowRules &rules = GetRules(mode, faxTable);
+    FaxRow row;
+    row.strID = statement.Text(0);
+    row.lFaxTable = faxTable;
+    row.bRead = ReadsAsTrue(statement.Text(rules.lReadField));
+    const QString level = statement.Text(rules.lLevelField);
+    row.lLevel = level.isEmpty() ? 1 : ToNumber(level);
+    for (const CellRule &rule : rules.aCells)
+        row.SetCell(rule.lColumn, FormatCell(statement.Text(rule.lField), rule.kind));
+    if (mode == 3)
+        row.SetCell(colFaxTable, QString::number(faxTable));
+    return row;
+}
+
+QString FormatListTime(const QString &stored)
+{
+    static const QRegularExpression iso("^(\\d{4})-(\\d\\d)-(\\d\\d)(?:[ T](\\d\\d:\\d\\d:\\d\\d))?$");
+    const auto match = iso.match(stored);
+    if (!match.hasMatch())
+        return stored;
+    const QString time = match.captured(4);
+    return match.captured(2) + '/' + match.captured(3) + '/' + match.captured(1) + ' ' +
+           (time.isEmpty() ? "00:00:00" : time);
+}
+
+QString GetBareName(const QString &path)
+{
+    return path.mid(std::max(path.lastIndexOf('/'), path.lastIndexOf('\\')) + 1);
+}
+
+bool ReadsAsTrue(const QString &stored)
+{
+    return stored.compare("True", Qt::CaseInsensitive) == 0 || NumericPrefix(stored) != 0;
+}

@@ -1,0 +1,256 @@
+#include "mailbox/ShownMailbox.h"
+
+#include "core/Globals.h"
+#include "core/Message.h"
+#include "core/RaisedError.h"
+#include "core/ports/Clock.h"
+
+namespace {
+
+// A recount writes the colons apart from the words, a selection does not.
+constexpr const char *strSelectionStatus = QT_TRANSLATE_NOOP("ShownMailbox", "Total Faxes: %1  Unread: %2");
+constexpr const char *strRecountStatus = QT_TRANSLATE_NOOP("ShownMailbox", "Total Faxes : %1  Unread : %2");
+
+} // namespace
+
+ShownMailbox::ShownMailbox(Message &messageBox, const Clock &clock)
+    : message(messageBox)
+    , dates(clock.Now().date())
+{
+}
+
+/// Every entry from the outside goes through here: an error ends in a box, not in the event loop.
+void ShownMailbox::Guard(const QString &routine, const std::function<void()> &run)
+{
+    try {
+        run();
+    } catch (const RaisedError &error) {
+        message.ShowMessage("error in " + routine + "\r\n" + error.Description(), mbExclamation);
+    }
+}
+
+// Folders
+
+void ShownMailbox::LoadFaxFolderTree()
+{
+    Guard("LoadFaxFolderTree", [this] {
+        selected = nullptr;
+        ClearSelection();
+        folders.LoadFaxFolderTree();
+        ShowFolder(folders.Find(Global().SwitchTo ? "1001" : "1000"));
+    });
+}
+
+QString ShownMailbox::SelectedFolder() const
+{
+    return selected ? selected->strKey : QString();
+}
+
+void ShownMailbox::SelectFolder(const QString &key)
+{
+    if (bReloading)
+        return;
+    FolderNode *node = folders.Find(key);
+    if (node && key == "1004" && folders.Find("1005"))
+        node = folders.Find("1005"); // the faxes of "Sent" stand in its branches
+    if (node)
+        Guard("tvFolder_SelectedNodeChanged", [&] { ShowFolder(node); });
+}
+
+void ShownMailbox::ShowFolder(FolderNode *node)
+{
+    selected = node;
+    ClearSelection();
+    ResetPreview();
+    list.SetLayout(GetColumnLayout(node->Family));
+    emit FolderSelected(node);
+    const int mode = GetListMode(node->Family, GetNodeParentKey(node));
+    if (mode >= 0)
+        LoadGridItem(node->strKey, mode, {}, false, true);
+    else
+        emit CommandsChanged();
+    dates.ReleaseMonths();
+    emit DatesChanged();
+    ShowStatus(strSelectionStatus);
+}
+
+void ShownMailbox::RefreshFolderUnreadCounts()
+{
+    Guard("RefreshFolderUnreadCounts", [this] {
+        folders.RefreshFolderUnreadCounts(dates.Text());
+        ShowStatus(strRecountStatus);
+    });
+}
+
+void ShownMailbox::SetFolderTreeText(long count, FolderNode *node)
+{
+    Guard("SetFolderTreeText", [&] {
+        if (!node)
+            node = selected;
+        if (!node)
+            return;
+        folders.SetUnread(node, count > -1 ? count : list.UnreadCount());
+        ShowStatus(strRecountStatus);
+    });
+}
+
+void ShownMailbox::ShowStatus(const char *format)
+{
+    strStatus.clear();
+    if (selected && selected->strKey != "1000")
+        strStatus = tr(format).arg(QString::number(list.RowCount()),
+                                   QString::number(FolderTree::GetNotReadCount(*selected, dates.Text())));
+    emit StatusChanged();
+}
+
+// The list
+
+void ShownMailbox::LoadGridItem(const QString &key, int mode, const QString &extraFilter, bool allFolders,
+                                bool clearFirst)
+{
+    Guard("LoadGridItem", [&] {
+        const QString previousFax = clearFirst ? QString() : strCurrent;
+        if (mode == 0)
+            LoadSummary();
+        else
+            list.LoadFaxes({key, mode, extraFilter, allFolders, {}, dates.Text()}, clearFirst);
+        SelectAfterLoad(previousFax);
+        emit CommandsChanged();
+    });
+}
+
+void ShownMailbox::LoadSummary()
+{
+    const auto subtree = [this](const QString &key) {
+        folders.FolderIdList.clear();
+        return folders.CollectSubtreeFolderIds(folders.Find(key));
+    };
+    FaxListQueries::Subtrees subtrees;
+    subtrees.strIncoming = subtree("1001");
+    subtrees.strDraft = subtree("1002");
+    subtrees.strSent = subtree("1004");
+    subtrees.strOutgoing = subtree("1003");
+    list.LoadSummary(subtrees, dates.Text());
+}
+
+void ShownMailbox::SelectAfterLoad(const QString &previousFax)
+{
+    const int previousRow = previousFax.isEmpty() ? 0 : list.RowOf(previousFax);
+    if (previousRow > 0) {
+        emit RowSelected(previousRow); // the fax on show stays, at the page where its reader is
+    } else if (list.RowCount() > 0) {
+        SelectRow(1);
+    } else {
+        ClearSelection();
+        ResetPreview();
+        emit RowSelected(0);
+    }
+}
+
+void ShownMailbox::ReloadCurrentFolder(bool clearFirst)
+{
+    if (!selected || selected->Family == FolderFamily::Recyle)
+        return;
+    const int mode = selected->Family == FolderFamily::Sended ? 5 : GetListMode(selected->Family, {});
+    LoadGridItem(selected->strKey, mode, {}, false, clearFirst);
+}
+
+int ShownMailbox::GetFaxTable() const
+{
+    if (!selected || selected->Family == FolderFamily::Received)
+        return 0;
+    if (selected->Family != FolderFamily::Recyle)
+        return 1;
+    const int row = SelectedRow();
+    return row > 0 ? list.Row(row).lFaxTable : 0;
+}
+
+// The selected faxes
+
+int ShownMailbox::SelectedRow() const
+{
+    return strCurrent.isEmpty() ? 0 : list.RowOf(strCurrent);
+}
+
+void ShownMailbox::SelectRow(int row)
+{
+    if (row < 1 || row > list.RowCount())
+        return;
+    const FaxRow &chosen = list.Row(row);
+    aSelected = chosen.bSummary ? QStringList() : QStringList(chosen.strID);
+    strCurrent = chosen.strID;
+    emit RowSelected(row);
+    ShowFax(strCurrent);
+}
+
+void ShownMailbox::SelectCurrentRow()
+{
+    SelectRow(SelectedRow());
+}
+
+void ShownMailbox::SelectFaxes(const QStringList &ids, const QString &current)
+{
+    if (bReloading)
+        return;
+    aSelected = ids;
+    if (current != strCurrent) {
+        strCurrent = current;
+        ShowFax(current);
+    } else {
+        emit CommandsChanged();
+    }
+}
+
+void ShownMailbox::ShowFax(const QString &id)
+{
+    if (bReloading)
+        return;
+    if (id.isEmpty()) {
+        ResetPreview();
+    } else {
+        Guard("LoadFaxPreview", [&] { preview.LoadFaxPreview(id, GetFaxTable()); });
+        emit FaxSelected(id);
+    }
+    emit CommandsChanged();
+}
+
+void ShownMailbox::ClearSelection()
+{
+    aSelected.clear();
+    strCurrent.clear();
+}
+
+void ShownMailbox::ResetPreview()
+{
+    const QString key = SelectedFolder();
+    preview.ResetPreview(list.RowCount() == 0 && key != "1000" && key != "1004");
+}
+
+// The date range
+
+void ShownMailbox::SelectYear(int index)
+{
+    dates.SelectYear(index);
+    ApplyDates();
+}
+
+void ShownMailbox::ClickMonth(int month)
+{
+    if (!dates.IsMonthEnabled(month))
+        return;
+    dates.ClickMonth(month);
+    ApplyDates();
+}
+
+void ShownMailbox::ApplyDates()
+{
+    RefreshFolderUnreadCounts();
+    emit DatesChanged();
+    ReloadCurrentFolder(true);
+    Guard("RefreshFolderUnreadCounts", [this] { ShowStatus(strRecountStatus); });
+}
+
+QString ShownMailbox::labFolderTip() const
+{
+    return "    " + GetTreeItemText(selected) + "  " + dates.YearText() + "  " + dates.PressedCaption();
+}

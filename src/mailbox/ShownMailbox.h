@@ -1,0 +1,106 @@
+#pragma once
+
+#include "mailbox/DateFilter.h"
+#include "mailbox/FaxList.h"
+#include "mailbox/FaxPreview.h"
+#include "mailbox/FolderTree.h"
+#include "mailbox/Mailbox.h"
+
+#include <QObject>
+#include <QStringList>
+
+#include <functional>
+
+class Clock;
+class Message;
+
+/// The mailbox as it stands on the screen: the folders, the selected one, its list, the selected faxes and
+/// the one on show. The panes show it and hand it the user's choices. Its public routines trap the errors of
+/// the database and show a box.
+class ShownMailbox final : public QObject, public Mailbox
+{
+    Q_OBJECT
+
+public:
+    ShownMailbox(Message &message, const Clock &clock);
+
+    FolderTree &Folders() { return folders; }
+    FaxList &List() { return list; }
+    const FaxList &List() const { return list; }
+    FaxPreview &Preview() { return preview; }
+    const FaxPreview &Preview() const { return preview; }
+    const DateFilter &Dates() const { return dates; }
+
+    /// Loads the folders of the open profile and selects the first one.
+    void LoadFaxFolderTree();
+
+    // What runs of the server ask
+    QString SelectedFolder() const override;
+    void LoadGridItem(const QString &key, int mode, const QString &extraFilter, bool allFolders,
+                      bool clearFirst) override;
+    int RowCount() const override { return list.RowCount(); }
+    void SelectRow(int row) override;
+    void SelectCurrentRow() override;
+    void RefreshFolderUnreadCounts() override;
+
+    // What the user does
+    void SelectFolder(const QString &key);
+    /// Ids in the order of the list; `current` is the fax to show.
+    void SelectFaxes(const QStringList &ids, const QString &current);
+    void SelectYear(int index);
+    void ClickMonth(int month);
+    /// Loads the selected folder's list again; the Recycle bin's stays as it is.
+    void ReloadCurrentFolder(bool clearFirst);
+
+    FolderNode *SelectedNode() const { return selected; } ///< null when none is selected
+    const QStringList &SelectedFaxes() const { return aSelected; }
+    /// Row of the fax on show, from 1; 0 for none.
+    int SelectedRow() const;
+    /// The table of the selected fax: 0 `ReceiveFax`, 1 `SendFax`.
+    int GetFaxTable() const;
+    /// Sets a folder's unread count; -1 counts the unread rows of the list. A null node means the selected
+    /// one.
+    void SetFolderTreeText(long count, FolderNode *node);
+
+    /// What stands over the list: the folder, the year and the month.
+    QString labFolderTip() const;
+    /// Number of faxes and unread ones; empty for the summary.
+    const QString &StatusText() const { return strStatus; }
+
+    /// While set, selections are not followed: rows and folders are being changed in bulk.
+    void SetReloading(bool reloading) { bReloading = reloading; }
+
+signals:
+    void FolderSelected(FolderNode *node);
+    /// The selected rows changed other than by `SelectFaxes`; `row` counts from 1, 0 for none.
+    void RowSelected(int row);
+    /// A fax came on show by a selection.
+    void FaxSelected(const QString &id);
+    /// Commands that depend on the folder or the selection have to be looked at again.
+    void CommandsChanged();
+    void DatesChanged();
+    void StatusChanged();
+
+private:
+    void Guard(const QString &routine, const std::function<void()> &run);
+    void LoadList(const FaxListQueries::Selection &selection, bool clearFirst);
+    void LoadSummary();
+    void ShowFolder(FolderNode *node);
+    void ShowFax(const QString &id);
+    void SelectAfterLoad(const QString &previousFax);
+    void ClearSelection();
+    void ResetPreview();
+    void ShowStatus(const char *format);
+    void ApplyDates();
+
+    Message &message;
+    FolderTree folders;
+    FaxList list;
+    FaxPreview preview;
+    DateFilter dates;
+    FolderNode *selected = nullptr;
+    QStringList aSelected;
+    QString strCurrent; ///< id of the fax on show: a row's number changes when faxes come in on top
+    QString strStatus;
+    bool bReloading = false;
+};
