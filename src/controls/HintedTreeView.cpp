@@ -1,0 +1,34 @@
+#include "controls/HintedTreeView.h"
+
+#include <QPainter>
+
+namespace {
+
+constexpr int lMargin = 24;
+
+} // namespace
+
+HintedTreeView::HintedTreeView(QWidget *parent)
+    : QTreeView(parent)
+{
+    setUniformRowHeights(true);
+    setEditTriggers(NoEditTriggers);
+}
+
+void HintedTreeView::SetHint(const QString &hint)
+{
+    strHint = hint;
+    setAccessibleDescription(hint);
+    viewport()->update();
+}
+
+void HintedTreeView::paintEvent(QPaintEvent *event)
+{
+    QTreeView::paintEvent(event);
+    if (strHint.isEmpty() || (model() && model()->rowCount(rootIndex()) > 0))
+        return;
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(viewport()->rect().adjusted(lMargin, lMargin, -lMargin, -lMargin),
+                     Qt::AlignCenter | Qt::TextWordWrap, strHint);
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+#include <QTreeView>
+
+/// A tree or list that says, while it is empty, why it is and what to do.
+class HintedTreeView : public QTreeView
+{
+    Q_OBJECT
+
+public:
+    explicit HintedTreeView(QWidget *parent = nullptr);
+
+    const QString &Hint() const { return strHint; }
+    void SetHint(const QString &hint);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QString strHint;
+};

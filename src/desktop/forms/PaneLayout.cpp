@@ -1,0 +1,99 @@
+#include "desktop/forms/PaneLayout.h"
+
+#include <QGuiApplication>
+#include <QMainWindow>
+#include <QScreen>
+#include <QSplitter>
+
+#include <algorithm>
+
+namespace {
+
+constexpr QSize smallestGrip(80, 40);
+
+/// Enough of the window's upper edge stands on a screen to be grasped.
+bool CanBeGrasped(const QRect &window)
+{
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    return std::any_of(screens.begin(), screens.end(), [&](const QScreen *screen) {
+        const QRect edge(window.topLeft(), QSize(window.width(), smallestGrip.height()));
+        const QRect seen = edge.intersected(screen->availableGeometry());
+        return seen.width() >= smallestGrip.width() && seen.height() >= smallestGrip.height();
+    });
+}
+
+/// Gives the first and second part of a splitter their sizes, where they are known.
+void RestoreSizes(QSplitter *splitter, const std::optional<int> &first, const std::optional<int> &second)
+{
+    QList<int> sizes = splitter->sizes();
+    sizes[0] = std::max(1, first.value_or(sizes.at(0)));
+    sizes[1] = std::max(1, second.value_or(sizes.at(1)));
+    splitter->setSizes(sizes);
+}
+
+} // namespace
+
+void PaneLayout::Restore(const MainLayout &layout)
+{
+    PlaceWindow(layout);
+    hidden = {{panes.tvAddressbook, layout.tvAddressbook}, {panes.picPreview, layout.picPreview}};
+    if (layout.tvFolder.lWidth)
+        RestoreSizes(panes.columns, layout.tvFolder.lWidth, layout.grdFaxList.lWidth);
+    if (layout.tvFolder.lHeight)
+        RestoreSizes(panes.trees, layout.tvFolder.lHeight, layout.tvAddressbook.lHeight);
+    if (layout.grdFaxList.lHeight)
+        RestoreSizes(panes.faxes, layout.grdFaxList.lHeight, layout.picPreview.lHeight);
+    panes.tvAddressbook->setVisible(layout.bAddressbookVisible.value_or(!panes.tvAddressbook->isHidden()));
+    panes.picPreview->setVisible(layout.bPreviewVisible.value_or(!panes.picPreview->isHidden()));
+    panes.frmeHistory->setVisible(layout.bHistoryVisible.value_or(!panes.frmeHistory->isHidden()));
+}
+
+void PaneLayout::PlaceWindow(const MainLayout &layout)
+{
+    const int state = layout.lState.value_or(MainLayout::Normal);
+    if (state == MainLayout::Maximised)
+        panes.window->setWindowState(Qt::WindowMaximized);
+    if (state != MainLayout::Normal)
+        return;
+    const QRect now = panes.window->geometry();
+    const QRect wanted(
+        QPoint(layout.Main.lLeft.value_or(now.left()), layout.Main.lTop.value_or(now.top())),
+        QSize(layout.Main.lWidth.value_or(now.width()), layout.Main.lHeight.value_or(now.height())));
+    panes.window->resize(wanted.size().expandedTo(panes.window->minimumSizeHint()));
+    if (layout.Main.lLeft && layout.Main.lTop && CanBeGrasped(wanted))
+        panes.window->move(wanted.topLeft());
+}
+
+PaneRect PaneLayout::RectOf(QWidget *pane) const
+{
+    if (pane->isHidden())
+        return hidden.value(pane);
+    const QPoint corner = pane->mapTo(panes.window, QPoint());
+    return {corner.x(), corner.y(), pane->width(), pane->height()};
+}
+
+MainLayout PaneLayout::Collect() const
+{
+    const QMainWindow &window = *panes.window;
+    MainLayout layout;
+    layout.lState = window.isMinimized()   ? MainLayout::Minimised
+                    : window.isMaximized() ? MainLayout::Maximised
+                                           : MainLayout::Normal;
+    if (layout.lState == MainLayout::Normal)
+        layout.Main = {window.x(), window.y(), window.width(), window.height()};
+    layout.tvFolder = RectOf(panes.tvFolder);
+    layout.tvAddressbook = RectOf(panes.tvAddressbook);
+    layout.grdFaxList = RectOf(panes.list);
+    layout.picPreview = RectOf(panes.picPreview);
+    layout.bAddressbookVisible = !panes.tvAddressbook->isHidden();
+    layout.bPreviewVisible = !panes.picPreview->isHidden();
+    layout.bHistoryVisible = !panes.frmeHistory->isHidden();
+    return layout;
+}
+
+void PaneLayout::SetVisible(QWidget *pane, bool visible)
+{
+    if (!visible)
+        hidden[pane] = RectOf(pane);
+    pane->setVisible(visible);
+}
