@@ -1,7 +1,10 @@
 #include "platform/QtEventPump.h"
 
 #include <QCoreApplication>
-#include <QTimer>
+
+namespace {
+constexpr int lastTickInterval = 10;
+}
 
 QtEventPump::QtEventPump()
 {
@@ -10,11 +13,11 @@ QtEventPump::QtEventPump()
 
 void QtEventPump::RunSlice(int milliseconds)
 {
-    // One timer for each slice: slices nest. Its only purpose is to be an event.
+    // Its only purpose is to be an event. Slices nest, so each has one of its own; and it repeats, because a
+    // longer slice inside this one takes its first tick away.
     QTimer wakeUp;
-    wakeUp.setSingleShot(true);
     wakeUp.setTimerType(Qt::PreciseTimer);
-    wakeUp.start(qMax(0, milliseconds));
+    wakeUp.start(qMax(1, milliseconds));
     QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
 }
 
@@ -32,5 +35,8 @@ int QtEventPump::Run()
 void QtEventPump::Quit()
 {
     bQuitting = true;
+    // A slice that still runs takes the interruption of exit() away from the loop around it, which would go
+    // to sleep though it has to end: something must wake it.
+    lastTicks.start(lastTickInterval);
     QCoreApplication::exit(0);
 }

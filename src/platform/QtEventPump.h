@@ -3,6 +3,7 @@
 #include "core/ports/EventPump.h"
 
 #include <QObject>
+#include <QTimer>
 
 /// The event loop of the running application. Nobody else turns it.
 class QtEventPump final : public QObject, public EventPump
@@ -25,5 +26,6 @@ public:
     void Quit();
 
 private:
+    QTimer lastTicks;
     bool bQuitting = false;
 };

@@ -24,6 +24,7 @@ private slots:
     void idleSlicesSleep();
     void sliceEndsWithTheFirstEvent();
     void nestedWaitsEndOneByOne();
+    void longNestedWaitDoesNotHoldTheOuterOne();
     void runPendingDoesNotWait();
     void timerOfIntervalZeroIsSilent();
     void timerIsNotEnteredTwice();
@@ -84,6 +85,27 @@ void tst_QtEventPump::nestedWaitsEndOneByOne()
         pump.RunSlice(10);
     order.append("outer");
     QCOMPARE(order, QStringList({"inner", "outer"}));
+}
+
+void tst_QtEventPump::longNestedWaitDoesNotHoldTheOuterOne()
+{
+    QtEventPump pump;
+    bool outerDone = false;
+    QTimer rescue; // nothing else would ever wake a loop that sleeps without end
+    rescue.start(5000);
+    QElapsedTimer passed;
+    passed.start();
+    QMetaObject::invokeMethod(
+        &pump,
+        [&] {
+            while (passed.elapsed() < 60)
+                pump.RunSlice(10);
+            outerDone = true;
+        },
+        Qt::QueuedConnection);
+    while (!outerDone)
+        pump.RunSlice(10);
+    QVERIFY2(passed.elapsed() < 2000, qPrintable(QString::number(passed.elapsed())));
 }
 
 void tst_QtEventPump::runPendingDoesNotWait()
