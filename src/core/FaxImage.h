@@ -21,7 +21,7 @@ struct PageBits
 };
 
 /// Reading fax files. Every file is untrusted: its page table is looked at before a page is decoded, and a
-/// file beyond the bounds (10,000 x 50,000 pixels, 256 MiB for a decoded page, 5,000 pages) or with a damaged
+/// file beyond the bounds (10,000 x 50,000 pixels, 144 MiB for a decoded page, 5,000 pages) or with a damaged
 /// table counts as unreadable. A received file that
 /// carries its own size in its first four bytes is read as if they were not there.
 namespace FaxImage {

@@ -17,8 +17,10 @@ constexpr qint64 prefixSize = 4, pointerSize = 4;
 constexpr uint32_t widest = 10000, highest = 50000;
 constexpr int mostPages = 5000;
 
-/// A page as it is decoded, and the reading of one page table: what an honest fax never comes near.
-constexpr quint64 mostPageBytes = 256 * 1024 * 1024;
+/// A decoded page: A4 in colour at 600 dpi fits.
+constexpr quint64 mostPageBytes = 144 * 1024 * 1024;
+
+/// What reading one page table may take: entries can overlap, so that a small file has a long table.
 constexpr qint64 mostTableBytes = 64 * 1024 * 1024;
 
 struct TiffCloser
@@ -68,27 +70,49 @@ TiffHandle OpenTable(TiffFile &file)
                                      nullptr, nullptr));
 }
 
+uint16_t Field(TIFF *tiff, ttag_t tag)
+{
+    uint16_t value = 0;
+    TIFFGetFieldDefaulted(tiff, tag, &value);
+    return value;
+}
+
+/// What scanners and fax machines write. FreeImage ends the whole program over some of the rest.
+bool IsKnownPixelForm(TIFF *tiff)
+{
+    const uint16_t bits = Field(tiff, TIFFTAG_BITSPERSAMPLE), samples = Field(tiff, TIFFTAG_SAMPLESPERPIXEL);
+    const uint16_t colors = Field(tiff, TIFFTAG_PHOTOMETRIC);
+    if (TIFFIsTiled(tiff) || Field(tiff, TIFFTAG_SAMPLEFORMAT) != SAMPLEFORMAT_UINT)
+        return false;
+    if (samples == 1) {
+        const bool gray = colors == PHOTOMETRIC_MINISWHITE || colors == PHOTOMETRIC_MINISBLACK;
+        const bool palette = colors == PHOTOMETRIC_PALETTE;
+        return (gray || palette) && (bits == 1 || bits == 4 || bits == 8 || (gray && bits == 16));
+    }
+    const bool inOneGo = Field(tiff, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_CONTIG;
+    const bool isJpeg = Field(tiff, TIFFTAG_COMPRESSION) == COMPRESSION_JPEG && bits == 8;
+    return inOneGo && (samples == 3 || samples == 4) && (bits == 8 || bits == 16) &&
+           (colors == PHOTOMETRIC_RGB || (isJpeg && samples == 3 && colors == PHOTOMETRIC_YCBCR));
+}
+
 /// Bits of one pixel while it is decoded, at the most.
 quint64 DecodedDepth(quint64 bits, quint64 samples)
 {
-    if (samples > 1 || bits > 8)
+    if (samples > 1)
         return std::max<quint64>(bits * samples, 32);
-    return bits > 1 ? 8 : 1;
+    return bits == 4 ? 8 : bits;
 }
 
 bool IsWithinBounds(TIFF *tiff)
 {
     uint32_t width = 0, height = 0;
-    uint16_t bits = 1, samples = 1;
     TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &width);
     TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &height);
-    TIFFGetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &bits);
-    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &samples);
     if (width < 1 || height < 1 || width > widest || height > highest)
         return false;
-    if (quint64(width) * height * DecodedDepth(bits, samples) / 8 > mostPageBytes)
-        return false;
-    return !TIFFIsTiled(tiff) || quint64(TIFFTileSize64(tiff)) <= mostPageBytes;
+    const quint64 depth =
+        DecodedDepth(Field(tiff, TIFFTAG_BITSPERSAMPLE), Field(tiff, TIFFTAG_SAMPLESPERPIXEL));
+    return quint64(width) * height * depth / 8 <= mostPageBytes;
 }
 
 /// Pictures within a page would be decoded along with it, and nobody has looked at their size.
@@ -114,7 +138,7 @@ int DotsPerInch(TIFF *tiff, ttag_t tag)
 
 std::optional<TiffPage> LookAtPage(TIFF *tiff)
 {
-    if (!IsWithinBounds(tiff) || HoldsOtherPictures(tiff))
+    if (!IsKnownPixelForm(tiff) || !IsWithinBounds(tiff) || HoldsOtherPictures(tiff))
         return std::nullopt;
     return TiffPage{static_cast<qint64>(TIFFCurrentDirOffset(tiff)), DotsPerInch(tiff, TIFFTAG_XRESOLUTION),
                     DotsPerInch(tiff, TIFFTAG_YRESOLUTION)};

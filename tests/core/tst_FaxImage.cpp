@@ -26,7 +26,10 @@ struct HandMadeTiff
     {
         QList<Tag> tags = {{256, 4, 1, width}, {257, 4, 1, height}, {258, 3, 1, 1},      {259, 3, 1, 1},
                            {262, 3, 1, 0},     {273, 4, 1, 4},      {278, 4, 1, height}, {279, 4, 1, 4}};
-        tags += more;
+        for (const Tag &tag : more) {
+            tags.removeIf([&tag](const Tag &old) { return old.lTag == tag.lTag; });
+            tags.append(tag);
+        }
         Put<quint16>(static_cast<quint16>(tags.size()));
         for (const Tag &tag : tags) {
             Put(tag.lTag);
@@ -260,10 +263,11 @@ void tst_FaxImage::lastOfManyPagesIsFound()
 void tst_FaxImage::hostileFileIsRefusedQuickly_data()
 {
     QTest::addColumn<QByteArray>("bytes");
-    HandMadeTiff wide, high, deep, loop, nested, beyond, crowded;
+    HandMadeTiff wide, high, deep, odd, loop, nested, beyond, crowded;
     wide.AddPage(10001, 10, true);
     high.AddPage(10, 50001, true);
-    deep.AddPage(10000, 50000, true, {{277, 3, 1, 4}});
+    deep.AddPage(10000, 50000, true, {{258, 3, 1, 8}});
+    odd.AddPage(32, 1, true, {{277, 3, 1, 5}});
     loop.AddPage(32, 1, false);
     loop.AddPage(32, 1, false);
     loop.PointBackToTheFirst();
@@ -279,6 +283,7 @@ void tst_FaxImage::hostileFileIsRefusedQuickly_data()
     QTest::newRow("too wide") << wide.abBytes;
     QTest::newRow("too high") << high.abBytes;
     QTest::newRow("too many bytes") << deep.abBytes;
+    QTest::newRow("odd pixels") << odd.abBytes;
     QTest::newRow("table in a circle") << loop.abBytes;
     QTest::newRow("next page beyond the end") << beyond.abBytes;
     QTest::newRow("picture within the page") << nested.abBytes;
