@@ -1,12 +1,16 @@
 #include "fixtures/TrialServer.h"
 
-#include <QCryptographicHash>
 #include <QDate>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTcpSocket>
+#include <QTemporaryFile>
 #include <QTest>
 #include <QtEndian>
+
+#include <memory>
+
+#include <tiffio.h>
 
 namespace {
 
@@ -130,6 +134,29 @@ QByteArray Contents(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+struct PageTable
+{
+    int lPages = 0;
+    int lWidth = 0;
+    int lVerticalDpi = 0;
+};
+
+PageTable PagesOf(const QByteArray &fax)
+{
+    QTemporaryFile file;
+    if (!file.open() || file.write(fax) != fax.size() || !file.flush())
+        return {};
+    const std::unique_ptr<TIFF, void (*)(TIFF *)> tiff(
+        TIFFOpen(QFile::encodeName(file.fileName()).constData(), "r"), &TIFFClose);
+    if (!tiff)
+        return {};
+    uint32_t width = 0;
+    float resolution = 0;
+    TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width);
+    TIFFGetField(tiff.get(), TIFFTAG_YRESOLUTION, &resolution);
+    return {int(TIFFNumberOfDirectories(tiff.get())), int(width), qRound(resolution)};
+}
+
 } // namespace
 
 class tst_FaxServer : public QObject
@@ -145,6 +172,8 @@ private slots:
     void closedConnectionFreesItsAccountAtOnce();
     void refusesCommandsBeforeTheLogin();
     void passwordCanBeChanged();
+    void requestsMayComeInPieces();
+    void demonstrationIsALivelyOffice();
 
     void fileWaitsForGoOnTwice();
     void lateAndManyGoOnsAreNoCommands();
@@ -277,6 +306,59 @@ void tst_FaxServer::passwordCanBeChanged()
     RawClient again(*server);
     QCOMPARE(again.LogIn("anna", abAnna), Refused(1));
     QCOMPARE(again.Ask(Number(1) + "anna\r\n" + abBen), abOk);
+}
+
+void tst_FaxServer::requestsMayComeInPieces()
+{
+    StartWithFaxes(1);
+    RawClient client(*server);
+    client.ReadReply();
+    client.Send(Number(1) + "an");
+    QVERIFY(client.IsSilent(10));
+    client.Send("na\r\n" + abAnna);
+    QCOMPARE(client.ReadReply(), abOk);
+    for (const char byte : Counted(9, QByteArray(32, 'A')))
+        client.Send(QByteArray(1, byte));
+    QVERIFY(client.ReadReply().mid(4).startsWith("OK\r\n"));
+    QCOMPARE(client.Ask(Number(7) + "100" + '\0' + "short"), Refused(21)); // no length of its own
+}
+
+void tst_FaxServer::demonstrationIsALivelyOffice()
+{
+    server = std::make_unique<TrialServer>();
+    for (int start = 0; start < 2; ++start) { // a second seed adds nothing
+        QVERIFY2(server->Start({}, "demo"), qPrintable(server->Problem()));
+        QVERIFY(start || server->Stop());
+    }
+    RawClient client(*server);
+    QCOMPARE(client.LogIn("anna", abAnna), abOk);
+    const QByteArrayList ids = client.List();
+    QCOMPARE(ids.size(), 8);
+    QSet<QByteArray> senders;
+    QSet<QByteArray> levels;
+    QSet<int> resolutions;
+    int mostPages = 0;
+    for (const QByteArray &id : ids) {
+        const QByteArrayList fields = client.Ask(Number(7) + "1" + '\0' + id).mid(8).split('\0');
+        senders.insert(fields.value(0));
+        levels.insert(fields.value(4));
+        const PageTable pages = PagesOf(client.Fetch(id));
+        QCOMPARE(pages.lPages, fields.value(3).toInt());
+        QCOMPARE(pages.lWidth, 1728);
+        resolutions.insert(pages.lVerticalDpi);
+        mostPages = std::max(mostPages, pages.lPages);
+    }
+    QVERIFY(senders.contains("O~$@~Brien Catering"));
+    QCOMPARE(senders.size(), 8);
+    QCOMPARE(levels.size(), 3);
+    QCOMPARE(resolutions, (QSet<int>{98, 196}));
+    QCOMPARE(mostPages, 5);
+    QCOMPARE(client.Ask(Number(5)).mid(4).count("\r\n"), 6);
+    const QByteArray today = QDate::currentDate().toString(Qt::ISODate).toLatin1();
+    QCOMPARE(client.List(Number(10) + "1900-01-01;" + today + '\0' + "1;1;1;0").size(), 4);
+    RawClient ben(*server);
+    QCOMPARE(ben.LogIn("ben", abBen), abOk);
+    QCOMPARE(ben.List().size(), 3);
 }
 
 void tst_FaxServer::fileWaitsForGoOnTwice()
@@ -527,7 +609,8 @@ void tst_FaxServer::scriptReplacesReplies_data()
     QTest::newRow("wrong version") << QByteArray("on greeting short \"Welcome\\r\\n1.5\\r\\n\"")
                                    << Number(14) + "Welcome\r\n1.5\r\n"
                                    << QByteArrayList{abOk, abOk, abOk};
-    QTest::newRow("refused once") << QByteArray("# a comment\n\non 1 refuse 14\non 6 once refuse 5\n")
+    QTest::newRow("refused once") << QByteArray(
+                                         "# a comment\n\non 1 refuse 14\non 6 once refuse 5 # said once\n")
                                   << abGreeting << QByteArrayList{Refused(14), Refused(5), Refused(20)};
     QTest::newRow("canned, the second time")
         << QByteArray("on 6 #2 long \"OK\\r\\na\\01\\09\\r\\nb\\01\\03\\r\\nc\\r\\n\"") << abGreeting

@@ -15,6 +15,9 @@ using namespace WireText;
 namespace {
 
 const QString strTimeForm = "yyyy-MM-dd HH:mm:ss";
+const QString strCompany = "Northgate Joinery";
+const QByteArray abRetryInterval = "5"; ///< minutes
+const QByteArray abResends = "3";
 
 QString Now(int secondsAhead = 0)
 {
@@ -47,6 +50,12 @@ Answers::Reply Answers::To(const Requests::Request &request, Session &session, Q
         return {Ok(), {}, {}, true};
     case cmdGetContactVersion:
         return {Versions(), {}, {}, false};
+    case cmdGetPublicContactGroup:
+        return Addresses(AddressBook::lstGroups);
+    case cmdGetPublicContacts:
+        return Addresses(AddressBook::lstContacts);
+    case cmdGetDepartmentList:
+        return Addresses(AddressBook::lstDepartments);
     case cmdGetNewFaxList:
         return {NewFaxList(session), {}, {}, false};
     case cmdGetFax:
@@ -107,9 +116,18 @@ QByteArray Answers::ChangePassword(const QByteArray &body, Session &session)
 
 QByteArray Answers::Versions() const
 {
-    const QByteArray users = QByteArray::number(objStore.accounts.All().size());
-    return Ok({Record(
-        {"1", "1", users, "1", Field("Velmar Trial Office"), "5", "3", ToAnsi(objStore.ServerID())})});
+    const auto version = [this](AddressBook::List list) {
+        return QByteArray::number(objStore.addresses.Version(list));
+    };
+    return Ok(
+        {Record({version(AddressBook::lstGroups), version(AddressBook::lstContacts),
+                 QByteArray::number(objStore.accounts.All().size()), version(AddressBook::lstDepartments),
+                 Field(strCompany), abRetryInterval, abResends, ToAnsi(objStore.ServerID())})});
+}
+
+Answers::Reply Answers::Addresses(AddressBook::List list) const
+{
+    return {Ok(objStore.addresses.Lines(list)), {}, {}, false};
 }
 
 QByteArray Answers::UserList() const
@@ -202,9 +220,12 @@ QByteArray Answers::Resend(const QByteArray &body, const Session &session)
 /// Every id is acknowledged, since a client keeps what is not and sends it again and again.
 QByteArray Answers::TakeReceipts(const QByteArray &body, const Session &session)
 {
-    for (const QString &id : IdsOf(body, ';'))
+    QByteArray taken;
+    for (const QString &id : IdsOf(body, ';')) {
         objStore.mailboxes.MarkRead(session.account->strID, id, Now());
-    return Ok({body});
+        taken += Field(id) + ';';
+    }
+    return Ok({taken});
 }
 
 QByteArray Answers::ReceiptStates(const QByteArray &body, const Session &session)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AddressBook.h"
 #include "Requests.h"
 #include "Session.h"
 
@@ -33,6 +34,7 @@ private:
     QByteArray ChangePassword(const QByteArray &body, Session &session);
     QByteArray Versions() const;
     QByteArray UserList() const;
+    Reply Addresses(AddressBook::List list) const;
     QByteArray NewFaxList(Session &session);
     QByteArray HistoryList(const QByteArray &body, Session &session);
     Reply FaxFor(const QByteArray &body, Session &session);

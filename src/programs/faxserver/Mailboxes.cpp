@@ -104,19 +104,18 @@ void Mailboxes::Acknowledge(const QString &owner, const QStringList &ids)
     changes.Commit();
 }
 
-bool Mailboxes::MarkRead(const QString &owner, const QString &id, const QString &time)
+void Mailboxes::MarkRead(const QString &owner, const QString &id, const QString &time)
 {
     const std::optional<Fax> fax = Find(owner, id);
     if (!fax)
-        return false;
+        return;
     QStringList entries = fax->strReceipts.split(';');
     const qsizetype place =
         fax->strContacts.count(';') + fax->strUsers.split(';', Qt::SkipEmptyParts).indexOf(owner);
     if (!fax->strUsers.contains(owner) || place >= entries.size() || !entries[place].endsWith(",0"))
-        return true;
+        return;
     entries[place] = time + ",1";
     objDatabase.Run("UPDATE Fax SET Receipts = ? WHERE ID = ?", {entries.join(';'), id});
-    return true;
 }
 
 void Mailboxes::SettleLine(const QString &now)

@@ -68,8 +68,8 @@ public:
     QList<Fax> History(const QString &owner, const HistoryRange &range) const;
     /// Nothing of these waits any more.
     void Acknowledge(const QString &owner, const QStringList &ids);
-    /// Turns the receipt entry of the owner into "read at this time". False for an unknown fax.
-    bool MarkRead(const QString &owner, const QString &id, const QString &time);
+    /// Turns the receipt entry of the owner into "read at this time", if there is one.
+    void MarkRead(const QString &owner, const QString &id, const QString &time);
 
     /// Sends what the simulated line has finished with by now.
     void SettleLine(const QString &now);

@@ -8,6 +8,7 @@ Outlet::Outlet(QTcpSocket &socket)
     : sckClient(socket)
 {
     connect(&socket, &QTcpSocket::bytesWritten, this, &Outlet::Room);
+    tmrPieces.setTimerType(Qt::PreciseTimer);
     connect(&tmrPieces, &QTimer::timeout, this, &Outlet::WritePiece);
 }
 

@@ -50,6 +50,8 @@ QList<Word> WordsOf(const QString &line)
         if (!match.hasMatch())
             Refuse("a text has no end");
         const bool isQuoted = match.capturedStart(1) >= 0;
+        if (match.captured(2) == "#")
+            break; // a comment
         words.append({isQuoted ? Unescape(match.captured(1)) : match.captured(2), isQuoted});
         at = match.capturedEnd();
     }

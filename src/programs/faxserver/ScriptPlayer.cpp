@@ -10,6 +10,7 @@ ScriptPlayer::ScriptPlayer(ReplyStream &stream, QTcpSocket &socket)
     , sckClient(socket)
 {
     tmrDelay.setSingleShot(true);
+    tmrDelay.setTimerType(Qt::PreciseTimer);
     connect(&tmrDelay, &QTimer::timeout, this, [this] {
         PlayOn();
         if (!IsBusy())

@@ -11,21 +11,33 @@
 
 namespace {
 
-/// The signals arrive as readable bytes: no code runs inside a signal handler.
-int OpenHandle()
+sigset_t StopSet()
 {
     sigset_t signalSet;
     sigemptyset(&signalSet);
     sigaddset(&signalSet, SIGTERM);
     sigaddset(&signalSet, SIGINT);
-    const int handle =
-        sigprocmask(SIG_BLOCK, &signalSet, nullptr) == 0 ? signalfd(-1, &signalSet, SFD_CLOEXEC) : -1;
+    return signalSet;
+}
+
+/// The signals arrive as readable bytes: no code runs inside a signal handler.
+int OpenHandle()
+{
+    StopSignals::Block();
+    const sigset_t signalSet = StopSet();
+    const int handle = signalfd(-1, &signalSet, SFD_CLOEXEC);
     if (handle < 0)
         throw ServerError("The stop signals cannot be caught.");
     return handle;
 }
 
 } // namespace
+
+void StopSignals::Block()
+{
+    const sigset_t signalSet = StopSet();
+    sigprocmask(SIG_BLOCK, &signalSet, nullptr);
+}
 
 StopSignals::StopSignals()
     : lHandle(OpenHandle())

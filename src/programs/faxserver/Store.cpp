@@ -18,6 +18,7 @@ QString DatabasePath(const QString &dataFolder)
 Store::Store(const QString &dataFolder)
     : objDatabase(DatabasePath(dataFolder))
     , accounts(objDatabase)
+    , addresses(objDatabase)
     , mailboxes(objDatabase, QDir(dataFolder).filePath("faxes"))
 {
     objDatabase.Run("CREATE TABLE IF NOT EXISTS Server (ID TEXT)");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Accounts.h"
+#include "AddressBook.h"
 #include "Database.h"
 #include "Mailboxes.h"
 
@@ -23,5 +24,6 @@ private:
 
 public:
     Accounts accounts;
+    AddressBook addresses;
     Mailboxes mailboxes;
 };

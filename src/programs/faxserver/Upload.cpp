@@ -82,22 +82,26 @@ QString Upload::Finish(int lineSeconds)
     SplitPeople(Plain(aFields[fldPeople]), fax);
     fax.strEndTime = fax.lPages > 0 ? QString() : fax.strTime;
     fax.strDueTime = std::max(now, wanted).addSecs(lineSeconds).toString(strTimeForm);
+    const auto changes = objStore.Change();
     objStore.mailboxes.Insert(fax);
     if (fax.lPages > 0)
         DeliverInside(fax);
+    changes->Commit();
     return strID;
 }
 
 void Upload::DeliverInside(const Fax &fax)
 {
-    const QStringList users = fax.strUsers.split(';', Qt::SkipEmptyParts);
-    for (const QString &user : users) {
+    const qsizetype recipients =
+        fax.strContacts.count(';') + fax.strUsers.count(';') + fax.strTyped.count(';');
+    for (const Account &account : objStore.accounts.All()) {
+        if (!fax.strUsers.split(';').contains(account.strID))
+            continue;
         Fax copy = fax;
         copy.strID = Accounts::NewID();
-        copy.strOwner = user;
+        copy.strOwner = account.strID;
         copy.lKind = kindReceived;
         copy.bWaiting = true;
-        const qsizetype recipients = copy.strContacts.count(';') + users.size() + copy.strTyped.count(';');
         copy.strReceipts = QString(",0;").repeated(recipients);
         objStore.mailboxes.Insert(copy);
     }

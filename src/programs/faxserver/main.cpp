@@ -1,13 +1,16 @@
 #include "CommandLine.h"
 #include "Delivery.h"
+#include "DemoOffice.h"
 #include "FaxServer.h"
 #include "ServerError.h"
 #include "StopSignals.h"
 #include "Store.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 
+#include <algorithm>
 #include <cstdio>
+#include <memory>
 
 namespace {
 
@@ -22,13 +25,18 @@ int Serve(Store &store, const ServerSettings &settings)
 
 void AddUser(Store &store, const CommandLine &line)
 {
-    store.accounts.Save(
-        {{}, line.strLogin, line.strLogin, {}, Accounts::DigestOf(line.strPassword), line.bLock});
+    Account account =
+        store.accounts.Find(line.strLogin).value_or(Account{{}, line.strLogin, line.strLogin, {}, {}, false});
+    account.strDigest = Accounts::DigestOf(line.strPassword);
+    account.bLocked = line.bLock;
+    store.accounts.Save(account);
 }
 
 int Run(const CommandLine &line)
 {
     Store store(line.strDataFolder);
+    if (line.bSeedDemo)
+        DemoOffice::Seed(store);
     switch (line.task) {
     case CommandLine::taskAddUser:
         AddUser(store, line);
@@ -42,15 +50,27 @@ int Run(const CommandLine &line)
     return Serve(store, line.settings);
 }
 
+/// Only painting needs more than the core, and no screen even then.
+std::unique_ptr<QCoreApplication> MakeApplication(int &argc, char *argv[])
+{
+    const bool isPainting = std::any_of(
+        argv + 1, argv + argc, [](const char *word) { return QByteArrayView(word).startsWith("--seed"); });
+    if (!isPainting)
+        return std::make_unique<QCoreApplication>(argc, argv);
+    StopSignals::Block(); // this application has threads
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    return std::make_unique<QGuiApplication>(argc, argv);
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication application(argc, argv);
+    const std::unique_ptr<QCoreApplication> application = MakeApplication(argc, argv);
     QCoreApplication::setApplicationName("VelmarFaxServer");
     QCoreApplication::setApplicationVersion("1.0.0");
     try {
-        return Run(CommandLine::Read(application.arguments()));
+        return Run(CommandLine::Read(application->arguments()));
     } catch (const ServerError &error) {
         std::fprintf(stderr, "VelmarFaxServer: %s\n", error.what());
         return 1;
