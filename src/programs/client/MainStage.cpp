@@ -1,0 +1,59 @@
+#include "programs/client/MainStage.h"
+
+#include "core/ports/Instance.h"
+#include "core/ports/Ports.h"
+#include "desktop/Forms.h"
+#include "server/forms/frmSetUserPwd.h"
+
+#include <QScopeGuard>
+
+MainStage::MainStage(Ports &ports, Forms &forms, std::function<void()> ended)
+    : ports(ports)
+    , ended(std::move(ended))
+    , mailbox(ports.message, ports.clock)
+    , window(mailbox, ports.message)
+    , outsideFile(ports.blocks, ports.instance)
+    , server(ports, window, mailbox, forms, [this, &forms] { return outsideFile.Take(forms.Count()); })
+    , progressWindow(server.progress, &window)
+{
+    QObject::connect(&ports.instance, &Instance::RaiseRequested, &window, [this] { window.Raise(); });
+    window.SetSessionState([this] {
+        return frmMain::SessionState{server.session.bIsSocketBusy, server.session.bOnline};
+    });
+    window.SetFirstActivation([this] { server.runs.ActivateFirst(); });
+    window.SetClosing([this] { LogOff(); });
+    ConnectCommands();
+}
+
+void MainStage::ConnectCommands()
+{
+    window.SetCommand("mnuReceive", [this] { server.faxDownload.mnuReceive(); });
+    window.SetCommand("mnuSendReceive", [this] { server.runs.mnuSendReceive(); });
+    window.SetCommand("mnuLoginServer", [this] { server.runs.mnuLoginServer(); });
+    window.SetCommand("mnuLogoutServer", [this] { server.runs.mnuLogoutServer(); });
+    window.SetCommand("mnuSetPwd", [this] { SetPassword(); });
+}
+
+void MainStage::Show()
+{
+    bLoaded = true;
+    window.Load();
+}
+
+void MainStage::LogOff()
+{
+    const auto end = qScopeGuard([this] { ended(); });
+    progressWindow.hide();
+    server.runs.LogOffAtClose();
+}
+
+void MainStage::SetPassword()
+{
+    frmSetUserPwd form(
+        ports,
+        [this](const QString &oldPassword, const QString &newPassword) {
+            return server.runs.ChangePassword(oldPassword, newPassword);
+        },
+        [this] { return server.session.IsConnected(); }, &window);
+    form.exec();
+}

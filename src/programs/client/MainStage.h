@@ -1,0 +1,42 @@
+#pragma once
+
+#include "core/OutsideFile.h"
+#include "desktop/forms/frmMain.h"
+#include "mailbox/ShownMailbox.h"
+#include "programs/client/ServerParts.h"
+#include "server/forms/frmProcess.h"
+
+#include <functional>
+
+class Forms;
+struct Ports;
+
+/// Everything that lives from the end of the login to the end of the program: the mailbox, the main window,
+/// the server link and the progress window, connected to each other.
+class MainStage final
+{
+public:
+    /// `ended` is called as the main window closes, when the user has been logged off.
+    MainStage(Ports &ports, Forms &forms, std::function<void()> ended);
+
+    frmMain &Window() { return window; }
+    Session &ServerSession() { return server.session; }
+    /// Loads the folders and shows the window.
+    void Show();
+    bool IsLoaded() const { return bLoaded; }
+    void Close() { window.close(); }
+
+private:
+    void ConnectCommands();
+    void LogOff();
+    void SetPassword();
+
+    Ports &ports;
+    std::function<void()> ended;
+    ShownMailbox mailbox;
+    frmMain window;
+    OutsideFile outsideFile;
+    ServerParts server;
+    frmProcess progressWindow;
+    bool bLoaded = false;
+};

@@ -1,0 +1,14 @@
+#include "programs/client/ServerParts.h"
+
+#include "core/ports/Ports.h"
+
+ServerParts::ServerParts(const Ports &ports, MainWindow &mainWindow, Mailbox &mailbox, Forms &forms,
+                         Polling::TakeFaxFile takeFaxFile)
+    : progress(ports.timers)
+    , session(ports, progress, mainWindow)
+    , faxDownload(ports, {session, progress, faxStatus, faxPrinting, notifier, mainWindow, mailbox})
+    , runs(ports,
+           {session, progress, addressSync, faxUpload, faxDownload, faxStatus, mainWindow, mailbox, forms})
+    , polling(ports, session, faxDownload, forms, std::move(takeFaxFile))
+{
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "desktop/Notifier.h"
+#include "mailbox/FaxPrinting.h"
+#include "server/AddressSync.h"
+#include "server/FaxDownload.h"
+#include "server/FaxStatus.h"
+#include "server/FaxUpload.h"
+#include "server/Polling.h"
+#include "server/Progress.h"
+#include "server/Session.h"
+#include "server/SessionRuns.h"
+
+class Forms;
+class Mailbox;
+class MainWindow;
+struct Ports;
+
+/// The parts of the server link, wired to each other and to the main window. They live as long as it.
+struct ServerParts
+{
+    ServerParts(const Ports &ports, MainWindow &mainWindow, Mailbox &mailbox, Forms &forms,
+                Polling::TakeFaxFile takeFaxFile);
+
+    AddressSync addressSync;
+    FaxUpload faxUpload;
+    FaxStatus faxStatus;
+    FaxPrinting faxPrinting;
+    Notifier notifier;
+    Progress progress;
+    Session session;
+    FaxDownload faxDownload;
+    SessionRuns runs;
+    Polling polling;
+};

@@ -1,0 +1,96 @@
+#include "core/FaxImage.h"
+#include "core/Globals.h"
+#include "core/Message.h"
+#include "core/RaisedError.h"
+#include "core/Schema.h"
+#include "core/SettingsFile.h"
+#include "core/Utilities.h"
+#include "platform/SystemPorts.h"
+#include "server/UserProfile.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QTextStream>
+
+#include <cstdio>
+
+// Serves the demonstration: makes a profile that logs in by itself, and tells what a profile holds.
+
+namespace {
+
+void SetPaths(const Ports &ports)
+{
+    Global().strAppDataPath = GetSpecialFolder(ports.folders, 35) + QStringLiteral("Velmar/");
+    Global().strIniFile = Global().strAppDataPath + QStringLiteral("FaxSetup.ini");
+}
+
+/// A profile as a first login with both boxes checked leaves it, that opens on the incoming faxes.
+bool Prepare(const Ports &ports, const QString &server, const QString &account, const QString &password)
+{
+    LoginEntry entry;
+    entry.strAccount = account;
+    entry.strPassword = password;
+    entry.bRememberPwd = true;
+    entry.bAutoLogin = true;
+    UserProfile profile(ports);
+    if (!CreateFolder(Global().strAppDataPath) || !profile.Save(entry))
+        return false;
+    Global().objDB->Execute(QStringLiteral("Update Option Set SwitchTo=1"));
+    return WriteIniValue(QStringLiteral("General"), QStringLiteral("ServerIP"), server, Global().strIniFile);
+}
+
+/// One line a received fax: id, pages of its file, size, sender, title. False when a file cannot be read.
+bool Report(const QString &account)
+{
+    QTextStream out(stdout);
+    const QString folder = UserProfile::FindUserFolder(account);
+    if (folder.isEmpty() || !OpenClientDatabase(UserProfile::DatabaseFile(folder)))
+        return false;
+    const auto faxes = Global().objDB->SelectEx(
+        QStringLiteral("Select Fax_ID,sender,title,fileName From ReceiveFax Order By receiveTime"));
+    bool allReadable = true;
+    while (faxes->Next()) {
+        const QString path = folder + QStringLiteral("InputBox/") + faxes->Text(3);
+        const int pages = FaxImage::GetPageCount(path);
+        allReadable = allReadable && pages > 0;
+        out << faxes->Text(0) << '\t' << pages << (pages == 1 ? " page\t" : " pages\t")
+            << FormatFileSize(QFileInfo(path).size()) << '\t' << UnescapeText(faxes->Text(1)) << '\t'
+            << UnescapeText(faxes->Text(2)) << '\n';
+    }
+    return allReadable;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen"); // it has no windows
+    QApplication application(argc, argv);
+    QCommandLineParser parser;
+    parser.addPositionalArgument(QStringLiteral("action"), QStringLiteral("prepare or report"));
+    parser.addOptions(
+        {{QStringLiteral("server"), QStringLiteral("Address of the server."), QStringLiteral("host:port")},
+         {QStringLiteral("account"), QStringLiteral("The account."), QStringLiteral("name")},
+         {QStringLiteral("password"), QStringLiteral("Its password."), QStringLiteral("text")}});
+    parser.addHelpOption();
+    parser.process(application);
+
+    const QString action = parser.positionalArguments().value(0);
+    const QString account = parser.value(QStringLiteral("account"));
+    SystemPorts system;
+    SetPaths(system.Get());
+    bool done = false;
+    try {
+        if (action == QLatin1String("prepare"))
+            done = Prepare(system.Get(), parser.value(QStringLiteral("server")), account,
+                           parser.value(QStringLiteral("password")));
+        else if (action == QLatin1String("report"))
+            done = Report(account);
+        else
+            parser.showHelp(2);
+    } catch (const RaisedError &error) {
+        std::fputs(error.what(), stderr);
+    }
+    return done ? 0 : 1;
+}
