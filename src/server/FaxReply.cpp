@@ -3,25 +3,13 @@
 #include "core/AnsiText.h"
 #include "core/Utilities.h"
 
-#include <QDate>
+#include <QDateTime>
 #include <QRegularExpression>
 
 namespace {
 QString Escaped(const QStringList &fields, int index)
 {
     return EscapeText(fields.value(index));
-}
-
-/// Year, month and day of an ISO date or of month/day/year.
-QDate ReadDate(const QString &text)
-{
-    static const QRegularExpression iso(QStringLiteral("^\\s*(\\d{4})-(\\d{1,2})-(\\d{1,2})(?!\\d)"));
-    static const QRegularExpression american(QStringLiteral("^\\s*(\\d{1,2})/(\\d{1,2})/(\\d{4})(?!\\d)"));
-    if (const auto match = iso.match(text); match.hasMatch())
-        return QDate(match.captured(1).toInt(), match.captured(2).toInt(), match.captured(3).toInt());
-    if (const auto match = american.match(text); match.hasMatch())
-        return QDate(match.captured(3).toInt(), match.captured(1).toInt(), match.captured(2).toInt());
-    return {};
 }
 } // namespace
 
@@ -51,8 +39,8 @@ QString FaxReply::SentFolder(int kind)
 
 QString FaxReply::ShortDate(const QString &text)
 {
-    const QDate date = ReadDate(text);
-    return date.isValid() ? date.toString("yy-MM-dd") : text;
+    const QDateTime time = ToDateTime(text);
+    return time.isValid() ? time.toString("yy-MM-dd") : text;
 }
 
 bool FaxReply::IsBareName(const QString &name)
