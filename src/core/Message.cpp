@@ -1,5 +1,7 @@
 #include "core/Message.h"
 
+#include "core/ProgramTitle.h"
+
 #include <QCoreApplication>
 #include <QScopeGuard>
 
@@ -10,5 +12,5 @@ long Message::ShowMessage(const QString &text, long flags, const QString &title)
     bBoxOpen = true;
     const auto closed = qScopeGuard([this] { bBoxOpen = false; });
     return prompts.Show(text, flags,
-                        title.isEmpty() ? QCoreApplication::translate("core", "Velmar Client") : title);
+                        title.isEmpty() ? QCoreApplication::translate("core", programTitle) : title);
 }

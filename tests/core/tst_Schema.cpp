@@ -243,6 +243,7 @@ void tst_Schema::upgradeKeepsRowsAndBackup()
     QCOMPARE(fakes->prompts.aBoxes.first().lFlags, mbYesNo + mbQuestion);
     QCOMPARE(fakes->prompts.aBoxes.last().lFlags, mbInformation);
 
+    QVERIFY(OpenClientDatabase(Path())); // reads what is on disk
     QVERIFY(CheckDatabaseV28());
     QCOMPARE(Profile::Value("Select title From ReceiveFax Where Fax_ID='R1'"), "Old offer");
     QCOMPARE(Profile::Value("Select title From SendFax Where fax_ID='S1'"), "Old order");
