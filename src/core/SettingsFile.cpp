@@ -14,8 +14,6 @@ constexpr qint64 largestFile = 16 * 1024 * 1024;
 /// The reading buffer of 255 characters holds a NUL as well.
 constexpr int longestValue = 254;
 
-constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
-
 QString FileOrDefault(const QString &file, const QString &programFolder)
 {
     if (!file.isEmpty())
@@ -50,10 +48,9 @@ bool SaveLines(const QString &path, const QList<QByteArray> &lines)
     return file.commit();
 }
 
-QString TextOfLine(QByteArray line)
+/// A byte order mark in front of the first line is no part of the text.
+QString TextOfLine(const QByteArray &line)
 {
-    if (line.startsWith(byteOrderMark))
-        line.remove(0, byteOrderMark.size());
     return QString::fromUtf8(line).trimmed();
 }
 

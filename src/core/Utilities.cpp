@@ -110,6 +110,11 @@ int ToNumber(const QString &text)
     return static_cast<int>(std::clamp(std::nearbyint(NumericPrefix(text)), lowest, highest));
 }
 
+bool ReadsAsTrue(const QString &stored)
+{
+    return stored.trimmed().compare("True", Qt::CaseInsensitive) == 0 || NumericPrefix(stored) != 0;
+}
+
 QString EscapeText(const QString &text)
 {
     return QString(text).replace('\'', escapedApostrophe);

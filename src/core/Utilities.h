@@ -47,6 +47,8 @@ QString FormatFileSize(qint64 size);
 double NumericPrefix(const QString &text);
 /// The numeric prefix rounded to a whole number, held within 32 bits.
 int ToNumber(const QString &text);
+/// A stored truth value: a number other than 0, or "True".
+bool ReadsAsTrue(const QString &stored);
 /// A date, ISO or month/day/year, with or without a time: "2024-01-31 09:30:00", "1/31/2024 9:30 AM". Invalid
 /// for any other text.
 QDateTime ToDateTime(const QString &text);

@@ -1,6 +1,7 @@
 #include "desktop/MainLayout.h"
 
 #include "core/SettingsFile.h"
+#include "core/Utilities.h"
 
 #include <functional>
 
@@ -42,7 +43,7 @@ std::optional<bool> ToFlag(const QString &text)
 {
     if (text.isEmpty())
         return std::nullopt;
-    return text.compare("True", Qt::CaseInsensitive) == 0 || text.toInt() != 0;
+    return ReadsAsTrue(text);
 }
 
 } // namespace

@@ -166,8 +166,3 @@ QString GetBareName(const QString &path)
 {
     return path.mid(std::max(path.lastIndexOf('/'), path.lastIndexOf('\\')) + 1);
 }
-
-bool ReadsAsTrue(const QString &stored)
-{
-    return stored.compare("True", Qt::CaseInsensitive) == 0 || NumericPrefix(stored) != 0;
-}

@@ -36,6 +36,3 @@ QString FormatListTime(const QString &stored);
 
 /// What follows the last "/" or "\".
 QString GetBareName(const QString &path);
-
-/// A stored truth value: a number other than 0, or "True".
-bool ReadsAsTrue(const QString &stored);

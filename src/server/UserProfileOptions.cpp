@@ -6,11 +6,9 @@
 
 namespace {
 
-/// A boolean column holds 0, 1, -1, or one of the words "True" and "False".
 bool ReadBool(const clsStatement &row, const QString &column)
 {
-    const QString text = row.Text(column).trimmed();
-    return text.compare("True", Qt::CaseInsensitive) == 0 || ToNumber(text) != 0;
+    return ReadsAsTrue(row.Text(column));
 }
 
 int ReadNumber(const clsStatement &row, const QString &column)

@@ -97,6 +97,8 @@ void tst_Schema::newDatabaseHoldsFoldersAndVersionOnly()
     QVERIFY(CreateClientDatabase(Path()));
     QCOMPARE(Global().strDataBasePath, Path());
     QVERIFY(CheckDatabaseV28());
+    QVERIFY(!CheckDatabaseV25()); // has all that those versions ask for, but another number
+    QVERIFY(!CheckDatabaseV10());
     const QString folders =
         "Select Folder_ID || Folder_Name || Folder_Type || parentID || isSystem From FaxFolder";
     QCOMPARE(

@@ -36,6 +36,7 @@ private slots:
     void fileSizeIsFormatted();
     void numberIsTheLongestPrefix_data();
     void numberIsTheLongestPrefix();
+    void storedTruthIsANumberOrAWord();
     void dateIsIsoOrMonthFirst_data();
     void dateIsIsoOrMonthFirst();
     void hourLeftOutBySummerTimeIsADate();
@@ -229,6 +230,14 @@ void tst_Utilities::numberIsTheLongestPrefix()
     QFETCH(QString, text);
     QTEST(NumericPrefix(text), "number");
     QTEST(ToNumber(text), "whole");
+}
+
+void tst_Utilities::storedTruthIsANumberOrAWord()
+{
+    for (const char *text : {"1", "-1", "True", " true "})
+        QVERIFY2(ReadsAsTrue(text), text);
+    for (const char *text : {"", "0", "False", "Truely", "-0"})
+        QVERIFY2(!ReadsAsTrue(text), text);
 }
 
 void tst_Utilities::dateIsIsoOrMonthFirst_data()
