@@ -129,7 +129,7 @@ void FaxDownload::FetchAll()
     session.bUserAbort = false;
     session.bSendTimedOut = false;
     session.TotalPercent = 0;
-    aReceivedFiles.clear();
+    ReceivedFileList.clear();
     bListComplete = true;
     rooms.progress.SetTotal(static_cast<int>(aFetchList.size()));
     rooms.notifier.SetTrayTip(Tr("Receiving Fax..."));
@@ -255,5 +255,5 @@ void FaxDownload::StoreFax(const QStringList &fields)
     fetched = Fetched::Stored;
     const QString name = FaxStore::InboxName(item, fields);
     if (!name.isEmpty())
-        aReceivedFiles.append(name);
+        ReceivedFileList.append(name);
 }

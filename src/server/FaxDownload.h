@@ -89,8 +89,8 @@ private:
     const Ports &ports;
     DownloadRooms rooms;
     QList<NewFaxItem> aFetchList;
-    QStringList aReceivedFiles; ///< names in the inbox folder, for notifier and printing
-    QString strError;           ///< the first error of the run, for the user; empty for none
+    QStringList ReceivedFileList; ///< names in the inbox folder, for notifier and printing
+    QString strError;             ///< the first error of the run, for the user; empty for none
     Fetched fetched = Fetched::NotYet;
     bool bListComplete = true; ///< no fax was missed for a reason of this side
     bool bErrorShown = false;  ///< the user knows already that faxes cannot be stored

@@ -72,7 +72,7 @@ QString FaxDownload::LossText() const
 void FaxDownload::Announce(const Run &run)
 {
     if (run.bSilent) {
-        if (!rooms.mainWindow.IsVisible() && !aReceivedFiles.isEmpty())
+        if (!rooms.mainWindow.IsVisible() && !ReceivedFileList.isEmpty())
             ShowMonitor();
     } else {
         // Also a run that was cancelled reads so while the connection is up.
@@ -86,7 +86,7 @@ void FaxDownload::ShowMonitor()
     const QString sound = Global().SoundPath;
     if (!sound.isEmpty() && FileExists(sound))
         PlaySoundFile(sound, ports.sound, ports.message);
-    rooms.notifier.ShowMonitor(aReceivedFiles.join(','));
+    rooms.notifier.ShowMonitor(ReceivedFileList.join(','));
 }
 
 void FaxDownload::FinishRun(const Run &run)
@@ -100,7 +100,7 @@ void FaxDownload::FinishRun(const Run &run)
     if (!session.IsConnected() || session.bUserAbort)
         return;
     const bool visible = rooms.mainWindow.IsVisible();
-    if (run.bCheckStateAfter && (visible || !aReceivedFiles.isEmpty()))
+    if (run.bCheckStateAfter && (visible || !ReceivedFileList.isEmpty()))
         CheckStates(visible);
     Acknowledge();
     if (Global().AutoPrint && !run.bHistory)
@@ -133,7 +133,7 @@ void FaxDownload::PrintReceived()
 {
     if (!rooms.faxPrinting.HasPrinter())
         return;
-    for (const QString &name : aReceivedFiles) {
+    for (const QString &name : ReceivedFileList) {
         const QString path = Global().strInputBoxPath + name;
         const int pages = FaxImage::GetPageCount(path);
         rooms.faxPrinting.PrintFile(path, 1, pages, ToNumber(Global().Copies), Global().PrinterName);

@@ -46,10 +46,10 @@ void Session::SetClient(std::shared_ptr<clsClient> client)
     bUserLogout = false;
     if (!sockClient)
         return;
-    connect(sockClient.get(), &clsClient::DataArrival, this, &Session::OnDataArrival);
-    connect(sockClient.get(), &clsClient::ConnectClosed, this, &Session::OnConnectClosed);
-    connect(sockClient.get(), &clsClient::Error, this, &Session::OnError);
-    connect(sockClient.get(), &clsClient::SendingProgress, this, &Session::OnSendingProgress);
+    connect(sockClient.get(), &clsClient::DataArrival, this, &Session::sockClient_DataArrival);
+    connect(sockClient.get(), &clsClient::ConnectClosed, this, &Session::sockClient_ConnectClosed);
+    connect(sockClient.get(), &clsClient::Error, this, &Session::sockClient_Error);
+    connect(sockClient.get(), &clsClient::SendingProgress, this, &Session::sockClient_SendingProgress);
 }
 
 bool Session::IsConnected() const

@@ -92,15 +92,15 @@ private:
     void CloseConnection();
     void SetOwnHandlers();
 
-    void OnDataArrival(const ClientReply &reply);
+    void sockClient_DataArrival(const ClientReply &reply);
     void HandleReply(const ClientReply &reply);
     void HandleFailure(const ClientReply &reply);
     void Dispatch(const ClientReply &reply);
     void HandlePasswordReply(const ClientReply &reply);
     void HandleConfigReply(const ClientReply &reply);
-    void OnConnectClosed();
-    void OnError(const ClientError &error);
-    void OnSendingProgress(int percent);
+    void sockClient_ConnectClosed();
+    void sockClient_Error(const ClientError &error);
+    void sockClient_SendingProgress(int percent);
 
     const Ports &ports;
     Progress &progress;

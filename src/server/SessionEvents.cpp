@@ -37,7 +37,7 @@ void Session::SetOwnHandlers()
     SetHandler(pndFaxConfig, [this](const ClientReply &reply) { HandleConfigReply(reply); });
 }
 
-void Session::OnDataArrival(const ClientReply &reply)
+void Session::sockClient_DataArrival(const ClientReply &reply)
 {
     if (!bAcceptReplies)
         return;
@@ -117,22 +117,22 @@ void Session::HandleConfigReply(const ClientReply &reply)
     SignalServerReply();
 }
 
-void Session::OnConnectClosed()
+void Session::sockClient_ConnectClosed()
 {
     sockClient->CloseConnect();
     waits.Signal(WaitEnd::Closed);
 }
 
-void Session::OnError(const ClientError &error)
+void Session::sockClient_Error(const ClientError &error)
 {
     if (error.lNumber == Socket::sckConnectionRefused)
         bConnectRefused = true;
     waits.Signal(WaitEnd::Closed);
     if (!bUserLogout)
-        OnConnectClosed();
+        sockClient_ConnectClosed();
 }
 
-void Session::OnSendingProgress(int percent)
+void Session::sockClient_SendingProgress(int percent)
 {
     waits.ResetSilence();
     if (lPendingCommand != pndUpload)
