@@ -99,15 +99,71 @@ void DrawBench(QPainter &painter, int x, int y, int width, int height)
     painter.drawLine(x + 10, y + 10, x + width - 10, y + 10);
 }
 
-} // namespace
+void DrawWalls(QPainter &painter)
+{
+    painter.setPen(QPen(Qt::black, 22, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    painter.drawRect(280, 330, 1200, 1300);
+    painter.drawLine(280, 1180, 1480, 1180);
+    painter.drawLine(860, 1180, 860, 1630);
+    painter.drawLine(1150, 330, 1150, 760);
+    painter.drawLine(1150, 760, 1480, 760);
 
-void DemoPages::DrawMap(FaxPaper &paper, QDate)
+    DrawDoor(painter, 420, 1180, 110, 1, true);
+    DrawDoor(painter, 1000, 1180, 110, 1, true);
+    DrawDoor(painter, 1150, 560, 100, 1, false);
+    DrawDoor(painter, 1250, 1630, 120, 1, true);
+    painter.setPen(QPen(Qt::white, 26, Qt::SolidLine, Qt::FlatCap)); // the loading bay's gate
+    painter.drawLine(280, 700, 280, 1000);
+    painter.setPen(QPen(Qt::black, 5, Qt::DashLine));
+    painter.drawLine(270, 700, 270, 1000);
+    for (const int x : {420, 700, 960})
+        DrawWindow(painter, x, 330, 160, true);
+    DrawWindow(painter, 1480, 860, 220, false);
+    DrawWindow(painter, 1480, 460, 160, false);
+    DrawWindow(painter, 400, 1630, 260, true);
+}
+
+void DrawRooms(FaxPaper &paper)
 {
     QPainter &painter = paper.Painter();
-    QRandomGenerator hand(42);
-    Handwriting::Write(painter, hand, 170, 220, 48, "How to find the barn", 7);
-    DrawNorthArrow(painter, hand);
+    painter.setPen(Qt::black);
+    paper.TextCentred(690, 820, 46, "WORKSHOP", true);
+    paper.TextCentred(690, 866, 34, "138.2 sq m");
+    paper.TextCentred(1350, 520, 34, "PAINT", true);
+    paper.TextCentred(1350, 560, 30, "21.4 sq m");
+    paper.TextCentred(570, 1440, 40, "OFFICE", true);
+    paper.TextCentred(570, 1484, 32, "40.3 sq m");
+    paper.TextCentred(1170, 1400, 40, "STORE", true);
+    paper.TextCentred(1170, 1444, 32, "43.1 sq m");
+    DrawBench(painter, 380, 400, 260, 90);
+    DrawBench(painter, 720, 400, 260, 90);
+    DrawBench(painter, 1300, 900, 90, 220);
+    painter.drawEllipse(QPoint(560, 1010), 60, 60);
+    painter.drawRect(760, 920, 220, 120);
+    painter.drawLine(760, 980, 980, 980);
+    painter.setPen(Qt::black);
+    paper.TextCentred(870, 1076, 26, "saw");
+    paper.TextCentred(560, 1020, 26, "lathe");
+    for (int y = 1240; y < 1360; y += 40)
+        DrawBench(painter, 900, y, 60, 34);
+}
 
+void DrawTitleBlock(FaxPaper &paper, QDate date)
+{
+    paper.Frame(900, 1830, 680, 330, 4);
+    for (const int y : {1930, 2010, 2085})
+        paper.Line(900, y, 1580, y, 2);
+    paper.Painter().setPen(Qt::black);
+    paper.Text(930, 1895, 44, "Studio Ferrante", true);
+    paper.Text(930, 1982, 30, "Unit 7, Northgate Yard: ground floor");
+    paper.Text(930, 2060, 30, "Drawn " + date.addDays(-2).toString("yyyy-MM-dd") + "   GF");
+    paper.Text(930, 2136, 30, "Scale 1:100   Sheet A-02   Rev. C");
+    paper.Text(280, 1900, 30, "Dimensions in metres.");
+    paper.Text(280, 1944, 30, "Check on site before cutting.");
+}
+
+void DrawRiverAndRoads(QPainter &painter, QRandomGenerator &hand)
+{
     QPainterPath river(QPointF(90, 700));
     river.cubicTo(420, 560, 560, 900, 900, 820);
     river.cubicTo(1240, 730, 1300, 980, 1650, 900);
@@ -130,7 +186,10 @@ void DemoPages::DrawMap(FaxPaper &paper, QDate)
     Handwriting::Write(painter, hand, 900, 1000, 28, "bridge", 5);
     Handwriting::Write(painter, hand, 880, 480, 30, "to the town", 5);
     Handwriting::Write(painter, hand, 850, 2140, 30, "Northgate, 6 km", 5);
+}
 
+void DrawVillageAndWood(QPainter &painter, QRandomGenerator &hand)
+{
     DrawHouse(painter, 300, 1440, 90);
     DrawHouse(painter, 440, 1460, 80);
     DrawHouse(painter, 360, 1700, 84);
@@ -144,7 +203,10 @@ void DemoPages::DrawMap(FaxPaper &paper, QDate)
                               QPoint(330, 1060), QPoint(420, 1110), QPoint(250, 1120), QPoint(1250, 1640)})
         DrawTree(painter, hand, tree.x(), tree.y());
     Handwriting::Write(painter, hand, 1010, 1720, 28, "wood", 5);
+}
 
+void DrawBarn(QPainter &painter, QRandomGenerator &hand)
+{
     DrawHouse(painter, 1400, 1480, 170);
     painter.setPen(InkOf(7));
     painter.drawEllipse(QPoint(1484, 1510), 170, 160);
@@ -153,6 +215,19 @@ void DemoPages::DrawMap(FaxPaper &paper, QDate)
     painter.drawLine(1010, 1230, 930, 1300);
     painter.drawPolyline(QPolygon({{1008, 1270}, {1012, 1228}, {968, 1236}}));
     Handwriting::Write(painter, hand, 850, 1370, 28, "turn right here", 5);
+}
+
+} // namespace
+
+void DemoPages::DrawMap(FaxPaper &paper, QDate)
+{
+    QPainter &painter = paper.Painter();
+    QRandomGenerator hand(42);
+    Handwriting::Write(painter, hand, 170, 220, 48, "How to find the barn", 7);
+    DrawNorthArrow(painter, hand);
+    DrawRiverAndRoads(painter, hand);
+    DrawVillageAndWood(painter, hand);
+    DrawBarn(painter, hand);
     int y = 1970;
     for (const QString &line : {QString("see you"), QString("Saturday,"), QString("Marta")}) {
         Handwriting::Write(painter, hand, 190, y, 30, line, 5);
@@ -162,64 +237,12 @@ void DemoPages::DrawMap(FaxPaper &paper, QDate)
 
 void DemoPages::DrawFloorPlan(FaxPaper &paper, QDate date)
 {
-    QPainter &painter = paper.Painter();
-    painter.setPen(InkOf(26));
-    painter.setPen(QPen(Qt::black, 22, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
-    painter.drawRect(280, 330, 1200, 1300);
-    painter.drawLine(280, 1180, 1480, 1180);
-    painter.drawLine(860, 1180, 860, 1630);
-    painter.drawLine(1150, 330, 1150, 760);
-    painter.drawLine(1150, 760, 1480, 760);
-
-    DrawDoor(painter, 420, 1180, 110, 1, true);
-    DrawDoor(painter, 1000, 1180, 110, 1, true);
-    DrawDoor(painter, 1150, 560, 100, 1, false);
-    DrawDoor(painter, 1250, 1630, 120, 1, true);
-    painter.setPen(QPen(Qt::white, 26, Qt::SolidLine, Qt::FlatCap)); // the loading bay's gate
-    painter.drawLine(280, 700, 280, 1000);
-    painter.setPen(QPen(Qt::black, 5, Qt::DashLine));
-    painter.drawLine(270, 700, 270, 1000);
-    for (const int x : {420, 700, 960})
-        DrawWindow(painter, x, 330, 160, true);
-    DrawWindow(painter, 1480, 860, 220, false);
-    DrawWindow(painter, 1480, 460, 160, false);
-    DrawWindow(painter, 400, 1630, 260, true);
-
-    painter.setPen(Qt::black);
-    paper.TextCentred(690, 820, 46, "WORKSHOP", true);
-    paper.TextCentred(690, 866, 34, "112.4 sq m");
-    paper.TextCentred(1350, 520, 34, "PAINT", true);
-    paper.TextCentred(1350, 560, 30, "17.6 sq m");
-    paper.TextCentred(570, 1440, 40, "OFFICE", true);
-    paper.TextCentred(570, 1484, 32, "29.8 sq m");
-    paper.TextCentred(1170, 1400, 40, "STORE", true);
-    paper.TextCentred(1170, 1444, 32, "31.2 sq m");
-    DrawBench(painter, 380, 400, 260, 90);
-    DrawBench(painter, 720, 400, 260, 90);
-    DrawBench(painter, 1300, 900, 90, 220);
-    painter.drawEllipse(QPoint(560, 1010), 60, 60);
-    painter.drawRect(760, 920, 220, 120);
-    painter.drawLine(760, 980, 980, 980);
-    painter.setPen(Qt::black);
-    paper.TextCentred(870, 1076, 26, "saw");
-    paper.TextCentred(560, 1020, 26, "lathe");
-    for (int y = 1240; y < 1360; y += 40)
-        DrawBench(painter, 900, y, 60, 34);
-
+    DrawWalls(paper.Painter());
+    DrawRooms(paper);
     DrawDimension(paper, 280, 250, 1480, 250, "15.20");
     DrawDimension(paper, 280, 1720, 860, 1720, "7.35");
     DrawDimension(paper, 860, 1720, 1480, 1720, "7.85");
     DrawDimension(paper, 200, 330, 200, 1630, "16.40");
     DrawDimension(paper, 1570, 330, 1570, 760, "5.40");
-
-    paper.Frame(900, 1830, 680, 330, 4);
-    for (const int y : {1930, 2010, 2085})
-        paper.Line(900, y, 1580, y, 2);
-    painter.setPen(Qt::black);
-    paper.Text(930, 1895, 44, "Studio Ferrante", true);
-    paper.Text(930, 1982, 30, "Unit 7, Northgate Yard: ground floor");
-    paper.Text(930, 2060, 30, "Drawn " + date.addDays(-2).toString("yyyy-MM-dd") + "   GF");
-    paper.Text(930, 2136, 30, "Scale 1:100   Sheet A-02   Rev. C");
-    paper.Text(280, 1900, 30, "Dimensions in metres.");
-    paper.Text(280, 1944, 30, "Check on site before cutting.");
+    DrawTitleBlock(paper, date);
 }

@@ -68,6 +68,72 @@ void DrawTick(FaxPaper &paper, int x, int y)
     paper.Line(x + 16, y + 40, x + 50, y - 12, 7);
 }
 
+void DrawTerms(FaxPaper &paper)
+{
+    paper.Text(lMargin, 380, 42, "Terms of sale", true);
+    const QStringList terms{
+        "Payment is due within 30 days of the date of the invoice; 2 % may be deducted within 10 days.",
+        "The timber stays our property until it has been paid in full.",
+        "Measures are nominal. Sawn timber may differ by 2 mm in thickness and 4 mm in width; planed "
+        "timber by half of that.",
+        "Moisture is measured at loading, in three boards of each lot, and is written on the lot's "
+        "label.",
+        "Please report visible faults on the day of delivery, and others within eight days, with the "
+        "number of the lot."};
+    int y = 430;
+    for (qsizetype i = 0; i < terms.size(); ++i) {
+        paper.Text(lMargin, y + 36, 36, QString("%1.").arg(i + 1));
+        y = paper.ParagraphIn(lMargin + 70, y, FaxPaper::lTextWidth - 70, 36, terms[i]) + 10;
+    }
+}
+
+void DrawInvoiceHead(FaxPaper &paper, QDate date)
+{
+    paper.Text(lMargin, 340, 34, "Northgate Joinery");
+    paper.Text(lMargin, 384, 34, "Unit 7, Northgate Yard");
+    const QList<std::pair<QString, QString>> facts{
+        {"Invoice", "K-4471"}, {"Date", date.toString("yyyy-MM-dd")}, {"Customer", "10382"}};
+    for (qsizetype i = 0; i < facts.size(); ++i) {
+        paper.Text(1120, 340 + int(i) * 44, 34, facts[i].first);
+        paper.TextRight(lRight, 340 + int(i) * 44, 34, facts[i].second, true);
+    }
+}
+
+/// Returns the sum in cents, and in `y` the lower edge of the table.
+int DrawItems(FaxPaper &paper, int &y)
+{
+    struct Item
+    {
+        QString strName;
+        int lPieces;
+        int lCents;
+    };
+    const QList<Item> items{{"Oak, planed, 40 x 200 x 2400 mm", 24, 4150},
+                            {"Oak, sawn, 60 x 60 x 3000 mm", 40, 1875},
+                            {"Ash, planed, 27 x 160 x 2100 mm", 18, 2240},
+                            {"Beech plywood, 18 mm, 2500 x 1250", 12, 6890},
+                            {"Birch plywood, 9 mm, 1525 x 1525", 20, 2705},
+                            {"Larch, sawn, 45 x 145 x 4000 mm", 30, 1990},
+                            {"Dowel rod, beech, 12 mm, 1 m", 100, 85},
+                            {"Cutting to length, per cut", 64, 60},
+                            {"Delivery, zone 2", 1, 5500}};
+    QList<QStringList> rows;
+    int sum = 0;
+    for (const Item &item : items) {
+        sum += item.lPieces * item.lCents;
+        rows.append({QString::number(rows.size() + 1), item.strName, QString::number(item.lPieces),
+                     Money(item.lCents), Money(item.lPieces * item.lCents)});
+    }
+    y = DrawTable(paper, 560,
+                  {{"Pos.", 110, false},
+                   {"Article", 718, false},
+                   {"Pieces", 160, true},
+                   {"Price", 200, true},
+                   {"Amount", 240, true}},
+                  rows, 76);
+    return sum;
+}
+
 } // namespace
 
 void DemoPages::DrawOrder(FaxPaper &paper, QDate date)
@@ -127,61 +193,11 @@ void DemoPages::DrawInvoice(FaxPaper &paper, QDate date, int page)
     paper.Text(lMargin + 130, 190, 60, "Keller & Sons Timber", true);
     paper.Text(lMargin + 130, 228, 30, "Sawmill and dry store since 1921");
     paper.TextRight(lRight, 190, 46, page == 1 ? "INVOICE" : "INVOICE, page 2", true);
-    if (page == 2) {
-        paper.Text(lMargin, 380, 42, "Terms of sale", true);
-        const QStringList terms{
-            "Payment is due within 30 days of the date of the invoice; 2 % may be deducted within 10 days.",
-            "The timber stays our property until it has been paid in full.",
-            "Measures are nominal. Sawn timber may differ by 2 mm in thickness and 4 mm in width; planed "
-            "timber by half of that.",
-            "Moisture is measured at loading, in three boards of each lot, and is written on the lot's "
-            "label.",
-            "Please report visible faults on the day of delivery, and others within eight days, with the "
-            "number of the lot."};
-        int y = 430;
-        for (qsizetype i = 0; i < terms.size(); ++i) {
-            paper.Text(lMargin, y + 36, 36, QString("%1.").arg(i + 1));
-            y = paper.ParagraphIn(lMargin + 70, y, FaxPaper::lTextWidth - 70, 36, terms[i]) + 10;
-        }
-        return;
-    }
-    paper.Text(lMargin, 340, 34, "Northgate Joinery");
-    paper.Text(lMargin, 384, 34, "Unit 7, Northgate Yard");
-    const QList<std::pair<QString, QString>> facts{
-        {"Invoice", "K-4471"}, {"Date", date.toString("yyyy-MM-dd")}, {"Customer", "10382"}};
-    for (qsizetype i = 0; i < facts.size(); ++i) {
-        paper.Text(1120, 340 + int(i) * 44, 34, facts[i].first);
-        paper.TextRight(lRight, 340 + int(i) * 44, 34, facts[i].second, true);
-    }
-    struct Item
-    {
-        QString strName;
-        int lPieces;
-        int lCents;
-    };
-    const QList<Item> items{{"Oak, planed, 40 x 200 x 2400 mm", 24, 4150},
-                            {"Oak, sawn, 60 x 60 x 3000 mm", 40, 1875},
-                            {"Ash, planed, 27 x 160 x 2100 mm", 18, 2240},
-                            {"Beech plywood, 18 mm, 2500 x 1250", 12, 6890},
-                            {"Birch plywood, 9 mm, 1525 x 1525", 20, 2705},
-                            {"Larch, sawn, 45 x 145 x 4000 mm", 30, 1990},
-                            {"Dowel rod, beech, 12 mm, 1 m", 100, 85},
-                            {"Cutting to length, per cut", 64, 60},
-                            {"Delivery, zone 2", 1, 5500}};
-    QList<QStringList> rows;
-    int sum = 0;
-    for (const Item &item : items) {
-        sum += item.lPieces * item.lCents;
-        rows.append({QString::number(rows.size() + 1), item.strName, QString::number(item.lPieces),
-                     Money(item.lCents), Money(item.lPieces * item.lCents)});
-    }
-    int y = DrawTable(paper, 560,
-                      {{"Pos.", 110, false},
-                       {"Article", 718, false},
-                       {"Pieces", 160, true},
-                       {"Price", 200, true},
-                       {"Amount", 240, true}},
-                      rows, 76);
+    if (page == 2)
+        return DrawTerms(paper);
+    DrawInvoiceHead(paper, date);
+    int y = 0;
+    const int sum = DrawItems(paper, y);
     const QList<std::pair<QString, int>> totals{
         {"Net", sum}, {"Value added tax 20 %", sum / 5}, {"Total", sum + sum / 5}};
     for (const auto &[name, cents] : totals) {

@@ -31,7 +31,7 @@ const QList<QList<Clause>> &ContractPages()
 {
     static const QList<QList<Clause>> pages{
         {{"1. The Premises", "The Landlord lets and the Tenant takes the workshop known as Unit 7, Northgate "
-                             "Yard, being 184 square "
+                             "Yard, being 243 square "
                              "metres on the ground floor together with the loading bay and two parking "
                              "spaces shown edged in black "
                              "on the attached plan."},

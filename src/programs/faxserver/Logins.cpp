@@ -32,9 +32,10 @@ int Logins::Enter(const QString &accountID, QTcpSocket *socket)
             return WireText::refAlreadyLoggedIn;
         Leave(holder);
     }
-    Leave(socket);
-    if (lMost > 0 && holders.size() >= lMost)
+    const bool hasSeat = holders.values().contains(socket);
+    if (lMost > 0 && holders.size() >= lMost + (hasSeat ? 1 : 0))
         return WireText::refTooManyUsers;
+    Leave(socket); // the account that it had before
     holders.insert(accountID, socket);
     return 0;
 }
