@@ -8,6 +8,7 @@
 #include <QPalette>
 #include <QPixmap>
 #include <QPixmapCache>
+#include <QRegularExpression>
 #include <QSvgRenderer>
 
 /// The pictures of a static library are dropped unless somebody asks for them.
@@ -33,9 +34,7 @@ public:
 
     void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State) override
     {
-        QByteArray picture = abPicture;
-        picture.replace(strInk, InkName(mode).toLatin1());
-        QSvgRenderer renderer(picture);
+        QSvgRenderer renderer(Inked(mode));
         painter->save();
         painter->setOpacity(mode == QIcon::Disabled ? dDisabledOpacity : 1.0);
         renderer.render(painter, rect);
@@ -68,6 +67,18 @@ public:
     bool isNull() override { return false; }
 
 private:
+    /// On a selection everything is drawn in its text colour: no accent reads on all highlights.
+    QByteArray Inked(QIcon::Mode mode) const
+    {
+        QString picture = QString::fromLatin1(abPicture);
+        static const QRegularExpression anyColor("#[0-9a-f]{6}");
+        if (mode == QIcon::Selected)
+            picture.replace(anyColor, InkName(mode));
+        else
+            picture.replace(strInk, InkName(mode));
+        return picture.toLatin1();
+    }
+
     static QString InkName(QIcon::Mode mode)
     {
         const bool isSelected = mode == QIcon::Selected;

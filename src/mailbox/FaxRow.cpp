@@ -4,7 +4,7 @@
 #include "core/clsDBcon.h"
 #include "mailbox/FaxListColumns.h"
 
-#include <QRegularExpression>
+#include <QStringBuilder>
 
 #include <algorithm>
 
@@ -151,15 +151,23 @@ FaxRow ReadFaxRow(const clsStatement &statement, int mode, int faxTable)
     return row;
 }
 
+/// By hand, since it runs for every row of a long list.
 QString FormatListTime(const QString &stored)
 {
-    static const QRegularExpression iso("^(\\d{4})-(\\d\\d)-(\\d\\d)(?:[ T](\\d\\d:\\d\\d:\\d\\d))?$");
-    const auto match = iso.match(stored);
-    if (!match.hasMatch())
+    static const QString pattern = "0000-00-00 00:00:00";
+    const bool hasTime = stored.size() == pattern.size();
+    if (!hasTime && stored.size() != pattern.indexOf(' '))
         return stored;
-    const QString time = match.captured(4);
-    return match.captured(2) + '/' + match.captured(3) + '/' + match.captured(1) + ' ' +
-           (time.isEmpty() ? "00:00:00" : time);
+    for (qsizetype i = 0; i < stored.size(); ++i) {
+        const QChar wanted = pattern.at(i);
+        const bool isWanted =
+            wanted == '0' ? stored.at(i) >= '0' && stored.at(i) <= '9' : stored.at(i) == wanted;
+        if (!isWanted && !(wanted == ' ' && stored.at(i) == 'T'))
+            return stored;
+    }
+    const QStringView text(stored);
+    return text.mid(5, 2) % '/' % text.mid(8, 2) % '/' % text.left(4) % ' ' %
+           (hasTime ? text.mid(11) : QStringView(u"00:00:00"));
 }
 
 QString GetBareName(const QString &path)

@@ -155,8 +155,7 @@ void frmMain::SetUpActions()
         {"mnuLoginServer", "mnuLoginServer"},
         {"mnuLogoutServer", "mnuLogoutServer"},
         {"mnuOption", "mnuOption"},
-        {"mnuHistory", "mnuHistory"},
-        {"mnuViewAddressBook", "imgContactMain"},
+
     };
     for (auto it = menuIcons.begin(); it != menuIcons.end(); ++it)
         findChild<QAction *>(it.key())->setIcon(Icons::Get(it.value()));

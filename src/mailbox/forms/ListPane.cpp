@@ -81,6 +81,7 @@ void ListPane::ShowColumns()
     const QList<int> kept = widths.value(lShownLayout);
     QHeaderView *header = grdFaxList->header();
     header->setMinimumSectionSize(28);
+    header->setStretchLastSection(true);
     for (int i = 0; i < list.Columns().size(); ++i) {
         const FaxColumn &column = list.Columns().at(i);
         header->setSectionHidden(i, column.IsHidden());

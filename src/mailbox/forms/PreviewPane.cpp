@@ -82,6 +82,7 @@ void PreviewPane::SetUpButtons()
     const auto follow = [this](QToolButton *button, const QString &actionName) {
         auto *action = findChild<QAction *>(actionName);
         action->setIcon(Icons::Get(button->objectName()));
+        action->setIconVisibleInMenu(!action->isCheckable()); // there the check mark shows instead
         button->setDefaultAction(action);
         button->setIconSize({20, 20});
         button->setAccessibleName(action->text().remove('&'));
