@@ -1,0 +1,43 @@
+#pragma once
+
+#include "endtoend/ClientUnderTest.h"
+#include "fixtures/TrialServer.h"
+
+#include <QMap>
+#include <QTemporaryDir>
+
+#include <memory>
+
+/// One account at a trial server with faxes waiting for it, and the client that fetches them.
+class FetchTest
+{
+public:
+    /// The server begins with the files delivered to "anna" and with the script; true when it runs and the
+    /// client is logged in. Ticks of the client's timers are shorter by `timerFactor`.
+    bool Begin(const QStringList &files, const QByteArray &script = {}, int timerFactor = 1);
+    /// Ends the program and starts it again: with the same data, or as on another machine.
+    bool Restart(int timerFactor = 1, bool isNewMachine = false);
+    /// Three faxes of 30 KB.
+    QStringList ThreeFaxes();
+    QString MakeFax(const QString &name, int pages = 1, int bytes = 0);
+
+    /// One run of "Receive". True when it ended in time and left nothing behind that a next run or the user
+    /// would stumble over.
+    bool Fetch();
+    /// The run behind the history window; the server's history is asked for all times and kinds.
+    bool FetchHistory();
+
+    /// Progress states such as "Completed", in the order of the rows.
+    QStringList States() const;
+    /// Titles of the stored faxes whose file is, byte for byte, the delivered one; "broken" for any other.
+    QStringList WholeFaxes() const;
+
+    std::unique_ptr<QTemporaryDir> home;
+    TrialServer server;
+    std::unique_ptr<ClientUnderTest> client;
+
+private:
+    bool RunIsOver(const std::function<void()> &run);
+
+    QMap<QString, QByteArray> delivered; ///< bytes by title
+};
