@@ -67,8 +67,10 @@ bool HasClientTable()
     return tables->Next();
 }
 
+/// One transaction: each statement by itself would wait for the disk.
 void MakeTables(clsDBcon &database)
 {
+    database.Begin();
     for (const char *statement : aTableStatements)
         database.Execute(statement);
     const QString insert =
@@ -76,6 +78,7 @@ void MakeTables(clsDBcon &database)
     for (const FolderRow &folder : aFolderRows)
         database.Execute(insert + folder.strID + folder.strLiteral);
     database.Execute("Insert Into DatabaseVersion Values('2.8')");
+    database.Commit();
 }
 
 } // namespace

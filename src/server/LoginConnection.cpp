@@ -166,9 +166,9 @@ bool Login::PrepareProfile()
                  mbCritical);
         return false;
     }
-    if (!WriteIniValue("General", "ServerIP", controls.strServer, Global().strIniFile))
+    if (!WriteIniValue("General", "ServerIP", controls.strServer, Global().strIniFile) &&
+        !profile.HasLostSettings())
         ShowText(QCoreApplication::translate("server", "Failed to save user profiles."), mbExclamation);
-    owner.MarkOnline(true, bPwdIsDigest);
     return true;
 }
 
@@ -177,8 +177,11 @@ void Login::HandOver()
     if (bFromMainWindow) // what the server has just accepted is what the session must reconnect with
         Global().strPwdDigest = Entry().Digest();
     bLoginOK = true;
+    const bool isLoaded = owner.IsMainWindowLoaded(); // the owner may load it to take what follows
+    if (!bFromMainWindow)
+        owner.MarkOnline(true, bPwdIsDigest);
     owner.TakeClient(std::move(sockClient));
-    if (!owner.IsMainWindowLoaded())
+    if (!isLoaded)
         owner.ShowMainWindow();
     owner.CloseLogin();
 }

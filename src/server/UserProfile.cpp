@@ -27,9 +27,16 @@ QString ReadSetting(const QString &section, const QString &key)
     return ReadIniValue(section, key, Global().strIniFile);
 }
 
+/// The highest number of an account. A count that no file can hold is a damaged one: the entries tell then.
 int AccountCount()
 {
-    return std::max(ToNumber(ReadSetting("UserList", "TotalCount")), 0);
+    const int count = ToNumber(ReadSetting("UserList", "TotalCount"));
+    if (count <= maxAccounts)
+        return std::max(count, 0);
+    int last = maxAccounts;
+    while (last > 0 && ReadSetting("UserList", QString::number(last)).isEmpty())
+        --last;
+    return last;
 }
 
 bool IsLineBreaking(QChar character)
@@ -79,7 +86,7 @@ bool UserProfile::IsDigest(const QString &text)
 QStringList UserProfile::KnownAccounts()
 {
     QStringList accounts;
-    const int count = std::min(AccountCount(), maxAccounts);
+    const int count = AccountCount();
     for (int number = 1; number <= count; ++number) {
         const QString account = ReadSetting("UserList", QString::number(number));
         if (!account.trimmed().isEmpty())
@@ -134,6 +141,8 @@ bool UserProfile::Save(const LoginEntry &entry)
     global.strUserFolder = FindUserFolder(entry.strAccount);
     if (global.strUserFolder.isEmpty())
         Enter(entry.strAccount);
+    if (bProfileOpen && global.strDataBasePath != DatabaseFile(global.strUserFolder))
+        Close(); // the account's section and the list of accounts name different folders
     WriteChoices(entry);
     if (!PrepareDatabase(entry.strAccount))
         return false;
@@ -182,8 +191,7 @@ bool UserProfile::PrepareDatabase(const QString &account)
             Open(folder); // a file that cannot be used fails the check of its version
         bProfileOpen = CheckDatabaseVersion(ports.message, ports.clock);
     } else {
-        bProfileOpen = CreateClientDatabase(file);
-        if (!bProfileOpen)
+        if (!MakeDatabase(folder))
             ports.message.ShowMessage(QCoreApplication::translate("server", "Failed to save user profiles."),
                                       mbExclamation);
     }
@@ -191,6 +199,20 @@ bool UserProfile::PrepareDatabase(const QString &account)
         Close();
     Global().strDataBasePath = file;
     return bProfileOpen;
+}
+
+/// Under another name first: what a crash or a full disk leaves behind is never taken for a profile.
+bool UserProfile::MakeDatabase(const QString &userFolder)
+{
+    const QString file = DatabaseFile(userFolder);
+    const QString unfinished = file + ".new";
+    QFile::remove(unfinished);
+    const bool isMade = CreateClientDatabase(unfinished);
+    Close();
+    if (isMade && QFile::rename(unfinished, file))
+        return Open(userFolder);
+    QFile::remove(unfinished);
+    return false;
 }
 
 bool UserProfile::LayOutBoxes()

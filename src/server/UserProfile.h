@@ -53,11 +53,14 @@ public:
     /// into `Global()`. On false the reason has been shown and the database is closed. Raises the database
     /// layer's errors.
     bool Save(const LoginEntry &entry);
+    /// True when the latest `Save` could not write a setting; the user has been told.
+    bool HasLostSettings() const { return bSettingsFailed; }
 
 private:
     void Enter(const QString &account);
     void WriteChoices(const LoginEntry &entry);
     bool PrepareDatabase(const QString &account);
+    bool MakeDatabase(const QString &userFolder);
     bool LayOutBoxes();
     void CopyDefaultHeaders() const;
     void WriteSetting(const QString &section, const QString &key, const QString &value);

@@ -19,6 +19,7 @@ public:
     void MarkOnline(bool online, bool usedDigest) override
     {
         aCalls.append(QString("online %1 digest %2").arg(int(online)).arg(int(usedDigest)));
+        bMainLoaded = true; // something must take it
     }
     void TakeClient(std::shared_ptr<clsClient> newClient) override
     {

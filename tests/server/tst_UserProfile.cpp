@@ -26,10 +26,11 @@ private slots:
     void storedSettingsComeIntoTheGlobals();
     void folderThatCannotBeUsedIsIgnored_data();
     void folderThatCannotBeUsedIsIgnored();
-    void hugeAccountCountDoesNotHang();
+    void hugeAccountCountIsMended();
     void headersOfTheUserAreKept();
     void otherDatabaseVersionClosesTheProfile();
     void unwritableFolderIsTold();
+    void unfinishedDatabaseIsNoProfile();
     void usableAccounts_data();
     void usableAccounts();
 
@@ -205,11 +206,14 @@ void tst_UserProfile::folderThatCannotBeUsedIsIgnored()
     QCOMPARE(UserProfile::FindUserFolder("anna"), QString());
 }
 
-void tst_UserProfile::hugeAccountCountDoesNotHang()
+void tst_UserProfile::hugeAccountCountIsMended()
 {
     EnterAnna();
     Set("UserList", "TotalCount", "2147483647");
     QCOMPARE(UserProfile::KnownAccounts(), QStringList{"anna"});
+    QVERIFY(UserProfile(fakes->ports).Save(Entry("bert")));
+    QCOMPARE(Setting("UserList", "TotalCount"), "2");
+    QCOMPARE(UserProfile::KnownAccounts(), (QStringList{"anna", "bert"}));
 }
 
 void tst_UserProfile::headersOfTheUserAreKept()
@@ -245,6 +249,18 @@ void tst_UserProfile::unwritableFolderIsTold()
     QVERIFY(!user.Save(Entry("bert")));
     QCOMPARE(fakes->prompts.Texts(), QStringList{"Failed to save user profiles."});
     QVERIFY(!user.IsOpen());
+}
+
+void tst_UserProfile::unfinishedDatabaseIsNoProfile()
+{
+    const QString folder = Global().strAppDataPath + "bert/Database/";
+    QVERIFY(QDir().mkpath(folder + "MFax_Client.mfd.new/blocked"));
+    QVERIFY(!UserProfile(fakes->ports).Save(Entry("bert")));
+    QCOMPARE(QDir(folder).entryList(QDir::Files), QStringList());
+    QVERIFY(QDir(folder + "MFax_Client.mfd.new").removeRecursively());
+    QVERIFY(WriteTestFile(folder + "MFax_Client.mfd.new", "what a crash left"));
+    QVERIFY(UserProfile(fakes->ports).Save(Entry("bert")));
+    QCOMPARE(QDir(folder).entryList(QDir::Files), QStringList{"MFax_Client.mfd"});
 }
 
 void tst_UserProfile::usableAccounts_data()
