@@ -58,10 +58,10 @@ bool ClientUnderTest::RunLogin(const std::function<void(Login &)> &act)
     Login login(ports, *this, bMainLoaded);
     if (!login.Load())
         return false;
-    if (!bMainLoaded)
-        login.Activate();
+    login.Activate();
     act(login);
     WaitUntil([&] { return bLoginClosed || !login.IsLoggingIn(); }, 30000);
+    lastControls = login.Controls();
     return bLoginClosed;
 }
 

@@ -45,6 +45,10 @@ public:
     bool WorkOffline(const LoginChoice &choice);
     /// Starts as a user does who has a remembered or automatic login: shows the window and waits.
     bool StartLogin();
+    /// Shows the window, does what a user would, and waits like `LogIn`.
+    bool RunLogin(const std::function<void(Login &)> &act);
+    /// The controls of the latest login window as it was left.
+    const LoginControls &LastControls() const { return lastControls; }
     /// The login's controls as the window would show them after its first activation, without pressing
     /// anything.
     LoginControls ReadLoginControls();
@@ -92,8 +96,7 @@ public:
                       desktop.mailbox, desktop.forms}};
 
 private:
-    bool RunLogin(const std::function<void(Login &)> &act);
-
+    LoginControls lastControls;
     bool bMainLoaded = false;
     bool bLoginClosed = false;
 };
