@@ -1,5 +1,7 @@
 #include "desktop/CommandStates.h"
 
+#include <QHash>
+
 namespace {
 
 bool CanView(const CommandStates::GridInput &input)
@@ -65,7 +67,7 @@ CommandStates::States CommandStates::SetGridCommands(const GridInput &input)
 
 QString CommandStates::GetMenuOfTool(const QString &tool)
 {
-    static const QMap<QString, QString> menus{
+    static const QHash<QString, QString> menus{
         {"tbNewFax", "mnuNewFax"},
         {"tbResend", "mnuInterResend"},
         {"tbFaxProperty", "mnuFaxProperty"},
@@ -77,6 +79,42 @@ QString CommandStates::GetMenuOfTool(const QString &tool)
         {"tbNewContact", "mnuNewContact"},
         {"tbFindContact", "mnuFindContact"},
         {"tbSendReceive", "mnuSendReceive"},
+        {"RightMenu_ReSend", "mnuInterResend"},
+        {"RightMenu_FaxProperty", "mnuFaxProperty"},
+        {"RightMenu_ViewFax", "mnuViewFax"},
+        {"RightMenu_MarkReaded", "mnuHadRead"},
+        {"RightMenu_MarkNotRead", "mnuUnRead"},
+        {"RightMenu_FindFax", "mnuFindFax"},
+        {"RightMenu_PrintFax", "mnuPrint"},
+        {"RightMenu_MoveFax", "mnuMoveFax"},
+        {"RightMenu_ResendToMail", "mnuResendToMail"},
+        {"RightMenu_DeleteFax", "mnuEditDelete"},
+        {"RightMenu_CancelSend", "mnuCancelSend"},
+        {"RightMenu_ReSendError", "mnuResendError"},
+        {"RightMenu_Resume", "mnuResume"},
+        {"RightMenu_NewFax", "mnuNewFax"},
     };
     return menus.value(tool);
+}
+
+QStringList CommandStates::GetRightMenu()
+{
+    return {"RightMenu_NewFax",
+            "RightMenu_ViewFax",
+            "",
+            "RightMenu_MarkReaded",
+            "RightMenu_MarkNotRead",
+            "",
+            "RightMenu_ReSend",
+            "RightMenu_ResendToMail",
+            "RightMenu_ReSendError",
+            "RightMenu_CancelSend",
+            "",
+            "RightMenu_MoveFax",
+            "RightMenu_Resume",
+            "RightMenu_DeleteFax",
+            "",
+            "RightMenu_FindFax",
+            "RightMenu_PrintFax",
+            "RightMenu_FaxProperty"};
 }

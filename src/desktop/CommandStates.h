@@ -4,6 +4,7 @@
 
 #include <QMap>
 #include <QString>
+#include <QStringList>
 
 /// Which commands of the main window are enabled. Menu items and tool bar buttons go by their own names.
 namespace CommandStates {
@@ -30,7 +31,10 @@ struct GridInput
 /// The commands that depend on the folder and the selection.
 States SetGridCommands(const GridInput &input);
 
-/// The menu item that a tool bar button runs; empty for a name that is no button.
+/// The menu item that a tool bar button or an item of the list's own menu runs; empty for any other name.
 QString GetMenuOfTool(const QString &tool);
+
+/// The items of the list's own menu in their order; an empty name for a separator.
+QStringList GetRightMenu();
 
 } // namespace CommandStates

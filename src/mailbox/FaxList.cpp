@@ -1,6 +1,7 @@
 #include "mailbox/FaxList.h"
 
 #include "core/Globals.h"
+#include "mailbox/FaxSort.h"
 
 #include <algorithm>
 #include <iterator>
@@ -30,6 +31,7 @@ FaxRow MakeSummaryRow(const FaxListQueries::SummaryLine &line)
 FaxList::FaxList()
     : aColumns(GetFaxListColumns(0))
 {
+    ResetOrder();
 }
 
 void FaxList::SetLayout(int layout)
@@ -38,6 +40,7 @@ void FaxList::SetLayout(int layout)
     lLayout = layout;
     aColumns = GetFaxListColumns(layout);
     aRows.clear();
+    ResetOrder();
     emit Reset();
 }
 
@@ -95,6 +98,8 @@ void FaxList::Replace(Rows rows)
 {
     emit AboutToReset();
     aRows = std::move(rows);
+    strHovered.clear();
+    SortRows();
     emit Reset();
 }
 
@@ -105,4 +110,72 @@ void FaxList::AddOnTop(Rows rows)
     emit AboutToInsertOnTop(static_cast<int>(rows.size()));
     std::move(rows.begin(), rows.end(), std::back_inserter(aRows));
     emit InsertedOnTop();
+}
+
+void FaxList::SetRead(const QStringList &ids, bool read)
+{
+    const QSet<QString> wanted(ids.begin(), ids.end());
+    for (int row = 1; row <= RowCount(); ++row) {
+        FaxRow &fax = aRows[Place(row)];
+        if (fax.bRead == read || !wanted.contains(fax.strID))
+            continue;
+        fax.bRead = read;
+        emit RowChanged(row);
+    }
+}
+
+void FaxList::SetHoveredRow(int row)
+{
+    const QString id = row > 0 ? Row(row).strID : QString();
+    if (id == strHovered)
+        return;
+    const int before = strHovered.isEmpty() ? 0 : RowOf(strHovered);
+    strHovered = id;
+    for (const int changed : {before, row}) {
+        if (changed > 0) {
+            aRows[Place(changed)].bHovered = changed == row;
+            emit RowChanged(changed);
+        }
+    }
+}
+
+// Order
+
+void FaxList::ResetOrder()
+{
+    lSortColumn = 0;
+    lMarkedColumn = 0;
+    bDescending = true;
+    descendingNext.clear();
+    for (int i = 0; i < aColumns.size(); ++i) {
+        if (aColumns.at(i).bSorted)
+            lMarkedColumn = i + 1;
+    }
+}
+
+void FaxList::SortBy(int column)
+{
+    if (lLayout == 0 || column < colFirstText || column > aColumns.size())
+        return;
+    bDescending = descendingNext.remove(column);
+    if (!bDescending)
+        descendingNext.insert(column);
+    lSortColumn = lMarkedColumn = column;
+    emit AboutToSort();
+    SortRows();
+    emit Sorted();
+    emit HeaderChanged();
+}
+
+void FaxList::SortRows()
+{
+    if (lSortColumn > 0)
+        SortFaxRows(aRows, lSortColumn, aColumns.at(lSortColumn - 1).strKey, !bDescending);
+}
+
+QString FaxList::HeaderImageKey(int column) const
+{
+    if (column == lMarkedColumn)
+        return bDescending ? "imgSortDown" : "imgSortUp";
+    return aColumns.at(column - 1).strIcon;
 }

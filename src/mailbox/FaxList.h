@@ -5,6 +5,7 @@
 #include "mailbox/FaxRow.h"
 
 #include <QObject>
+#include <QSet>
 
 #include <optional>
 #include <vector>
@@ -36,11 +37,26 @@ public:
     /// Fills the list for modes 1 to 7. `clearFirst` false adds on top what is not listed yet.
     void LoadFaxes(FaxListQueries::Selection selection, bool clearFirst);
 
+    /// Shows faxes as read or unread.
+    void SetRead(const QStringList &ids, bool read);
+    /// The row whose icon invites a click; 0 for none.
+    void SetHoveredRow(int row);
+
+    /// Sorts by a column from 4 on: ascending at first, then the other way round at each call. The summary is
+    /// not sorted.
+    void SortBy(int column);
+    /// The icon of a column's header: that of its order, or its own.
+    QString HeaderImageKey(int column) const;
+
 signals:
     void AboutToReset();
     void Reset();
     void AboutToInsertOnTop(int count);
     void InsertedOnTop();
+    void RowChanged(int row);
+    void AboutToSort();
+    void Sorted();
+    void HeaderChanged();
 
 private:
     using Rows = std::vector<FaxRow>;
@@ -48,8 +64,15 @@ private:
     std::size_t Place(int row) const { return aRows.size() - static_cast<std::size_t>(row); }
     void Replace(Rows rows);
     void AddOnTop(Rows rows);
+    void SortRows();
+    void ResetOrder();
 
     int lLayout = 0;
     QList<FaxColumn> aColumns;
+    int lSortColumn = 0;   ///< 0 while the rows stand as they were loaded
+    int lMarkedColumn = 0; ///< whose header shows the order
+    bool bDescending = false;
+    QSet<int> descendingNext; ///< columns that the next click sorts in descending order
+    QString strHovered;
     Rows aRows; ///< oldest first, so that adding on top is cheap
 };

@@ -3,6 +3,8 @@
 #include "core/ModelRoles.h"
 #include "mailbox/FaxList.h"
 
+#include <QHash>
+
 namespace {
 
 QString ImageKey(const FaxRow &row, int column)
@@ -23,6 +25,12 @@ FaxListModel::FaxListModel(FaxList &shownList, QObject *parent)
     connect(&list, &FaxList::AboutToInsertOnTop, this,
             [this](int count) { beginInsertRows({}, 0, count - 1); });
     connect(&list, &FaxList::InsertedOnTop, this, [this] { endInsertRows(); });
+    connect(&list, &FaxList::RowChanged, this,
+            [this](int row) { emit dataChanged(index(row - 1, 0), index(row - 1, columnCount() - 1)); });
+    connect(&list, &FaxList::AboutToSort, this, [this] { RememberIndexes(); });
+    connect(&list, &FaxList::Sorted, this, [this] { MoveIndexes(); });
+    connect(&list, &FaxList::HeaderChanged, this,
+            [this] { emit headerDataChanged(Qt::Horizontal, 0, columnCount() - 1); });
 }
 
 int FaxListModel::rowCount(const QModelIndex &parent) const
@@ -82,8 +90,30 @@ QVariant FaxListModel::headerData(int section, Qt::Orientation orientation, int 
     case Qt::AccessibleTextRole:
         return column.strCaption;
     case ImageKeyRole:
-        return column.bSorted ? "imgSortDown" : column.strIcon;
+        return list.HeaderImageKey(section + 1);
     default:
         return {};
     }
+}
+
+void FaxListModel::RememberIndexes()
+{
+    emit layoutAboutToBeChanged({}, VerticalSortHint);
+    aMovedIds.clear();
+    for (const QModelIndex &index : persistentIndexList())
+        aMovedIds.append(list.Row(index.row() + 1).strID);
+}
+
+/// A selection goes with its faxes.
+void FaxListModel::MoveIndexes()
+{
+    const QModelIndexList before = persistentIndexList();
+    QHash<QString, int> rows;
+    for (int row = 1; row <= list.RowCount() && !before.isEmpty(); ++row)
+        rows.insert(list.Row(row).strID, row - 1);
+    QModelIndexList after;
+    for (int i = 0; i < before.size(); ++i)
+        after.append(index(rows.value(aMovedIds.at(i)), before.at(i).column()));
+    changePersistentIndexList(before, after);
+    emit layoutChanged({}, VerticalSortHint);
 }

@@ -21,5 +21,9 @@ public:
 private:
     QString AccessibleText(const FaxRow &row, int column) const;
 
+    void RememberIndexes();
+    void MoveIndexes();
+
     FaxList &list;
+    QStringList aMovedIds; ///< faxes of the persistent indexes while the list is sorted
 };

@@ -120,7 +120,9 @@ void FaxRow::SetCell(int column, const QString &text)
 
 QString FaxRow::ReadImageKey() const
 {
-    return bSummary ? QString() : bRead ? "imgReaded" : "imgNotRead";
+    if (bSummary)
+        return {};
+    return bRead ? "imgReaded" : bHovered ? "imgFaxMouseOn" : "imgNotRead";
 }
 
 QString FaxRow::LevelImageKey() const

@@ -16,6 +16,7 @@ struct FaxRow
     bool bRead = true;
     int lLevel = 1;        ///< 0 urgent, 2 low, anything else normal
     int lFaxTable = 0;     ///< 0 `ReceiveFax`, 1 `SendFax`
+    bool bHovered = false; ///< the cursor is over the icon of an unread fax
     bool bSummary = false; ///< a line of the summary: no fax, no icons
 
     /// Text of a column, numbered from 1.

@@ -16,6 +16,7 @@ constexpr const char *strRecountStatus = QT_TRANSLATE_NOOP("ShownMailbox", "Tota
 ShownMailbox::ShownMailbox(Message &messageBox, const Clock &clock)
     : message(messageBox)
     , dates(clock.Now().date())
+    , marks(*this, messageBox)
 {
 }
 

@@ -5,6 +5,7 @@
 #include "mailbox/FaxPreview.h"
 #include "mailbox/FolderTree.h"
 #include "mailbox/Mailbox.h"
+#include "mailbox/ReadMarks.h"
 
 #include <QObject>
 #include <QStringList>
@@ -29,6 +30,7 @@ public:
     const FaxList &List() const { return list; }
     FaxPreview &Preview() { return preview; }
     const FaxPreview &Preview() const { return preview; }
+    ReadMarks &Marks() { return marks; }
     const DateFilter &Dates() const { return dates; }
 
     /// Loads the folders of the open profile and selects the first one.
@@ -98,6 +100,7 @@ private:
     FaxList list;
     FaxPreview preview;
     DateFilter dates;
+    ReadMarks marks;
     FolderNode *selected = nullptr;
     QStringList aSelected;
     QString strCurrent; ///< id of the fax on show: a row's number changes when faxes come in on top

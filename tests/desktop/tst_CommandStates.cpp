@@ -135,6 +135,10 @@ void tst_CommandStates::toolsRunMenuItems()
     QCOMPARE(CommandStates::GetMenuOfTool("tbResend"), "mnuInterResend");
     QCOMPARE(CommandStates::GetMenuOfTool("tbDeleteFax"), "mnuEditDelete");
     QCOMPARE(CommandStates::GetMenuOfTool("mnuSend"), "");
+    const QStringList items = CommandStates::GetRightMenu();
+    QCOMPARE(items.size() - items.count(QString()), 14);
+    for (const QString &item : items)
+        QCOMPARE(CommandStates::GetMenuOfTool(item).isEmpty(), item.isEmpty());
 }
 
 QTEST_GUILESS_MAIN(tst_CommandStates)

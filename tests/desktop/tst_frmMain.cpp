@@ -40,6 +40,8 @@ private slots:
     void commandsRunFromMenuAndToolBar();
     void errorOfACommandEndsInABox();
     void gridCommandsFollowTheSession();
+    void gridMenuFollowsTheCommands();
+    void clickOnTheUnreadIconAsks();
     void paneKeyGoesRound();
     void hiddenPreviewComesBackHidden();
     void columnsOfTheTreesComeBack();
@@ -241,6 +243,31 @@ void tst_frmMain::gridCommandsFollowTheSession()
     state.bIsSocketBusy = true;
     window->SetGridCommands();
     QVERIFY(!Command("tbDeleteFax").isEnabled());
+}
+
+void tst_frmMain::gridMenuFollowsTheCommands()
+{
+    QVERIFY(Command("RightMenu_MarkReaded").isEnabled());
+    QVERIFY(!Command("RightMenu_PrintFax").isEnabled());
+    fakes->prompts.aAnswers = {mbAnswerYes};
+    Command("RightMenu_MarkReaded").trigger();
+    QVERIFY(mailbox->List().Row(1).bRead);
+    Command("RightMenu_MarkNotRead").trigger();
+    QVERIFY(!mailbox->List().Row(1).bRead);
+    SelectInTree("Draft");
+    QVERIFY(!Command("RightMenu_MarkReaded").isEnabled());
+}
+
+void tst_frmMain::clickOnTheUnreadIconAsks()
+{
+    auto &grid = Get<QTreeView>("grdFaxList");
+    const QPoint icon = grid.visualRect(grid.model()->index(1, 1)).center();
+    QTest::mouseMove(grid.viewport(), icon);
+    QTRY_COMPARE(mailbox->List().Row(2).ReadImageKey(), "imgFaxMouseOn");
+    fakes->prompts.aAnswers = {mbAnswerYes};
+    QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, icon);
+    QCOMPARE(fakes->prompts.Texts(), QStringList("Are you sure want to mark this fax as read?"));
+    QCOMPARE(mailbox->List().Row(2).ReadImageKey(), "imgReaded");
 }
 
 void tst_frmMain::paneKeyGoesRound()

@@ -6,6 +6,7 @@
 #include <QAbstractItemModelTester>
 #include <QTest>
 
+#include <algorithm>
 #include <memory>
 
 class tst_FaxList : public QObject
@@ -40,6 +41,12 @@ private slots:
     void timesAreReformatted_data();
     void timesAreReformatted();
     void modelShowsRowsReversed();
+    void columnsSortByTheirKind_data();
+    void columnsSortByTheirKind();
+    void orderOutlivesAReload();
+    void summaryIsNotSorted();
+    void selectionMovesWithTheSortedFaxes();
+    void hoveredFaxInvitesAClick();
 
 private:
     void Load(int mode, const QString &key, bool clearFirst = true)
@@ -311,6 +318,93 @@ void tst_FaxList::modelShowsRowsReversed()
     list->SetLayout(4);
     QCOMPARE(model.rowCount(), 0);
     QCOMPARE(model.headerData(3, Qt::Horizontal, Qt::DisplayRole), "Recipient");
+}
+
+void tst_FaxList::columnsSortByTheirKind_data()
+{
+    QTest::addColumn<int>("column");
+    QTest::addColumn<QStringList>("ascending");
+    QTest::newRow("sender") << 4 << QStringList{"B", "C", "A"};
+    QTest::newRow("pages") << 7 << QStringList{"C", "A", "B"};
+    QTest::newRow("time") << 8 << QStringList{"B", "A", "C"};
+}
+
+void tst_FaxList::columnsSortByTheirKind()
+{
+    QFETCH(int, column);
+    QFETCH(QStringList, ascending);
+    profile->InsertReceivedFax("A",
+                               {{"sender", "Zoe"}, {"pages", "9"}, {"receiveTime", "2026-01-02 00:00:00"}});
+    profile->InsertReceivedFax("B",
+                               {{"sender", "ann"}, {"pages", "10"}, {"receiveTime", "2025-12-01 00:00:00"}});
+    profile->InsertReceivedFax("C",
+                               {{"sender", "Bob"}, {"pages", ""}, {"receiveTime", "2026-02-01 00:00:00"}});
+    list->SetLayout(1);
+    Load(2, "1001");
+    list->SortBy(column);
+    QCOMPARE(ShownIds(), ascending);
+    QCOMPARE(list->HeaderImageKey(column), "imgSortUp");
+    list->SortBy(column);
+    std::reverse(ascending.begin(), ascending.end());
+    QCOMPARE(ShownIds(), ascending);
+    QCOMPARE(list->HeaderImageKey(column), "imgSortDown");
+    QCOMPARE(list->HeaderImageKey(colIsReaded), "imgIsRead");
+    QCOMPARE(list->HeaderImageKey(6), "");
+    list->SortBy(colLevel);
+    QCOMPARE(ShownIds(), ascending);
+}
+
+void tst_FaxList::orderOutlivesAReload()
+{
+    profile->InsertReceivedFax("A", {{"sender", "Ann"}, {"receiveTime", "2026-01-01 00:00:00"}});
+    profile->InsertReceivedFax("B", {{"sender", "Bob"}, {"receiveTime", "2026-01-02 00:00:00"}});
+    list->SetLayout(1);
+    Load(2, "1001");
+    list->SortBy(4);
+    QCOMPARE(ShownIds(), QStringList({"A", "B"}));
+    Load(2, "1001");
+    QCOMPARE(ShownIds(), QStringList({"A", "B"}));
+    list->SetLayout(1);
+    Load(2, "1001");
+    QCOMPARE(ShownIds(), QStringList({"B", "A"}));
+    QCOMPARE(list->HeaderImageKey(8), "imgSortDown");
+}
+
+void tst_FaxList::summaryIsNotSorted()
+{
+    list->LoadSummary({}, {});
+    list->SortBy(4);
+    QCOMPARE(list->Row(1).Cell(2), "Incoming Fax");
+}
+
+void tst_FaxList::selectionMovesWithTheSortedFaxes()
+{
+    profile->InsertReceivedFax("A", {{"sender", "Ann"}, {"receiveTime", "2026-01-01 00:00:00"}});
+    profile->InsertReceivedFax("B", {{"sender", "Bob"}, {"receiveTime", "2026-01-02 00:00:00"}});
+    list->SetLayout(1);
+    Load(2, "1001");
+    FaxListModel model(*list);
+    const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    const QPersistentModelIndex fax(model.index(0, 3));
+    QCOMPARE(fax.data(), "Bob");
+    list->SortBy(4);
+    QCOMPARE(fax.row(), 1);
+    QCOMPARE(fax.data(), "Bob");
+}
+
+void tst_FaxList::hoveredFaxInvitesAClick()
+{
+    profile->InsertReceivedFax("A", {{"isReaded", "0"}, {"receiveTime", "2026-01-01 00:00:00"}});
+    profile->InsertReceivedFax("B", {{"isReaded", "0"}, {"receiveTime", "2026-01-02 00:00:00"}});
+    Load(2, "1001");
+    list->SetHoveredRow(1);
+    QCOMPARE(list->Row(1).ReadImageKey(), "imgFaxMouseOn");
+    list->SetHoveredRow(2);
+    QCOMPARE(list->Row(1).ReadImageKey(), "imgNotRead");
+    list->SetRead({"A"}, true);
+    QCOMPARE(list->Row(2).ReadImageKey(), "imgReaded");
+    list->SetHoveredRow(0);
+    QCOMPARE(list->Row(2).ReadImageKey(), "imgReaded");
 }
 
 QTEST_GUILESS_MAIN(tst_FaxList)

@@ -20,6 +20,7 @@
 #include <QCloseEvent>
 #include <QLabel>
 #include <QLocale>
+#include <QMenu>
 #include <QProgressBar>
 #include <QScopedValueRollback>
 #include <QTimer>
@@ -48,6 +49,7 @@ frmMain::frmMain(ShownMailbox &shownMailbox, Message &messageBox, QWidget *paren
     ui->setupUi(this);
     PlacePanes();
     SetUpStatusBar();
+    MakeGridMenu();
     SetUpActions();
     SetUpOwnCommands();
     connect(&mailbox, &ShownMailbox::CommandsChanged, this, &frmMain::SetGridCommands);
@@ -127,14 +129,40 @@ void frmMain::ShowStatus()
 
 // Commands
 
+/// The menu of the list: each item is a command of the menu bar under another name. Of two commands with the
+/// same mnemonic, the first keeps it.
+void frmMain::MakeGridMenu()
+{
+    auto *menu = new QMenu(this);
+    menu->setObjectName("GridRightMenu");
+    QStringList letters;
+    for (const QString &name : CommandStates::GetRightMenu()) {
+        const QString item = CommandStates::GetMenuOfTool(name);
+        if (item.isEmpty()) {
+            menu->addSeparator();
+            continue;
+        }
+        const auto *command = findChild<QAction *>(item);
+        QString text = command->text();
+        const QString letter = text.mid(text.indexOf('&') + 1, 1).toLower();
+        if (letters.contains(letter))
+            text.remove('&');
+        letters.append(letter);
+        QAction *action = menu->addAction(text);
+        action->setObjectName(name);
+        action->setToolTip(command->toolTip());
+    }
+}
+
 void frmMain::SetUpActions()
 {
     for (QAction *action : findChildren<QAction *>()) {
         const QString name = action->objectName();
-        const QString menuItem = name.startsWith("tb") ? CommandStates::GetMenuOfTool(name) : name;
+        const QString command = CommandStates::GetMenuOfTool(name);
+        const QString menuItem = command.isEmpty() ? name : command;
         if (name.startsWith("tb"))
             action->setIcon(Icons::Get(name));
-        else if (!name.startsWith("mnu") || name.startsWith("mnuFaxview_"))
+        else if (!menuItem.startsWith("mnu") || name.startsWith("mnuFaxview_"))
             continue;
         action->setEnabled(false);
         connect(action, &QAction::triggered, this, [this, menuItem] { RunCommand(menuItem); });
@@ -168,6 +196,8 @@ void frmMain::SetUpOwnCommands()
     SetCommand("mnuRefresh", [this] { mailbox.ReloadCurrentFolder(true); });
     SetCommand("mnuSelectAll", [this] { listPane->SelectAll(); });
     SetCommand("mnuReverseSel", [this] { listPane->ReverseSelection(); });
+    SetCommand("mnuHadRead", [this] { mailbox.Marks().mnuHadRead(); });
+    SetCommand("mnuUnRead", [this] { mailbox.Marks().mnuUnRead(); });
     SetCommand("mnuNextPane", [this] { GoToNextPane(); });
     SetCommand("mnuPreview", [this] { paneLayout->SetVisible(picPreview, ui->mnuPreview->isChecked()); });
     SetCommand("mnuHistory", [this] { paneLayout->SetVisible(frmeHistory, ui->mnuHistory->isChecked()); });
@@ -181,6 +211,8 @@ void frmMain::SetUpOwnCommands()
             RunCommand("mnuViewFax");
     };
     connect(listPane, &ListPane::ViewRequested, this, view);
+    connect(listPane, &ListPane::MenuRequested, this,
+            [this](const QPoint &place) { findChild<QMenu *>("GridRightMenu")->popup(place); });
     connect(picPreview, &PreviewPane::ViewRequested, this, view);
 }
 
@@ -211,12 +243,14 @@ void frmMain::RunGuarded(const QString &routine, const std::function<void()> &ru
 
 void frmMain::Apply(const CommandStates::States &states)
 {
-    for (auto it = states.begin(); it != states.end(); ++it) {
+    for (auto it = states.begin(); it != states.end(); ++it)
         wanted.insert(it.key(), it.value());
-        const QString tool = CommandStates::GetMenuOfTool(it.key());
-        const bool isBuilt = commands.contains(tool.isEmpty() ? it.key() : tool);
-        if (auto *action = findChild<QAction *>(it.key()))
-            action->setEnabled(it.value() && isBuilt);
+    for (QAction *action : findChildren<QAction *>()) {
+        const QString name = action->objectName();
+        const QString command = CommandStates::GetMenuOfTool(name);
+        const QString menuItem = command.isEmpty() ? name : command;
+        if (wanted.contains(menuItem))
+            action->setEnabled(wanted.value(menuItem) && commands.contains(menuItem));
     }
 }
 

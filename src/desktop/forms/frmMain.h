@@ -82,6 +82,7 @@ private:
     void ShowToday();
     void ShowStatus();
     void GoToNextPane();
+    void MakeGridMenu();
 
     void RunCommand(const QString &name);
     void RunGuarded(const QString &routine, const std::function<void()> &run);

@@ -10,6 +10,7 @@
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QLocale>
+#include <QMouseEvent>
 #include <QScopedValueRollback>
 #include <QVBoxLayout>
 
@@ -57,6 +58,14 @@ void ListPane::SetUpGrid()
     connect(grdFaxList->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &ListPane::TakeSelection);
     connect(grdFaxList, &QAbstractItemView::activated, this, &ListPane::ViewRequested);
+    connect(grdFaxList, &QAbstractItemView::clicked, this, &ListPane::ClickCell);
+    connect(grdFaxList->header(), &QHeaderView::sectionClicked, this,
+            [this](int section) { mailbox.List().SortBy(section + 1); });
+    grdFaxList->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(grdFaxList, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint &place) { emit MenuRequested(grdFaxList->viewport()->mapToGlobal(place)); });
+    grdFaxList->setMouseTracking(true);
+    grdFaxList->viewport()->installEventFilter(this);
 }
 
 // Columns
@@ -154,4 +163,29 @@ void ListPane::ReverseSelection()
     const QItemSelection all(model->index(0, 0),
                              model->index(model->rowCount() - 1, model->columnCount() - 1));
     grdFaxList->selectionModel()->select(all, QItemSelectionModel::Toggle);
+}
+
+// The icon of unread faxes
+
+bool ListPane::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::MouseMove)
+        HoverOver(static_cast<QMouseEvent *>(event)->pos());
+    else if (event->type() == QEvent::Leave)
+        mailbox.List().SetHoveredRow(0);
+    return QWidget::eventFilter(watched, event);
+}
+
+void ListPane::HoverOver(const QPoint &place)
+{
+    const QModelIndex index = grdFaxList->indexAt(place);
+    const bool isIcon = index.isValid() && index.column() == colIsReaded - 1;
+    const int row = isIcon ? index.row() + 1 : 0;
+    mailbox.List().SetHoveredRow(row > 0 && !mailbox.List().Row(row).bRead ? row : 0);
+}
+
+void ListPane::ClickCell(const QModelIndex &index)
+{
+    if (index.column() == colIsReaded - 1)
+        mailbox.Marks().ClickReadIcon(index.row() + 1);
 }

@@ -21,9 +21,14 @@ public:
     void SelectAll();
     void ReverseSelection();
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 signals:
     /// A double click or Return on a fax.
     void ViewRequested();
+    /// The right button, or the menu key, at a place on the screen.
+    void MenuRequested(const QPoint &place);
 
 private:
     void SetUpGrid();
@@ -33,6 +38,8 @@ private:
     void ShowHint();
     void FollowMailbox(int row);
     void TakeSelection();
+    void ClickCell(const QModelIndex &index);
+    void HoverOver(const QPoint &place);
 
     ShownMailbox &mailbox;
     FaxListModel *model;

@@ -1,0 +1,184 @@
+#include "mailbox/ReadMarks.h"
+
+#include "core/Globals.h"
+#include "core/Message.h"
+#include "core/RaisedError.h"
+#include "core/Utilities.h"
+#include "mailbox/ShownMailbox.h"
+
+#include <QSet>
+
+namespace {
+
+constexpr int lReceived = 0;
+constexpr int lSent = 1;
+
+void SetRead(const QString &table, const QString &value, const QString &condition)
+{
+    Global().objDB->Execute("Update " + table + " Set isReaded=" + value + " " + condition);
+}
+
+void SetRead(const QString &table, bool read, const QStringList &ids)
+{
+    if (!ids.isEmpty())
+        SetRead(table, read ? "1" : "0", "where Fax_ID in(" + QuoteIds(ids) + ")");
+}
+
+void QueueReceipt(const QString &id)
+{
+    Global().objDB->Execute("UPDATE ReceiveFax SET IsSendedReceipt='-1' Where Fax_ID='" + id + "'");
+    Global().objDB->Execute("INSERT INTO ReceiptQueue(Fax_ID,FaxType) VALUES('" + id + "','2')");
+}
+
+} // namespace
+
+bool MarkReceivedFaxRead(const QString &id)
+{
+    if (id.isEmpty())
+        return false;
+    bool hasReceipt = false;
+    {
+        const auto row = Global().objDB->SelectEx(
+            "SELECT IsReaded,IsSendedReceipt FROM ReceiveFax WHERE Fax_ID='" + id + "'");
+        if (!row->Next() || ReadsAsTrue(row->Text(0)))
+            return false;
+        hasReceipt = ReadsAsTrue(row->Text(1));
+    }
+    Global().objDB->Execute("UPDATE ReceiveFax SET IsReaded='1' WHERE Fax_ID='" + id + "'");
+    if (!hasReceipt)
+        QueueReceipt(id);
+    return true;
+}
+
+bool QueueReceipts(const QStringList &ids)
+{
+    bool needQueue = false;
+    try {
+        QStringList found;
+        const auto row = Global().objDB->SelectEx(
+            "Select Fax_ID,IsSendedReceipt FROM ReceiveFax WHERE Fax_ID in (" + QuoteIds(ids) + ")");
+        while (row->Next()) {
+            // Never cleared between rows: behind one fax that waits, all count as waiting.
+            needQueue = needQueue || (row->ColumnValue(1).isValid() && !ReadsAsTrue(row->Text(1)));
+            if (needQueue)
+                found.append(row->Text(0));
+        }
+        row->Close();
+        for (const QString &id : found)
+            QueueReceipt(id);
+    } catch (const RaisedError &) {
+        return false;
+    }
+    return needQueue;
+}
+
+ReadMarks::ReadMarks(ShownMailbox &shownMailbox, Message &messageBox)
+    : mailbox(shownMailbox)
+    , message(messageBox)
+{
+}
+
+void ReadMarks::Guard(const QString &routine, const std::function<void()> &run)
+{
+    try {
+        run();
+    } catch (const RaisedError &error) {
+        message.ShowMessage("error in " + routine + "\r\n" + error.Description(), mbExclamation);
+    }
+}
+
+QStringList ReadMarks::SelectedIds(int faxTable) const
+{
+    const QStringList &chosen = mailbox.SelectedFaxes();
+    const QSet<QString> wanted(chosen.begin(), chosen.end());
+    QStringList ids;
+    for (int row = 1; row <= mailbox.List().RowCount(); ++row) {
+        const FaxRow &fax = mailbox.List().Row(row);
+        if (fax.lFaxTable == faxTable && wanted.contains(fax.strID))
+            ids.append(fax.strID);
+    }
+    return ids;
+}
+
+void ReadMarks::mnuHadRead()
+{
+    Guard("mnuHadRead", [this] {
+        const QStringList received = SelectedIds(lReceived);
+        const QStringList sent = SelectedIds(lSent);
+        if (!received.isEmpty() && MarkReceivedAsked(received))
+            ShowMarks(received, true);
+        SetRead("SendFax", true, sent);
+        ShowMarks(sent, true);
+    });
+}
+
+bool ReadMarks::MarkReceivedAsked(const QStringList &ids)
+{
+    const QString question = tr("Are you sure want to mark these fax as read?");
+    if (message.ShowMessage(question, mbYesNo + mbQuestion) != mbAnswerYes)
+        return false;
+    SetRead("ReceiveFax", true, ids);
+    NotifyReceiptRead(ids);
+    return true;
+}
+
+void ReadMarks::mnuUnRead()
+{
+    Guard("mnuUnRead", [this] {
+        const QStringList received = SelectedIds(lReceived);
+        const QStringList sent = SelectedIds(lSent);
+        SetRead("ReceiveFax", false, received);
+        SetRead("SendFax", false, sent);
+        ShowMarks(received + sent, false);
+    });
+}
+
+void ReadMarks::ClickReadIcon(int row)
+{
+    const QString key = mailbox.SelectedFolder();
+    const FaxRow fax = mailbox.List().Row(row);
+    if ((key != "1001" && key != "1008") || fax.bRead || fax.lFaxTable != lReceived)
+        return;
+    const QString question = tr("Are you sure want to mark this fax as read?");
+    if (message.ShowMessage(question, mbYesNo + mbQuestion) != mbAnswerYes)
+        return;
+    Guard("MarkReceivedFaxRead", [&] {
+        if (MarkReceivedFaxRead(fax.strID))
+            emit ReceiptsQueued();
+        ShowMarks({fax.strID}, true);
+    });
+}
+
+void ReadMarks::OnMarkFaxTick()
+{
+    const QString key = mailbox.SelectedFolder();
+    const int row = mailbox.SelectedRow();
+    if (row == 0 || key == "1000" || key == "1001" || mailbox.SelectedFaxes().size() != 1)
+        return;
+    const FaxRow fax = mailbox.List().Row(row);
+    if (fax.bRead || (key == "1008" && fax.lFaxTable == lReceived))
+        return;
+    Guard("tmrMarkFax", [&] {
+        if (mailbox.GetFaxTable() == lReceived) {
+            SetRead("ReceiveFax", "1", "Where Fax_ID='" + fax.strID + "'");
+            NotifyReceiptRead({fax.strID});
+        } else {
+            SetRead("SendFax", "1", "Where Fax_ID='" + fax.strID + "'");
+        }
+        ShowMarks({fax.strID}, true);
+    });
+}
+
+void ReadMarks::NotifyReceiptRead(const QStringList &ids)
+{
+    if (QueueReceipts(ids))
+        emit ReceiptsQueued();
+}
+
+void ReadMarks::ShowMarks(const QStringList &ids, bool read)
+{
+    if (ids.isEmpty())
+        return;
+    mailbox.List().SetRead(ids, read);
+    mailbox.SetFolderTreeText(-1, nullptr);
+}
