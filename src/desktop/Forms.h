@@ -8,7 +8,8 @@ class Forms
 public:
     virtual ~Forms() = default;
 
-    /// Number of open windows, the main window included; a window counts while it is visible.
+    /// Number of open windows: the main window once it is loaded, also while it is hidden, and every other
+    /// one that is visible.
     virtual int Count() const = 0;
 
     /// Shows the login window for a login from the running main window, modal: its account, server and check

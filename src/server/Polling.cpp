@@ -69,5 +69,5 @@ void Polling::OpenFaxFile()
 
 bool Polling::IsMainWindowAlone() const
 {
-    return forms.Count() <= 1; // none while the main window is hidden
+    return forms.Count() == 1;
 }

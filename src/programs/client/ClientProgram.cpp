@@ -32,9 +32,7 @@ void ClientProgram::Close()
 {
     if (mainStage)
         mainStage->Close();
-    else if (loginWindow)
-        loginWindow->close();
-    else
+    else if (!loginWindow || !loginWindow->close()) // it stays while it asks about the profile
         pump.Quit();
 }
 
@@ -78,7 +76,9 @@ void ClientProgram::CloseLogin()
 int ClientProgram::Count() const
 {
     const QWidgetList windows = QApplication::topLevelWidgets();
-    return static_cast<int>(std::count_if(windows.begin(), windows.end(), [](const QWidget *window) {
+    return static_cast<int>(std::count_if(windows.begin(), windows.end(), [this](const QWidget *window) {
+        if (IsMainWindowLoaded() && window == &mainStage->Window())
+            return true; // in the tray, too
         return window->isVisible() &&
                (window->windowType() == Qt::Window || window->windowType() == Qt::Dialog);
     }));
