@@ -29,6 +29,13 @@ void RunWithBlob(sqlite3 *connection, const QString &sql, const QByteArray &data
     statement.Execute();
 }
 
+/// To make and remove the journal costs a disk more than the change itself. What is wrong with the file shows
+/// at its first use, not here.
+void KeepJournal(sqlite3 *connection)
+{
+    sqlite3_exec(connection, "Pragma journal_mode=Persist", nullptr, nullptr, nullptr);
+}
+
 struct CloseConnection
 {
     void operator()(sqlite3 *opened) const { sqlite3_close_v2(opened); }
@@ -84,6 +91,7 @@ long clsDBcon::OpenDB(const QString &path)
         return status;
     }
     sqlite3_busy_timeout(connection, lBusyMilliseconds);
+    KeepJournal(connection);
     bOpened = true;
     return status;
 }
