@@ -6,6 +6,9 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
+
+#include <unistd.h>
 
 namespace {
 
@@ -62,6 +65,12 @@ bool FileExists(const QString &path)
 bool FolderExists(const QString &path)
 {
     return !path.isEmpty() && QFileInfo(path).isDir();
+}
+
+bool FlushToDisk(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && (fsync(file.handle()) == 0 || errno == EINVAL);
 }
 
 bool DeleteFolder(const QString &path)

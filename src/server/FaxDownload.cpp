@@ -1,6 +1,7 @@
 #include "server/FaxDownload.h"
 
 #include "core/RaisedError.h"
+#include "core/Utilities.h"
 #include "core/ports/EventPump.h"
 #include "core/ports/Ports.h"
 #include "desktop/MainWindow.h"
@@ -249,7 +250,9 @@ void FaxDownload::StoreFax(const QStringList &fields)
         return;
     const NewFaxItem item = aFetchList.at(place);
     fetched = Fetched::Arrived;
-    if (QFileInfo(FaxStore::TargetFolder(item) + item.FaxID + ".tif").size() == 0)
+    const QString path = FaxStore::TargetFolder(item) + item.FaxID + ".tif";
+    // The row outlives a power failure, and the server forgets the fax: the file must be as safe.
+    if (QFileInfo(path).size() == 0 || !FlushToDisk(path))
         throw RaisedError(lFileNotFound, "FaxDownload", Tr("The file of the fax was not written."));
     FaxStore::Store(item, fields);
     fetched = Fetched::Stored;
