@@ -1,9 +1,10 @@
 #include "core/FaxImage.h"
 #include "fixtures/FaxFile.h"
+#include "fixtures/Profile.h"
 
+#include <QDataStream>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QtEndian>
 
@@ -30,21 +31,12 @@ struct HandMadeTiff
             tags.removeIf([&tag](const Tag &old) { return old.lTag == tag.lTag; });
             tags.append(tag);
         }
-        Put<quint16>(static_cast<quint16>(tags.size()));
-        for (const Tag &tag : tags) {
-            Put(tag.lTag);
-            Put(tag.lType);
-            Put(tag.lCount);
-            Put(tag.lValue);
-        }
-        Put<quint32>(last ? 0 : static_cast<quint32>(abBytes.size()) + 4);
-    }
-    template <typename Value>
-    void Put(Value value)
-    {
-        const qsizetype at = abBytes.size();
-        abBytes.resize(at + qsizetype(sizeof(Value)));
-        qToLittleEndian(value, abBytes.data() + at);
+        QDataStream out(&abBytes, QIODevice::Append);
+        out.setByteOrder(QDataStream::LittleEndian);
+        out << static_cast<quint16>(tags.size());
+        for (const Tag &tag : tags)
+            out << tag.lTag << tag.lType << tag.lCount << tag.lValue;
+        out << (last ? 0 : static_cast<quint32>(abBytes.size()) + 4);
     }
     void PointBackToTheFirst() { qToLittleEndian<quint32>(8, abBytes.data() + abBytes.size() - 4); }
 };
@@ -65,263 +57,182 @@ bool IsInk(const PageBits &page, int x, int y)
 
 } // namespace
 
+Q_DECLARE_METATYPE(FaxFile)
+
 class tst_FaxImage final : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void init();
+    void init()
+    {
+        folder = std::make_unique<QTemporaryDir>();
+        strFile = folder->filePath(QStringLiteral(u"f\u00e4x.tif"));
+    }
 
-    void pagesAreCountedAndToldApart_data();
-    void pagesAreCountedAndToldApart();
-    void sizeAndResolutionAreTheFilesOwn();
-    void fileWithoutResolutionSaysNone();
-    void pageTurnsCounterClockwise_data();
-    void pageTurnsCounterClockwise();
-    void sizeBytesInFrontAreSteppedOver();
-    void wrongSizeInFrontIsNoPrefix();
-    void grayAndColourPagesAreRead_data();
-    void grayAndColourPagesAreRead();
-    void pageOutsideTheFaxIsEmpty();
-    void lastOfManyPagesIsFound();
-    void hostileFileIsRefusedQuickly_data();
-    void hostileFileIsRefusedQuickly();
-    void tornFileIsReadSafely();
+    void pagesAreCountedAndToldApart_data()
+    {
+        QTest::addColumn<FaxFile>("fax");
+        QTest::newRow("group 4") << FaxFile{.lPages = 3};
+        QTest::newRow("group 3") << FaxFile{.lPages = 3, .bGroup3 = true};
+        QTest::newRow("black is 0") << FaxFile{.lPages = 3, .bMinIsBlack = true};
+        QTest::newRow("size bytes in front") << FaxFile{.lPages = 3, .bSizePrefix = true};
+    }
+
+    void pagesAreCountedAndToldApart()
+    {
+        QFETCH(FaxFile, fax);
+        QVERIFY(fax.Write(strFile));
+        QCOMPARE(FaxImage::HasSizePrefix(strFile), fax.bSizePrefix);
+        QCOMPARE(FaxImage::GetPageCount(strFile), 3);
+        QVERIFY(FaxImage::LoadPage(strFile, -1, 0).IsEmpty() && FaxImage::LoadPage(strFile, 3, 0).IsEmpty());
+        for (int number = 0; number < 3; ++number) {
+            const PageBits page = FaxImage::LoadPage(strFile, number, 0);
+            QCOMPARE(page.lBitsPerPixel, 1);
+            QCOMPARE(page.aPalette.size(), 2);
+            QVERIFY(IsInk(page, 16, 16) && IsInk(page, 79, 31));
+            QVERIFY(!IsInk(page, 15, 16) && !IsInk(page, 80, 31) && !IsInk(page, 16, 15));
+            for (int box = 0; box < 3; ++box)
+                QCOMPARE(IsInk(page, 96, 16 + 24 * box), box == number);
+        }
+    }
+
+    void turnedPageKeepsSizeResolutionAndInk()
+    {
+        const FaxFile fax{.lWidth = 1001, .lHeight = 333, .lDotsPerInchX = 204, .lDotsPerInchY = 196};
+        QVERIFY(fax.Write(strFile));
+        // Counter-clockwise, and where pixel (20, 16) of the box at the top left comes to lie.
+        const QList<std::pair<int, QPoint>> turns = {
+            {0, {20, 16}}, {90, {16, 980}}, {180, {980, 316}}, {-90, {316, 20}}, {450, {16, 980}}};
+        for (const auto &[rotation, ink] : turns) {
+            const PageBits page = FaxImage::LoadPage(strFile, 0, rotation);
+            const QSize size(page.lWidth, page.lHeight);
+            QCOMPARE(size, rotation % 180 == 0 ? QSize(1001, 333) : QSize(333, 1001));
+            QCOMPARE(QSize(page.lDotsPerInchX, page.lDotsPerInchY), QSize(204, 196));
+            QCOMPARE(page.lBitsPerPixel, 1);
+            QCOMPARE(page.abBits.size(), page.lBytesPerLine * page.lHeight);
+            QVERIFY(IsInk(page, ink.x(), ink.y()));
+            QVERIFY(!IsInk(page, page.lWidth - 1 - ink.x(), page.lHeight - 1 - ink.y()));
+        }
+        QVERIFY(FaxFile{.lDotsPerInchY = 0}.Write(strFile));
+        QCOMPARE(FaxImage::LoadPage(strFile, 0, 0).lDotsPerInchY, 0);
+    }
+
+    void grayAndColourPagesAreRead_data()
+    {
+        QTest::addColumn<int>("samples");
+        QTest::addColumn<int>("bits");
+        for (const auto &[samples, bits] : {std::pair(1, 4), {1, 8}, {1, 16}, {3, 8}, {3, 16}})
+            QTest::addRow("%d x %d bits", samples, bits) << samples << bits;
+    }
+
+    void grayAndColourPagesAreRead()
+    {
+        QFETCH(int, samples);
+        QFETCH(int, bits);
+        TIFF *tiff = TIFFOpen(QFile::encodeName(strFile).constData(), "w");
+        QVERIFY(tiff);
+        const std::pair<int, int> fields[] = {
+            {TIFFTAG_IMAGEWIDTH, 40},
+            {TIFFTAG_IMAGELENGTH, 2},
+            {TIFFTAG_SAMPLESPERPIXEL, samples},
+            {TIFFTAG_BITSPERSAMPLE, bits},
+            {TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG},
+            {TIFFTAG_PHOTOMETRIC, samples == 1 ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB}};
+        for (const auto &[tag, value] : fields)
+            TIFFSetField(tiff, tag, value);
+        QByteArray white(40 * samples * bits / 8, '\xff'), black(white.size(), '\0');
+        QCOMPARE(TIFFWriteScanline(tiff, white.data(), 0), 1);
+        QCOMPARE(TIFFWriteScanline(tiff, black.data(), 1), 1);
+        TIFFClose(tiff);
+
+        const PageBits page = FaxImage::LoadPage(strFile, 0, 0);
+        QCOMPARE(page.lBitsPerPixel, samples == 1 ? 8 : 32);
+        const auto colorAt = [&page](int row) {
+            const char *start = page.abBits.constData() + qsizetype(row) * page.lBytesPerLine;
+            return page.lBitsPerPixel == 32 ? qFromLittleEndian<quint32>(start)
+                                            : page.aPalette[uchar(*start)];
+        };
+        QCOMPARE(colorAt(0), 0xffffffffU);
+        QCOMPARE(colorAt(1), 0xff000000U);
+    }
+
+    void lastOfManyPagesIsFoundQuickly()
+    {
+        QVERIFY(WriteTestFile(strFile, ManyPages(5000)));
+        QElapsedTimer time;
+        time.start();
+        QCOMPARE(FaxImage::GetPageCount(strFile), 5000);
+        QCOMPARE(FaxImage::LoadPage(strFile, 4999, 0).lWidth, 32);
+        QVERIFY(time.elapsed() < 4000);
+    }
+
+    void hostileFileIsRefusedQuickly_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        HandMadeTiff wide, high, deep, odd, loop, nested, beyond, crowded;
+        wide.AddPage(10001, 10, true);
+        high.AddPage(10, 50001, true);
+        deep.AddPage(10000, 50000, true, {{258, 3, 1, 8}});
+        odd.AddPage(32, 1, true, {{277, 3, 1, 5}});
+        loop.AddPage(32, 1, false);
+        loop.AddPage(32, 1, false);
+        loop.PointBackToTheFirst();
+        nested.AddPage(32, 1, true, {{330, 4, 1, 8}});
+        beyond.AddPage(32, 1, false);
+        crowded.abBytes += QByteArray(2000000, '\xff');
+        QTest::newRow("empty") << QByteArray();
+        QTest::newRow("header only") << QByteArray("II*\0\0\0\0\0", 8);
+        QTest::newRow("garbage") << QByteArray(100000, 'x');
+        QTest::newRow("garbage behind the header") << crowded.abBytes;
+        QTest::newRow("wrong size in front") << FaxFile{.bSizePrefix = true}.Bytes() + 'x';
+        QTest::newRow("too wide") << wide.abBytes;
+        QTest::newRow("too high") << high.abBytes;
+        QTest::newRow("too many bytes") << deep.abBytes;
+        QTest::newRow("odd pixels") << odd.abBytes;
+        QTest::newRow("table in a circle") << loop.abBytes;
+        QTest::newRow("next page beyond the end") << beyond.abBytes;
+        QTest::newRow("picture within the page") << nested.abBytes;
+        QTest::newRow("20,000 pages") << ManyPages(20000);
+    }
+
+    void hostileFileIsRefusedQuickly()
+    {
+        QFETCH(QByteArray, bytes);
+        QVERIFY(WriteTestFile(strFile, bytes));
+        QElapsedTimer time;
+        time.start();
+        QVERIFY(!FaxImage::HasSizePrefix(strFile));
+        QCOMPARE(FaxImage::GetPageCount(strFile), 0);
+        QVERIFY(FaxImage::LoadPage(strFile, 0, 0).IsEmpty());
+        QVERIFY(time.elapsed() < 4000);
+    }
+
+    void tornFileIsReadSafely()
+    {
+        QCOMPARE(FaxImage::GetPageCount(folder->path()), 0);
+        constexpr qsizetype resolutionBytes = 16;
+        const QByteArray whole = FaxFile{.lPages = 2, .lHeight = 200}.Bytes();
+        QVERIFY(whole.size() > 100);
+        for (qsizetype size = 0; size < whole.size(); ++size) {
+            QVERIFY(WriteTestFile(strFile, whole.left(size)));
+            // Only what tells nothing about the pixels may be missing.
+            const int pages = FaxImage::GetPageCount(strFile);
+            QVERIFY(pages == 0 || (pages == 2 && whole.size() - size <= resolutionBytes));
+            QCOMPARE(FaxImage::LoadPage(strFile, 0, 90).IsEmpty(), pages == 0);
+        }
+        for (qsizetype at = 8; at < whole.size(); ++at) {
+            QByteArray torn = whole;
+            torn[at] = static_cast<char>(~torn[at]);
+            QVERIFY(WriteTestFile(strFile, torn));
+            FaxImage::LoadPage(strFile, 1, 0); // anything but a crash
+        }
+    }
 
 private:
-    void Put(const QByteArray &bytes) const;
-
     std::unique_ptr<QTemporaryDir> folder;
     QString strFile;
 };
-
-void tst_FaxImage::init()
-{
-    folder = std::make_unique<QTemporaryDir>();
-    strFile = folder->filePath(QStringLiteral(u"f\u00e4x.tif"));
-}
-
-void tst_FaxImage::Put(const QByteArray &bytes) const
-{
-    QFile file(strFile);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
-void tst_FaxImage::pagesAreCountedAndToldApart_data()
-{
-    QTest::addColumn<bool>("group3");
-    QTest::addColumn<bool>("minIsBlack");
-    QTest::newRow("group 4") << false << false;
-    QTest::newRow("group 3") << true << false;
-    QTest::newRow("black is 0") << false << true;
-}
-
-void tst_FaxImage::pagesAreCountedAndToldApart()
-{
-    QFETCH(bool, group3);
-    QFETCH(bool, minIsBlack);
-    const FaxFile fax{.lPages = 3, .bGroup3 = group3, .bMinIsBlack = minIsBlack};
-    QVERIFY(fax.Write(strFile));
-    QCOMPARE(FaxImage::GetPageCount(strFile), 3);
-    for (int number = 0; number < 3; ++number) {
-        const PageBits page = FaxImage::LoadPage(strFile, number, 0);
-        QCOMPARE(page.lBitsPerPixel, 1);
-        QCOMPARE(page.aPalette.size(), 2);
-        QVERIFY(IsInk(page, 16, 16) && IsInk(page, 79, 31));
-        QVERIFY(!IsInk(page, 15, 16) && !IsInk(page, 80, 31) && !IsInk(page, 16, 15));
-        for (int box = 0; box < 3; ++box)
-            QCOMPARE(IsInk(page, 96, 16 + 24 * box), box == number);
-    }
-}
-
-void tst_FaxImage::sizeAndResolutionAreTheFilesOwn()
-{
-    QVERIFY(
-        (FaxFile{.lWidth = 1001, .lHeight = 333, .lDotsPerInchX = 204, .lDotsPerInchY = 196}.Write(strFile)));
-    const PageBits page = FaxImage::LoadPage(strFile, 0, 0);
-    QCOMPARE(page.lWidth, 1001);
-    QCOMPARE(page.lHeight, 333);
-    QCOMPARE(page.lDotsPerInchX, 204);
-    QCOMPARE(page.lDotsPerInchY, 196);
-    QCOMPARE(page.lBytesPerLine, 128);
-    QCOMPARE(page.abBits.size(), 128 * 333);
-}
-
-void tst_FaxImage::fileWithoutResolutionSaysNone()
-{
-    QVERIFY(FaxFile{.lDotsPerInchY = 0}.Write(strFile));
-    QCOMPARE(FaxImage::LoadPage(strFile, 0, 0).lDotsPerInchY, 0);
-}
-
-void tst_FaxImage::pageTurnsCounterClockwise_data()
-{
-    QTest::addColumn<int>("rotation");
-    QTest::addColumn<int>("width");
-    QTest::addColumn<int>("x");
-    QTest::addColumn<int>("y");
-    // Where the inner corner of the box at the top left, pixel (20, 16), comes to lie.
-    QTest::newRow("none") << 0 << 1728 << 20 << 16;
-    QTest::newRow("left") << 90 << 1146 << 16 << 1727 - 20;
-    QTest::newRow("head down") << 180 << 1728 << 1727 - 20 << 1145 - 16;
-    QTest::newRow("right") << -90 << 1146 << 1145 - 16 << 20;
-    QTest::newRow("running sum") << 450 << 1146 << 16 << 1727 - 20;
-}
-
-void tst_FaxImage::pageTurnsCounterClockwise()
-{
-    QFETCH(int, rotation);
-    QFETCH(int, x);
-    QFETCH(int, y);
-    QVERIFY(FaxFile().Write(strFile));
-    const PageBits page = FaxImage::LoadPage(strFile, 0, rotation);
-    QTEST(page.lWidth, "width");
-    QCOMPARE(page.lWidth + page.lHeight, 1728 + 1146);
-    QCOMPARE(page.lBitsPerPixel, 1);
-    QCOMPARE(page.lDotsPerInchY, 98);
-    QVERIFY(IsInk(page, x, y));
-    QVERIFY(!IsInk(page, page.lWidth - 1 - x, page.lHeight - 1 - y));
-}
-
-void tst_FaxImage::sizeBytesInFrontAreSteppedOver()
-{
-    const FaxFile plain{.lPages = 2};
-    QVERIFY(plain.Write(strFile));
-    QVERIFY(!FaxImage::HasSizePrefix(strFile));
-    const PageBits expected = FaxImage::LoadPage(strFile, 1, 0);
-    QVERIFY((FaxFile{.lPages = 2, .bSizePrefix = true}.Write(strFile)));
-    QVERIFY(FaxImage::HasSizePrefix(strFile));
-    QCOMPARE(FaxImage::GetPageCount(strFile), 2);
-    QCOMPARE(FaxImage::LoadPage(strFile, 1, 0).abBits, expected.abBits);
-}
-
-void tst_FaxImage::wrongSizeInFrontIsNoPrefix()
-{
-    QByteArray bytes = FaxFile{.bSizePrefix = true}.Bytes();
-    Put(bytes + 'x');
-    QVERIFY(!FaxImage::HasSizePrefix(strFile));
-    QCOMPARE(FaxImage::GetPageCount(strFile), 0);
-}
-
-void tst_FaxImage::grayAndColourPagesAreRead_data()
-{
-    QTest::addColumn<quint16>("samples");
-    QTest::addColumn<quint16>("bits");
-    QTest::addColumn<int>("bitsPerPixel");
-    QTest::newRow("4 bit gray") << quint16(1) << quint16(4) << 8;
-    QTest::newRow("8 bit gray") << quint16(1) << quint16(8) << 8;
-    QTest::newRow("16 bit gray") << quint16(1) << quint16(16) << 8;
-    QTest::newRow("colour") << quint16(3) << quint16(8) << 32;
-    QTest::newRow("deep colour") << quint16(3) << quint16(16) << 32;
-}
-
-void tst_FaxImage::grayAndColourPagesAreRead()
-{
-    QFETCH(quint16, samples);
-    QFETCH(quint16, bits);
-    TIFF *tiff = TIFFOpen(QFile::encodeName(strFile).constData(), "w");
-    QVERIFY(tiff);
-    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 40);
-    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 2);
-    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, samples);
-    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, bits);
-    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, samples == 1 ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB);
-    QByteArray white(40 * samples * bits / 8, '\xff'), black(white.size(), '\0');
-    QCOMPARE(TIFFWriteScanline(tiff, white.data(), 0), 1);
-    QCOMPARE(TIFFWriteScanline(tiff, black.data(), 1), 1);
-    TIFFClose(tiff);
-
-    const PageBits page = FaxImage::LoadPage(strFile, 0, 0);
-    QTEST(page.lBitsPerPixel, "bitsPerPixel");
-    const auto colorAt = [&page](int row) {
-        const char *start = page.abBits.constData() + qsizetype(row) * page.lBytesPerLine;
-        return page.lBitsPerPixel == 32 ? qFromLittleEndian<quint32>(start) : page.aPalette[uchar(*start)];
-    };
-    QCOMPARE(colorAt(0), 0xffffffffU);
-    QCOMPARE(colorAt(1), 0xff000000U);
-}
-
-void tst_FaxImage::pageOutsideTheFaxIsEmpty()
-{
-    QVERIFY(FaxFile{.lPages = 2}.Write(strFile));
-    QVERIFY(FaxImage::LoadPage(strFile, -1, 0).IsEmpty());
-    QVERIFY(FaxImage::LoadPage(strFile, 2, 0).IsEmpty());
-    QVERIFY(!FaxImage::LoadPage(strFile, 1, 0).IsEmpty());
-}
-
-void tst_FaxImage::lastOfManyPagesIsFound()
-{
-    Put(ManyPages(5000));
-    QElapsedTimer time;
-    time.start();
-    QCOMPARE(FaxImage::GetPageCount(strFile), 5000);
-    QCOMPARE(FaxImage::LoadPage(strFile, 4999, 0).lWidth, 32);
-    QVERIFY(time.elapsed() < 4000);
-}
-
-void tst_FaxImage::hostileFileIsRefusedQuickly_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    HandMadeTiff wide, high, deep, odd, loop, nested, beyond, crowded;
-    wide.AddPage(10001, 10, true);
-    high.AddPage(10, 50001, true);
-    deep.AddPage(10000, 50000, true, {{258, 3, 1, 8}});
-    odd.AddPage(32, 1, true, {{277, 3, 1, 5}});
-    loop.AddPage(32, 1, false);
-    loop.AddPage(32, 1, false);
-    loop.PointBackToTheFirst();
-    nested.AddPage(32, 1, true, {{330, 4, 1, 8}});
-    beyond.AddPage(32, 1, false);
-    crowded.abBytes += QByteArray(2000000, '\xff');
-    QTest::newRow("empty") << QByteArray();
-    QTest::newRow("one byte") << QByteArray("I");
-    QTest::newRow("header only") << QByteArray("II*\0\0\0\0\0", 8);
-    QTest::newRow("garbage") << QByteArray(100000, 'x');
-    QTest::newRow("garbage behind the header") << crowded.abBytes;
-    QTest::newRow("other picture") << QByteArray("\x89PNG\r\n\x1a\n") + QByteArray(100, '\0');
-    QTest::newRow("too wide") << wide.abBytes;
-    QTest::newRow("too high") << high.abBytes;
-    QTest::newRow("too many bytes") << deep.abBytes;
-    QTest::newRow("odd pixels") << odd.abBytes;
-    QTest::newRow("table in a circle") << loop.abBytes;
-    QTest::newRow("next page beyond the end") << beyond.abBytes;
-    QTest::newRow("picture within the page") << nested.abBytes;
-    QTest::newRow("20,000 pages") << ManyPages(20000);
-}
-
-void tst_FaxImage::hostileFileIsRefusedQuickly()
-{
-    QFETCH(QByteArray, bytes);
-    Put(bytes);
-    QElapsedTimer time;
-    time.start();
-    QCOMPARE(FaxImage::GetPageCount(strFile), 0);
-    QVERIFY(FaxImage::LoadPage(strFile, 0, 0).IsEmpty());
-    QVERIFY(time.elapsed() < 4000);
-}
-
-void tst_FaxImage::tornFileIsReadSafely()
-{
-    QCOMPARE(FaxImage::GetPageCount(folder->path()), 0);
-    QCOMPARE(FaxImage::GetPageCount(folder->filePath("none.tif")), 0);
-    constexpr qsizetype resolutionBytes = 16;
-    const QByteArray whole = FaxFile{.lPages = 2, .lHeight = 200}.Bytes();
-    QVERIFY(whole.size() > 100);
-    for (qsizetype size = 0; size < whole.size(); ++size) {
-        Put(whole.left(size));
-        // Only what tells nothing about the pixels may be missing.
-        const int pages = FaxImage::GetPageCount(strFile);
-        QVERIFY(pages == 0 || (pages == 2 && whole.size() - size <= resolutionBytes));
-        QCOMPARE(FaxImage::LoadPage(strFile, 0, 90).IsEmpty(), pages == 0);
-    }
-    for (qsizetype at = 8; at < whole.size(); ++at) {
-        QByteArray torn = whole;
-        torn[at] = static_cast<char>(~torn[at]);
-        Put(torn);
-        FaxImage::LoadPage(strFile, 1, 0); // anything but a crash
-    }
-}
 
 QTEST_GUILESS_MAIN(tst_FaxImage)
 #include "tst_FaxImage.moc"
