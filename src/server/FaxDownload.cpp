@@ -27,6 +27,11 @@ QString Tr(const char *text)
 {
     return QCoreApplication::translate("FaxDownload", text);
 }
+
+QString ErrorText(const RaisedError &error)
+{
+    return Tr("Failed to receive faxes.") + '\n' + error.Description();
+}
 } // namespace
 
 FaxDownload::FaxDownload(const Ports &ports, const DownloadRooms &rooms)
@@ -59,7 +64,7 @@ void FaxDownload::ReceiveFaxes(bool silent, bool history, bool keepProgressRows,
     try {
         RunDownload({silent, history, keepProgressRows, checkStateAfter});
     } catch (const RaisedError &error) {
-        strError = Tr("Failed to receive faxes.") + '\n' + error.Description();
+        strError = ErrorText(error);
         ShowClose();
         rooms.progress.StopAnimation();
         rooms.session.SetIdleState(true);
@@ -70,6 +75,7 @@ void FaxDownload::ReceiveFaxes(bool silent, bool history, bool keepProgressRows,
 void FaxDownload::RunDownload(const Run &run)
 {
     Session &session = rooms.session;
+    session.bUserAbort = false; // closing the window of an earlier run sets it too
     ShowProgress(run);
     if (!session.IsConnected())
         session.ConnectToServer();
@@ -84,7 +90,7 @@ void FaxDownload::RunDownload(const Run &run)
         return;
     }
     const WaitEnd end = RequestList(run);
-    if (aFetchList.isEmpty()) {
+    if (aFetchList.isEmpty() || session.bUserAbort) {
         EndEmpty(run, end);
         return;
     }
@@ -127,21 +133,32 @@ void FaxDownload::FetchAll()
 {
     Session &session = rooms.session;
     rooms.progress.SetButton("Cancel", Tr("&Cancel"));
-    session.bUserAbort = false;
     session.bSendTimedOut = false;
     session.TotalPercent = 0;
     ReceivedFileList.clear();
-    bListComplete = true;
+    bFaxMissed = false;
     rooms.progress.SetTotal(static_cast<int>(aFetchList.size()));
     rooms.notifier.SetTrayTip(Tr("Receiving Fax..."));
     const auto tip = qScopeGuard([this] {
         rooms.notifier.SetTrayTip(Tr("Velmar Clinet")); // the tip's own spelling
     });
+    try {
+        bListComplete = FetchEach();
+    } catch (const RaisedError &error) {
+        // The faxes that came before it are shown and announced all the same.
+        bListComplete = false;
+        strError = ErrorText(error);
+    }
+}
+
+bool FaxDownload::FetchEach()
+{
     for (int i = 0; i < aFetchList.size(); ++i) {
         const bool goesOn = FetchOne(aFetchList.at(i), i + 1);
-        if (!goesOn || session.bUserAbort)
-            break;
+        if (!goesOn || rooms.session.bUserAbort)
+            return false;
     }
+    return !bFaxMissed;
 }
 
 bool FaxDownload::FetchOne(const NewFaxItem &item, int index)
@@ -194,7 +211,7 @@ QString FaxDownload::FailureText() const
 
 void FaxDownload::MarkMissed(int index)
 {
-    bListComplete = false;
+    bFaxMissed = true;
     if (rooms.session.bUserAbort)
         rooms.progress.ChangePos2(5, index, 100);
     else if (!rooms.session.IsConnected())

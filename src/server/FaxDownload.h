@@ -66,6 +66,7 @@ private:
     void EndFailed(const Run &run);
     void EndEmpty(const Run &run, WaitEnd end);
     void FetchAll();
+    bool FetchEach();
     bool FetchOne(const NewFaxItem &item, int index);
     void AwaitFax(int index);
     void MarkMissed(int index);
@@ -92,6 +93,7 @@ private:
     QStringList ReceivedFileList; ///< names in the inbox folder, for notifier and printing
     QString strError;             ///< the first error of the run, for the user; empty for none
     Fetched fetched = Fetched::NotYet;
-    bool bListComplete = true; ///< no fax was missed for a reason of this side
+    bool bFaxMissed = false;   ///< a fax was not stored for a reason of this side
+    bool bListComplete = true; ///< every fax of the list was seen to, and none missed
     bool bErrorShown = false;  ///< the user knows already that faxes cannot be stored
 };

@@ -40,14 +40,16 @@ void FaxDownload::EndFailed(const Run &run)
 
 void FaxDownload::EndEmpty(const Run &run, WaitEnd end)
 {
+    const bool aborted = rooms.session.bUserAbort;
     if (run.bSilent) {
         rooms.progress.SetText(Tr("Sending && Receiving Fax..."));
-        CheckStates(true);
+        if (!aborted)
+            CheckStates(true);
         rooms.progress.Unload();
         rooms.session.SetIdleState(true);
         return;
     }
-    const bool answered = end == WaitEnd::Replied || end == WaitEnd::Refused;
+    const bool answered = !aborted && (end == WaitEnd::Replied || end == WaitEnd::Refused);
     if (!answered) // "No new fax..." would be a guess
         rooms.progress.SetText(LossText());
     else

@@ -1,5 +1,7 @@
 #include "server/RunScope.h"
 
+#include "core/ports/EventPump.h"
+#include "core/ports/Ports.h"
 #include "desktop/MainWindow.h"
 #include "server/Session.h"
 
@@ -7,7 +9,7 @@
 
 RunScope::RunScope(Session &session)
     : session(session)
-    , bOwned(!session.bIsSocketBusy || session.bRunPermitted)
+    , bOwned((!session.bIsSocketBusy || session.bRunPermitted) && !session.ports.pump.IsQuitting())
     , bWasBusy(session.bIsSocketBusy)
 {
     session.bRunPermitted = false;

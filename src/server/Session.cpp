@@ -44,6 +44,7 @@ void Session::SetClient(std::shared_ptr<clsClient> client)
     bOutOfStep = false;
     bReplyRefused = false;
     bUserLogout = false;
+    lIdleTicks = 0; // what the old connection left over must not log the new one off
     if (!sockClient)
         return;
     connect(sockClient.get(), &clsClient::DataArrival, this, &Session::sockClient_DataArrival);
@@ -59,7 +60,6 @@ bool Session::IsConnected() const
 
 bool Session::ConnectToServer()
 {
-    bConnectRefused = false;
     bUserAbort = false;
     lIdleTicks = 0;
     return EnsureConnected();
@@ -77,6 +77,8 @@ bool Session::EnsureConnected()
 bool Session::Reconnect()
 {
     bConnecting = true;
+    bConnectRefused = false;
+    lIdleTicks = 0;
     const auto finish = qScopeGuard([this, pending = lPendingCommand] {
         lPendingCommand = pending;
         bConnecting = false;
@@ -138,6 +140,8 @@ void Session::LogOut()
 WaitEnd Session::WaitForServerReply()
 {
     strHandlerError.clear();
+    // A box that an outer handler shows is no reason to let this wait go on for ever.
+    const auto leave = qScopeGuard([this, outer = std::exchange(lHandlers, 0)] { lHandlers = outer; });
     const auto isAlive = [this, connection = lConnection] {
         return connection == lConnection && sockClient &&
                sockClient->State() >= Socket::sckConnectionPending &&

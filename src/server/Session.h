@@ -114,7 +114,7 @@ private:
     std::function<void(int)> showUpload;
     QString strHandlerError;
     int lConnection = 0; ///< number of the connection; a wait belongs to one
-    int lHandlers = 0;   ///< reply handlers now running
+    int lHandlers = 0;   ///< reply handlers that the newest wait runs
     bool bConnecting = false;
     bool bOutOfStep = false;
     bool bReplyRefused = false; ///< the last reply was a failure: a transfer may be left half set

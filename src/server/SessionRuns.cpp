@@ -4,6 +4,7 @@
 #include "core/Message.h"
 #include "core/RaisedError.h"
 #include "core/Utilities.h"
+#include "core/ports/EventPump.h"
 #include "core/ports/Ports.h"
 #include "core/ports/Timer.h"
 #include "desktop/Forms.h"
@@ -74,6 +75,8 @@ bool SessionRuns::SyncOrUnload()
 void SessionRuns::OpenFaxFile()
 {
     const QString path = Global().strFaxFileToOpen;
+    if (ports.pump.IsQuitting()) // closed while it was busy above
+        return;
     if (!path.isEmpty() && FileExists(path))
         rooms.forms.OpenComposer(path);
 }
@@ -183,6 +186,8 @@ void SessionRuns::LogOffAtClose()
         session.CancelTransfer(); // ends the run that is under way
         return;
     }
+    const RunScope scope(session);
+    session.SetIdleState(false); // no click and no tick begins anything in these seconds
     session.SetTimeLeft(lLogOffTime);
     if (session.ConnectToServer()) {
         session.LogOut();
@@ -206,7 +211,8 @@ bool SessionRuns::ChangePassword(const QString &oldPassword, const QString &newP
     if (answered) {
         session.BeginCommand(pndChangePassword)
             .ChangePassword(Global().strUserName, oldPassword, newPassword);
-        answered = session.WaitForServerReply() == WaitEnd::Replied;
+        const WaitEnd end = session.WaitForServerReply();
+        answered = end == WaitEnd::Replied || session.bPwdChanged; // the box may outlast the connection
     }
     if (!answered) {
         // Closed, so that nobody takes the silence for a refusal.

@@ -8,6 +8,10 @@
 
 #include <optional>
 
+using Script = std::function<void()>;
+Q_DECLARE_METATYPE(Script)
+Q_DECLARE_METATYPE(WaitEnd)
+
 /// No wait may hang, and no reply may answer a command that it was not meant for. Without the rule under
 /// test each of these either outlives the script (`IsStuck`) or pairs a reply wrongly.
 class tst_waits : public QObject
@@ -15,31 +19,24 @@ class tst_waits : public QObject
     Q_OBJECT
 
 private slots:
-    void init() { bench.emplace(); }
+    void init();
     void cleanup()
     {
         QVERIFY(!bench->ports.pump.IsStuck());
         bench.reset();
     }
 
-    void silenceEndsASingleCommandAfterSixTicks();
-    void signOfLifeStartsTheCountAnew();
-    void watchdogLeavesTheBusyFlagToTheRun();
-    void watchdogLeavesAnOpenMessageBoxAlone();
+    void everyWaitEnds_data();
+    void everyWaitEnds();
+    void nestedWaits();
+    void boxInAHandlerStopsTheWatchdogOfItsOwnWaitOnly();
     void headerAnswerHasItsOwnLimit();
+    void lateReplyNeverAnswersTheNextCommand_data();
     void lateReplyNeverAnswersTheNextCommand();
-    void goodbyeWithoutAWaitNeverAnswersTheNextCommand();
-    void waitWithoutAConnectionEndsAtOnce();
-    void closedConnectionEndsEveryNestedWait();
-    void remadeConnectionEndsTheWaitsOfTheOldOne();
-    void quittingProgramEndsTheWait();
-    void signalWakesTheNewestWaitOnly();
-    void failedHandlerEndsTheWait();
     void refusedFaxDoesNotTurnTheNextReplyIntoAFile();
     void overrunReplyPutsTheConnectionOutOfStep();
     void limitHoldsForAllWaitsTogether();
-    void runCalledByTheOwnerPasses();
-    void runLeftByAnErrorPutsTheWindowBack();
+    void runsOwnTheConnection();
 
 private:
     Session &session() { return bench->session; }
@@ -52,40 +49,95 @@ private:
     qint64 Now() const { return bench->ports.clock.lMilliseconds; }
 
     std::optional<SessionBench> bench;
+    QStringList aAnswers; ///< to `GetContactVersion`
 };
 
-void tst_waits::silenceEndsASingleCommandAfterSixTicks()
+void tst_waits::init()
 {
-    QCOMPARE(AskVersions(), WaitEnd::Silent);
-    QCOMPARE(Now(), 6000);
-    // Whoever reads the state now still finds a connection: the run goes on.
-    QVERIFY(session().IsConnected());
+    bench.emplace();
+    aAnswers.clear();
+    session().SetHandler(pndVersions, [this](const ClientReply &reply) {
+        aAnswers.append(QString::fromLatin1(reply.abData));
+        if (reply.abData != "part")
+            session().SignalServerReply();
+    });
 }
 
-void tst_waits::signOfLifeStartsTheCountAnew()
+void tst_waits::everyWaitEnds_data()
 {
-    session().SetHandler(pndVersions, [](const ClientReply &) {});
-    bench->Silence(4000).SayShort("part").Silence(4000).SayShort("part");
-    QCOMPARE(AskVersions(), WaitEnd::Silent);
-    QVERIFY2(Now() > 13000, qPrintable(QString::number(Now())));
+    QTest::addColumn<Script>("script");
+    QTest::addColumn<WaitEnd>("end");
+    QTest::addColumn<int>("milliseconds");
+    QTest::newRow("reply") << Script([this] { bench->SayShort("OK"); }) << WaitEnd::Replied << 10;
+    QTest::newRow("silence") << Script([] {}) << WaitEnd::Silent << 6000;
+    QTest::newRow("silence after a sign of life")
+        << Script([this] { bench->Silence(4000).SayShort("part"); }) << WaitEnd::Silent << 10000;
+    QTest::newRow("no connection") << Script([this] { session().CancelTransfer(); }) << WaitEnd::Closed << 0;
+    QTest::newRow("connection closes") << Script([this] { bench->Close(); }) << WaitEnd::Closed << 10;
+    QTest::newRow("program quits") << Script([this] { bench->Then([this] { bench->ports.pump.Quit(); }); })
+                                   << WaitEnd::Quitting << 10;
+    const auto fail = [](const ClientReply &) { Profile::Execute("Insert Into Nowhere"); };
+    QTest::newRow("handler fails") << Script([this, fail] {
+        session().SetHandler(pndVersions, fail), bench->SayShort("OK");
+    }) << WaitEnd::Failed << 10;
+    QTest::newRow("no handler") << Script([this] {
+        for (const int pending : {0, 3, 4, 20})
+            bench->Then([this, pending] { session().lPendingCommand = pending; }).SayShort("Welcome\r\n");
+    }) << WaitEnd::Silent << 6000;
 }
 
-void tst_waits::watchdogLeavesTheBusyFlagToTheRun()
+void tst_waits::everyWaitEnds()
 {
+    QFETCH(Script, script);
+    QFETCH(int, milliseconds);
     RunScope run(session());
-    QCOMPARE(AskVersions(), WaitEnd::Silent);
-    QVERIFY(session().bIsSocketBusy);
+    script();
+    const WaitEnd end = AskVersions();
+    QTEST(end, "end");
+    QCOMPARE(Now(), milliseconds);
+    QVERIFY(session().bIsSocketBusy); // the run's own end clears it
+    // Whoever reads the state now still finds a connection: the run goes on.
+    QVERIFY(session().IsConnected() || end == WaitEnd::Closed);
+    QCOMPARE(session().IsOutOfStep(), end == WaitEnd::Silent);
+    QCOMPARE(session().HandlerError().isEmpty(), end != WaitEnd::Failed);
 }
 
-void tst_waits::watchdogLeavesAnOpenMessageBoxAlone()
+void tst_waits::nestedWaits()
+{
+    // A signal wakes the newest only.
+    QStringList order;
+    bench->Then([&] {
+        session().WaitForServerReply();
+        order.append("inner");
+    });
+    bench->Then([&] { session().SignalServerReply(); }).Silence(100).Then([&] {
+        order.append("second signal");
+        session().SignalServerReply();
+    });
+    QCOMPARE(AskVersions(), WaitEnd::Replied);
+    QCOMPARE(order, QStringList({"inner", "second signal"}));
+    // A connection that is made anew ends the waits of the old one, a closed one ends all.
+    bench->Then([this] {
+        session().MarkOutOfStep();
+        session().ConnectToServer();
+    });
+    bench->AcceptConnection();
+    QCOMPARE(AskVersions(), WaitEnd::Closed);
+    QVERIFY(session().IsConnected());
+    bench->Then([this] { QCOMPARE(session().WaitForServerReply(), WaitEnd::Closed); }).Close();
+    QCOMPARE(AskVersions(), WaitEnd::Closed);
+    QVERIFY(Now() < 1000);
+}
+
+void tst_waits::boxInAHandlerStopsTheWatchdogOfItsOwnWaitOnly()
 {
     session().SetHandler(pndVersions, [this](const ClientReply &) {
         bench->LetPass(60); // the user reads a box
+        QCOMPARE(session().WaitForServerReply(), WaitEnd::Silent);
         session().SignalServerReply();
     });
     bench->SayShort("OK");
     QCOMPARE(AskVersions(), WaitEnd::Replied);
-    QVERIFY(!session().IsOutOfStep());
 }
 
 void tst_waits::headerAnswerHasItsOwnLimit()
@@ -100,91 +152,26 @@ void tst_waits::headerAnswerHasItsOwnLimit()
     QVERIFY(!session().IsConnected());
 }
 
+void tst_waits::lateReplyNeverAnswersTheNextCommand_data()
+{
+    QTest::addColumn<Script>("before");
+    QTest::newRow("after a silence") << Script([this] { QCOMPARE(AskVersions(), WaitEnd::Silent); });
+    QTest::newRow("after a good-bye without a wait") << Script([this] { session().LogOut(); });
+}
+
 void tst_waits::lateReplyNeverAnswersTheNextCommand()
 {
-    QStringList answers;
-    session().SetHandler(pndVersions, [&](const ClientReply &reply) {
-        answers.append(QString::fromLatin1(reply.abData));
-        session().SignalServerReply();
-    });
-    QCOMPARE(AskVersions(), WaitEnd::Silent);
-    QCOMPARE(bench->Socket().lConnects, 0);
+    QFETCH(Script, before);
+    before();
+    bench->Hear(); // the server's answer is late
+    bench->ForgetHeard();
+    session().bConnectRefused = true; // from an earlier attempt
     bench->AcceptConnection().SayShort("new");
     QCOMPARE(AskVersions(), WaitEnd::Replied);
-    QCOMPARE(answers, QStringList("new"));
+    QCOMPARE(aAnswers, QStringList("new"));
+    QCOMPARE(bench->Heard(), QStringList({"1 anna " + Global().strPwdDigest, "3"}));
     QCOMPARE(bench->Socket().lConnects, 1);
-    QCOMPARE(bench->Heard(), QStringList({"3", "1 anna " + Global().strPwdDigest, "3"}));
-    QVERIFY(bench->ports.prompts.aBoxes.isEmpty());
-}
-
-void tst_waits::goodbyeWithoutAWaitNeverAnswersTheNextCommand()
-{
-    session().LogOut();
-    bench->AcceptConnection();
-    QVERIFY(session().ConnectToServer());
-    QCOMPARE(bench->Socket().lConnects, 1);
-    QVERIFY(!session().bUserLogout);
-}
-
-void tst_waits::waitWithoutAConnectionEndsAtOnce()
-{
-    session().CancelTransfer();
-    QCOMPARE(session().WaitForServerReply(), WaitEnd::Closed);
-    QCOMPARE(Now(), 0);
-}
-
-void tst_waits::closedConnectionEndsEveryNestedWait()
-{
-    WaitEnd inner = WaitEnd::Replied;
-    bench->Then([&] { inner = session().WaitForServerReply(); }).Close();
-    QCOMPARE(AskVersions(), WaitEnd::Closed);
-    QCOMPARE(inner, WaitEnd::Closed);
-    QVERIFY(Now() < 100);
-}
-
-void tst_waits::remadeConnectionEndsTheWaitsOfTheOldOne()
-{
-    bench->Then([this] {
-        session().MarkOutOfStep();
-        session().ConnectToServer();
-    });
-    bench->AcceptConnection();
-    QCOMPARE(AskVersions(), WaitEnd::Closed);
-    QVERIFY(session().IsConnected());
-    QVERIFY(Now() < 200);
-}
-
-void tst_waits::quittingProgramEndsTheWait()
-{
-    bench->Then([this] { bench->ports.pump.Quit(); });
-    QCOMPARE(AskVersions(), WaitEnd::Quitting);
-    QVERIFY(Now() < 100);
-}
-
-void tst_waits::signalWakesTheNewestWaitOnly()
-{
-    QStringList order;
-    bench->Then([&] {
-        session().WaitForServerReply();
-        order.append("inner");
-    });
-    bench->Then([&] { session().SignalServerReply(); });
-    bench->Silence(100);
-    bench->Then([&] {
-        order.append("second signal");
-        session().SignalServerReply();
-    });
-    QCOMPARE(AskVersions(), WaitEnd::Replied);
-    QCOMPARE(order, QStringList({"inner", "second signal"}));
-}
-
-void tst_waits::failedHandlerEndsTheWait()
-{
-    session().SetHandler(pndVersions, [](const ClientReply &) { Profile::Execute("Insert Into Nowhere"); });
-    bench->SayShort("OK");
-    QCOMPARE(AskVersions(), WaitEnd::Failed);
-    QVERIFY(!session().HandlerError().isEmpty());
-    QVERIFY(Now() < 100);
+    QVERIFY(!session().bUserLogout && bench->ports.prompts.aBoxes.isEmpty());
 }
 
 void tst_waits::refusedFaxDoesNotTurnTheNextReplyIntoAFile()
@@ -192,14 +179,9 @@ void tst_waits::refusedFaxDoesNotTurnTheNextReplyIntoAFile()
     bench->SayLong("ERR\r\n5\r\n");
     session().BeginCommand(pndFax).GetFax(1, "F1", Global().strInputBoxPath);
     QCOMPARE(session().WaitForServerReply(), WaitEnd::Refused);
-    QByteArray answer;
-    session().SetHandler(pndVersions, [&](const ClientReply &reply) {
-        answer = reply.abData;
-        session().SignalServerReply();
-    });
-    bench->SayShort("OK\r\nversions");
+    bench->SayShort("versions");
     QCOMPARE(AskVersions(), WaitEnd::Replied);
-    QCOMPARE(answer, QByteArray("OK\r\nversions"));
+    QCOMPARE(aAnswers, QStringList("versions"));
     QCOMPARE(bench->Socket().lConnects, 0);
 }
 
@@ -216,37 +198,30 @@ void tst_waits::limitHoldsForAllWaitsTogether()
 {
     session().SetTimeLeft(5000);
     bench->Silence(3000).SayShort("OK");
-    session().SetHandler(pndVersions, [this](const ClientReply &) { session().SignalServerReply(); });
     QCOMPARE(AskVersions(), WaitEnd::Replied);
     QCOMPARE(AskVersions(), WaitEnd::Quitting);
     QCOMPARE(Now(), 5000);
 }
 
-void tst_waits::runCalledByTheOwnerPasses()
-{
-    RunScope owner(session());
-    const RunPermit permit(session());
-    {
-        RunScope called(session());
-        QVERIFY(called);
-        RunScope third(session()); // a click during the called run's wait
-        QVERIFY(!third);
-    }
-    QVERIFY(session().bIsSocketBusy);
-}
-
-void tst_waits::runLeftByAnErrorPutsTheWindowBack()
+void tst_waits::runsOwnTheConnection()
 {
     try {
-        RunScope run(session());
+        RunScope owner(session());
         session().SetIdleState(false);
-        QVERIFY(!bench->desktop.mainWindow.bEnabled);
+        {
+            const RunPermit permit(session());
+            RunScope called(session());
+            QVERIFY(called);
+            QVERIFY(!RunScope(session())); // a click during the called run's wait
+        }
+        QVERIFY(session().bIsSocketBusy && !bench->desktop.mainWindow.bEnabled);
         Profile::Execute("Insert Into Nowhere");
     } catch (const std::exception &) {
     }
-    QVERIFY(bench->desktop.mainWindow.bEnabled);
+    QVERIFY(!session().bIsSocketBusy && bench->desktop.mainWindow.bEnabled);
     QVERIFY(session().CheckFaxTimer().IsEnabled());
-    QVERIFY(!session().bIsSocketBusy);
+    bench->ports.pump.Quit();
+    QVERIFY(!RunScope(session()));
 }
 
 QTEST_GUILESS_MAIN(tst_waits)
