@@ -139,7 +139,6 @@ void tst_FetchEndToEnd::periodicFetchOfAHiddenWindowTellsTheNotifier()
     ClientUnderTest &client = *test.client;
     const Polling polling(client.ports, client.session, client.download, client.desktop.forms, {});
     client.desktop.mainWindow.bVisible = false;
-    client.desktop.forms.lCount = 0;
     Global().CheckFax = 1;
     LetPollingTick(client.session);
     FakeNotifier &notifier = client.desktop.notifier;
