@@ -13,11 +13,8 @@ class tst_CSharedString final : public QObject
     Q_OBJECT
 
 private slots:
-    void twoHoldersSeeOneText();
+    void blockHoldsLengthAndText();
     void existingBlockKeepsItsTextAndTheLastHolderTakesItAlong();
-    void lengthCountsBytesInLittleEndian();
-    void emptyTextHidesWhatStoodBefore();
-    void textStopsAtItsNul();
     void tornBlockIsReadSafely_data();
     void tornBlockIsReadSafely();
     void textBeyondTheBlockIsRefusedAndChangesNothing();
@@ -41,16 +38,26 @@ long NumberRaisedBy(Action action)
 
 } // namespace
 
-void tst_CSharedString::twoHoldersSeeOneText()
+void tst_CSharedString::blockHoldsLengthAndText()
 {
     FakeSharedBlocks blocks;
     CSharedString writer, reader, other;
-    writer.Create(blocks, "strOutsideFileName");
-    reader.Create(blocks, "strOutsideFileName");
-    other.Create(blocks, "strProcessHandle");
-    writer.SetItem(QStringLiteral(u"/home/M\u00fcller/\u4f20\u771f.tif"));
-    QCOMPARE(reader.Item(), QStringLiteral(u"/home/M\u00fcller/\u4f20\u771f.tif"));
+    writer.Create(blocks, "name");
+    reader.Create(blocks, "name");
+    other.Create(blocks, "other");
+    writer.SetItem("closewindow");
+    writer.SetItem(QStringLiteral(u"\u00e4b"));
+    QCOMPARE(reader.Item(), QStringLiteral(u"\u00e4b"));
     QCOMPARE(other.Item(), QString());
+    int errorCode = 0;
+    const auto block = blocks.Open("name", blockSize, errorCode);
+    QCOMPARE(block->Size(), blockSize);
+    QCOMPARE(QByteArray(block->Bytes(), 7), QByteArray("\3\0\0\0\xc3\xa4\x62", 7));
+    QCOMPARE(block->Bytes()[7], '\0');
+    writer.SetItem("");
+    QCOMPARE(reader.Item(), QString());
+    writer.SetItem(QStringLiteral("ab\0cd"));
+    QCOMPARE(reader.Item(), QString("ab"));
 }
 
 void tst_CSharedString::existingBlockKeepsItsTextAndTheLastHolderTakesItAlong()
@@ -69,41 +76,6 @@ void tst_CSharedString::existingBlockKeepsItsTextAndTheLastHolderTakesItAlong()
     CSharedString third;
     third.Create(blocks, "name");
     QCOMPARE(third.Item(), QString());
-}
-
-void tst_CSharedString::lengthCountsBytesInLittleEndian()
-{
-    FakeSharedBlocks blocks;
-    CSharedString string;
-    string.Create(blocks, "name");
-    string.SetItem(QStringLiteral(u"\u00e4b"));
-    int errorCode = 0;
-    const auto block = blocks.Open("name", blockSize, errorCode);
-    QCOMPARE(block->Size(), blockSize);
-    QCOMPARE(QByteArray(block->Bytes(), 8), QByteArray("\x03\0\0\0\xc3\xa4"
-                                                       "b\0",
-                                                       8));
-}
-
-void tst_CSharedString::emptyTextHidesWhatStoodBefore()
-{
-    FakeSharedBlocks blocks;
-    CSharedString string;
-    string.Create(blocks, "name");
-    string.SetItem("closewindow");
-    string.SetItem("");
-    QCOMPARE(string.Item(), QString());
-    string.SetItem("ok");
-    QCOMPARE(string.Item(), QString("ok"));
-}
-
-void tst_CSharedString::textStopsAtItsNul()
-{
-    FakeSharedBlocks blocks;
-    CSharedString string;
-    string.Create(blocks, "name");
-    string.SetItem(QStringLiteral("ab\0cd"));
-    QCOMPARE(string.Item(), QString("ab"));
 }
 
 void tst_CSharedString::tornBlockIsReadSafely_data()

@@ -9,8 +9,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <optional>
-
 class tst_Startup : public QObject
 {
     Q_OBJECT
@@ -23,13 +21,8 @@ private slots:
     void fileIsKeptForAfterTheLogin();
     void missingFileEndsWithAWarning_data();
     void missingFileEndsWithAWarning();
-    void missingFileIsNotHandedOver();
     void secondCopyHandsItsFileOver();
-    void relativePathIsHandedOverInFull();
-    void secondCopyRaisesTheFirst();
     void duringTheLoginNobodyIsRaised();
-    void handOverWaitsForOtherWindows();
-    void laterFileReplacesTheWaitingOne();
     void missingSharedBlocksAreAnError();
 
 private:
@@ -111,44 +104,23 @@ void tst_Startup::missingFileEndsWithAWarning()
     QCOMPARE(fakes->instance.aLocks.size(), 0);
 }
 
-void tst_Startup::missingFileIsNotHandedOver()
+void tst_Startup::secondCopyHandsItsFileOver()
 {
     OutsideFile mainWindow(fakes->blocks, fakes->instance);
     fakes->instance.bFirst = false;
     QCOMPARE(Run("\"/no/fax.tif\""), Startup::Result::EndWithMessage);
     QCOMPARE(mainWindow.Take(1), "");
     QCOMPARE(fakes->instance.aRaised, QList<qlonglong>());
-}
 
-void tst_Startup::secondCopyHandsItsFileOver()
-{
-    OutsideFile mainWindow(fakes->blocks, fakes->instance);
-    fakes->instance.bFirst = false;
+    const QString later = root->filePath("b.tif");
+    QVERIFY(QFile::copy(strFax, later));
     QCOMPARE(Run(Quoted(strFax)), Startup::Result::HandedOver);
-    QCOMPARE(mainWindow.Take(1), strFax);
+    QCOMPARE(Run(Quoted(QDir::current().relativeFilePath(later))), Startup::Result::HandedOver);
+    QCOMPARE(fakes->instance.aRaised, QList<qlonglong>(2, fakes->instance.PublishWindow()));
+    QCOMPARE(mainWindow.Take(2), ""); // it waits for other windows to close
+    QCOMPARE(mainWindow.Take(1), later);
     QCOMPARE(mainWindow.Take(1), ""); // once
     QCOMPARE(Global().strAppDataPath, "");
-    QVERIFY(fakes->prompts.aBoxes.isEmpty());
-}
-
-void tst_Startup::relativePathIsHandedOverInFull()
-{
-    OutsideFile mainWindow(fakes->blocks, fakes->instance);
-    fakes->instance.bFirst = false;
-    const QString before = QDir::currentPath();
-    QDir::setCurrent(root->path());
-    const Startup::Result result = Run(Quoted("my fax.tif"));
-    QDir::setCurrent(before);
-    QCOMPARE(result, Startup::Result::HandedOver);
-    QCOMPARE(QFileInfo(mainWindow.Take(1)).canonicalFilePath(), QFileInfo(strFax).canonicalFilePath());
-}
-
-void tst_Startup::secondCopyRaisesTheFirst()
-{
-    OutsideFile mainWindow(fakes->blocks, fakes->instance);
-    fakes->instance.bFirst = false;
-    QCOMPARE(Run(""), Startup::Result::HandedOver);
-    QCOMPARE(fakes->instance.aRaised, QList<qlonglong>{fakes->instance.PublishWindow()});
 }
 
 void tst_Startup::duringTheLoginNobodyIsRaised()
@@ -160,28 +132,6 @@ void tst_Startup::duringTheLoginNobodyIsRaised()
     handle.SetItem("no number");
     QCOMPARE(Run(""), Startup::Result::HandedOver);
     QCOMPARE(fakes->instance.aRaised, QList<qlonglong>({0, 0}));
-}
-
-void tst_Startup::handOverWaitsForOtherWindows()
-{
-    OutsideFile mainWindow(fakes->blocks, fakes->instance);
-    fakes->instance.bFirst = false;
-    Run(Quoted(strFax));
-    QCOMPARE(mainWindow.Take(2), "");
-    QCOMPARE(mainWindow.Take(0), "");
-    QCOMPARE(mainWindow.Take(1), strFax);
-}
-
-void tst_Startup::laterFileReplacesTheWaitingOne()
-{
-    OutsideFile mainWindow(fakes->blocks, fakes->instance);
-    fakes->instance.bFirst = false;
-    Run(Quoted(strFax));
-    const QString later = root->filePath("b.tif");
-    QVERIFY(QFile::copy(strFax, later));
-    Run(Quoted(later));
-    QCOMPARE(mainWindow.Take(1), later);
-    QCOMPARE(mainWindow.Take(1), "");
 }
 
 void tst_Startup::missingSharedBlocksAreAnError()

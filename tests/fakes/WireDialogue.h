@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 
 #include <memory>
+#include <utility>
 
 /// A connected protocol client, a server that the test plays, and everything that the client raised.
 struct WireDialogue
@@ -24,8 +25,7 @@ struct WireDialogue
                          [this](int percent) { aProgress.append(percent); });
         QObject::connect(client.get(), &clsClient::SendComplete, [this] { ++lSendCompletes; });
         QObject::connect(client.get(), &clsClient::ConnectClosed, [this] { ++lCloses; });
-        client->Connect(QStringLiteral("fax"), QStringLiteral("8750"));
-        socket.AcceptConnection();
+        Reconnect();
     }
 
     /// The folder of the files that come in, with a slash at its end.
@@ -46,6 +46,36 @@ struct WireDialogue
         ClientReply reply;
         reply.lState = -1;
         return reply;
+    }
+
+    /// Takes the replies so far, each as "state percent% current/total data". Long data is told by its size,
+    /// first and last letter.
+    QStringList Told()
+    {
+        QStringList told;
+        for (const ClientReply &reply : std::exchange(aReplies, {})) {
+            const QByteArray &data = reply.abData;
+            const bool isLong = data.size() > 30;
+            told.append(QString::asprintf("%d %d%% %lld/%lld ", reply.lState, reply.lPercent, reply.lCurrent,
+                                          reply.lTotal) +
+                        (isLong ? QString::asprintf("[%lld %c %c]", data.size(), data.front(), data.back())
+                                : QString::fromLatin1(data)));
+        }
+        return told;
+    }
+    /// True when nothing is under way: what comes next is taken for a short reply.
+    bool IsIdle()
+    {
+        aReplies.clear();
+        socket.FeedShort("hello");
+        return aReplies.size() == 1 && aReplies.first().lState == ClientReply::statShort &&
+               TakeReply().abData == "hello";
+    }
+    void Reconnect()
+    {
+        client->Connect("fax", "8750");
+        socket.AcceptConnection();
+        aReplies.clear();
     }
 
     /// Asks for the fax and lets the server announce it; what was sent is forgotten.

@@ -53,18 +53,6 @@ int HoldLock(const QStringList &arguments)
     return 0;
 }
 
-int Publish()
-{
-    QtEventPump pump;
-    SystemInstance instance;
-    QObject::connect(&instance, &Instance::RaiseRequested, &pump, [&pump] {
-        Say("raised");
-        pump.Quit();
-    });
-    Say(std::to_string(instance.PublishWindow()));
-    return pump.Run();
-}
-
 int Raise(const QStringList &arguments)
 {
     SystemInstance().RaiseWindow(arguments.value(2).toLongLong());
@@ -117,8 +105,6 @@ int main(int argc, char **argv)
         return HoldBlock(arguments);
     if (task == "lock")
         return HoldLock(arguments);
-    if (task == "publish")
-        return Publish();
     if (task == "raise")
         return Raise(arguments);
     if (task == "foreign")

@@ -23,12 +23,9 @@ class tst_QtEventPump : public QObject
 private slots:
     void idleSlicesSleep();
     void sliceEndsWithTheFirstEvent();
-    void nestedWaitsEndOneByOne();
     void longNestedWaitDoesNotHoldTheOuterOne();
-    void runPendingDoesNotWait();
     void timerOfIntervalZeroIsSilent();
     void timerIsNotEnteredTwice();
-    void timerMayBeDroppedInItsTick();
     void quitEndsWaitsWithoutSpinning(); // the pump's life ends with the application's: keep it last
 };
 
@@ -66,27 +63,6 @@ void tst_QtEventPump::sliceEndsWithTheFirstEvent()
     QVERIFY(passed.elapsed() < 4000);
 }
 
-void tst_QtEventPump::nestedWaitsEndOneByOne()
-{
-    QtEventPump pump;
-    QStringList order;
-    bool outerDone = false;
-    bool innerDone = false;
-    QTimer::singleShot(0, &pump, [&] {
-        QTimer::singleShot(0, &pump, [&] {
-            innerDone = true;
-            outerDone = true;
-        });
-        while (!innerDone)
-            pump.RunSlice(10);
-        order.append("inner");
-    });
-    while (!outerDone)
-        pump.RunSlice(10);
-    order.append("outer");
-    QCOMPARE(order, QStringList({"inner", "outer"}));
-}
-
 void tst_QtEventPump::longNestedWaitDoesNotHoldTheOuterOne()
 {
     QtEventPump pump;
@@ -106,17 +82,6 @@ void tst_QtEventPump::longNestedWaitDoesNotHoldTheOuterOne()
     while (!outerDone)
         pump.RunSlice(10);
     QVERIFY2(passed.elapsed() < 2000, qPrintable(QString::number(passed.elapsed())));
-}
-
-void tst_QtEventPump::runPendingDoesNotWait()
-{
-    QtEventPump pump;
-    QTimer far;
-    far.start(10000);
-    QElapsedTimer passed;
-    passed.start();
-    pump.RunPending();
-    QVERIFY(passed.elapsed() < 2000);
 }
 
 void tst_QtEventPump::timerOfIntervalZeroIsSilent()
@@ -145,7 +110,7 @@ void tst_QtEventPump::timerIsNotEnteredTwice()
 {
     QtEventPump pump;
     QtTimers timers;
-    const std::unique_ptr<Timer> timer = timers.Create();
+    std::unique_ptr<Timer> timer = timers.Create();
     int depth = 0;
     int deepest = 0;
     int ticks = 0;
@@ -155,24 +120,14 @@ void tst_QtEventPump::timerIsNotEnteredTwice()
         for (int slice = 0; slice < 5; ++slice)
             pump.RunSlice(5);
         --depth;
-        ++ticks;
+        if (++ticks == 3)
+            timer.reset(); // may be dropped in its tick
     });
     timer->SetInterval(1);
     timer->SetEnabled(true);
     while (ticks < 3)
         pump.RunSlice(10);
     QCOMPARE(deepest, 1);
-}
-
-void tst_QtEventPump::timerMayBeDroppedInItsTick()
-{
-    QtEventPump pump;
-    QtTimers timers;
-    std::unique_ptr<Timer> timer = timers.Create();
-    connect(timer.get(), &Timer::Tick, this, [&timer] { timer.reset(); });
-    timer->SetInterval(1);
-    timer->SetEnabled(true);
-    QTRY_VERIFY(!timer);
 }
 
 void tst_QtEventPump::quitEndsWaitsWithoutSpinning()

@@ -1,5 +1,4 @@
 #include "core/ports/Folders.h"
-#include "core/ports/Ids.h"
 #include "core/ports/Sound.h"
 #include "platform/SystemPorts.h"
 
@@ -15,7 +14,6 @@ class tst_SystemPorts : public QObject
 
 private slots:
     void foldersFollowTheEnvironment();
-    void guidsAreSixteenDifferentBytes();
     void soundWithoutDeviceNeitherBlocksNorFails();
 
 private:
@@ -33,13 +31,6 @@ void tst_SystemPorts::foldersFollowTheEnvironment()
     qputenv("VELMAR_DATA_HOME", "/srv/velmar//common/");
     QCOMPARE(ports.folders.CommonAppData(), "/srv/velmar/common");
     QCOMPARE(ports.folders.Program(), QCoreApplication::applicationDirPath());
-}
-
-void tst_SystemPorts::guidsAreSixteenDifferentBytes()
-{
-    const QByteArray first = ports.ids.NewGuid();
-    QCOMPARE(first.size(), 16);
-    QVERIFY(first != ports.ids.NewGuid());
 }
 
 void tst_SystemPorts::soundWithoutDeviceNeitherBlocksNorFails()

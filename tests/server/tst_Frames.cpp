@@ -13,99 +13,60 @@ private slots:
     void everyCommandHasItsGoldenBytes_data();
     void everyCommandHasItsGoldenBytes();
     void logInHandsTheDigestBack();
-    void emptyListsSendNothing();
-    void unsafeDownloadsSendNothing();
-    void binaryTailFollowsTheText();
-    void shortInputIsNotYetALength();
-    void percentRoundsHalvesToEven_data();
+    void whatIsEmptyOrUnsafeSendsNothing();
+    void framesAreBuiltAndCut();
     void percentRoundsHalvesToEven();
 };
 
 namespace {
 using Call = std::function<void(clsClient &)>;
+
+void LogIn(clsClient &client, const QString &user, QString password, bool alreadyDigested)
+{
+    client.LogIn(user, password, alreadyDigested);
 }
+} // namespace
 Q_DECLARE_METATYPE(Call)
 
 void tst_Frames::everyCommandHasItsGoldenBytes_data()
 {
+    struct Row
+    {
+        const char *name;
+        Call call;
+        QByteArray hex;
+    };
+    const QByteArray abcDigest = "3930303135303938334344323446423044363936334637443238453137463732";
+    const QByteArray emptyDigest = "4434314438434439384630304232303445393830303939384543463834323745";
+    const QString nul(QChar(u'\0'));
+    const QString file = QCoreApplication::applicationFilePath();
+    const Row rows[] = {
+        {"1 plain", [](auto &c) { LogIn(c, "Zoë", "abc", false); }, "01000000 5a6feb 0d0a" + abcDigest},
+        {"1 digested", [](auto &c) { LogIn(c, "u", "0F", true); }, "01000000 75 0d0a 3046"},
+        {"2", &clsClient::LogOut, "02000000"},
+        {"3", &clsClient::GetContactVersion, "03000000"},
+        {"4", &clsClient::GetPublicContactGroup, "04000000"},
+        {"5", &clsClient::GetPublicContacts, "05000000"},
+        {"6", &clsClient::GetNewFaxList, "06000000"},
+        {"7", [](auto &c) { c.GetFax(70000, "A1", "/x/"); }, "07000000 3730303030 00 4131"},
+        {"8", [=](auto &c) { c.SendFaxFile("1;" + nul + "t€", file); }, "08000000 05000000 313b007480"},
+        {"9", [=](auto &c) { c.GetFaxState("A" + nul + "B"); }, "09000000 03000000 410042"},
+        {"10", [](auto &c) { c.GetHistoryList("2024-01-01"); }, "0a000000 323032342d30312d3031"},
+        {"11", [](auto &c) { c.ChangePassword("u", "", "abc"); },
+         "0b000000 75 00" + emptyDigest + "00" + abcDigest},
+        {"13", &clsClient::GetUserList, "0d000000"},
+        {"14", &clsClient::GetDepartmentList, "0e000000"},
+        {"15", [](auto &c) { c.CancelSendingFax("A;B;"); }, "0f000000 04000000 413b423b"},
+        {"16", [](auto &c) { c.ResendErrorFax("A;"); }, "10000000 02000000 413b"},
+        {"17", &clsClient::NewFaxReceived, "11000000"},
+        {"18", &clsClient::GetFaxConfigAndKeepTouckTime, "12000000"},
+        {"19", [](auto &c) { c.SendReturnReceipt("A;"); }, "13000000 02000000 413b"},
+        {"20", [](auto &c) { c.GetReturnReceiptState("A;"); }, "14000000 02000000 413b"},
+    };
     QTest::addColumn<Call>("call");
     QTest::addColumn<QByteArray>("hex");
-    const auto row = [](const char *name, const Call &call, const char *hex) {
-        QTest::newRow(name) << call << QByteArray(hex);
-    };
-    row(
-        "1 LogIn, plain",
-        [](clsClient &client) {
-            QString password = QStringLiteral("abc");
-            client.LogIn(QStringLiteral("Zoë"), password, false);
-        },
-        "01000000 5a6feb 0d0a 3930303135303938334344323446423044363936334637443238453137463732");
-    row(
-        "1 LogIn, digested",
-        [](clsClient &client) {
-            QString password = QStringLiteral("0F");
-            client.LogIn(QStringLiteral("u"), password, true);
-        },
-        "01000000 75 0d0a 3046");
-    row(
-        "2 LogOut", [](clsClient &client) { client.LogOut(); }, "02000000");
-    row(
-        "3 GetContactVersion", [](clsClient &client) { client.GetContactVersion(); }, "03000000");
-    row(
-        "4 GetPublicContactGroup", [](clsClient &client) { client.GetPublicContactGroup(); }, "04000000");
-    row(
-        "5 GetPublicContacts", [](clsClient &client) { client.GetPublicContacts(); }, "05000000");
-    row(
-        "6 GetNewFaxList", [](clsClient &client) { client.GetNewFaxList(); }, "06000000");
-    row(
-        "7 GetFax",
-        [](clsClient &client) { client.GetFax(70000, QStringLiteral("A1"), QStringLiteral("/x/")); },
-        "07000000 3730303030 00 4131");
-    row(
-        "8 SendFaxFile",
-        [](clsClient &client) {
-            client.SendFaxFile(QStringLiteral("1;") + QChar(u'\0') + QStringLiteral("t€"),
-                               QCoreApplication::applicationFilePath());
-        },
-        "08000000 05000000 313b007480");
-    row(
-        "9 GetFaxState",
-        [](clsClient &client) {
-            client.GetFaxState(QStringLiteral("A") + QChar(u'\0') + QStringLiteral("B"));
-        },
-        "09000000 03000000 410042");
-    row(
-        "10 GetHistoryList", [](clsClient &client) { client.GetHistoryList(QStringLiteral("2024-01-01")); },
-        "0a000000 323032342d30312d3031");
-    row(
-        "11 ChangePassword",
-        [](clsClient &client) {
-            client.ChangePassword(QStringLiteral("u"), QString(), QStringLiteral("abc"));
-        },
-        "0b000000 75 00 4434314438434439384630304232303445393830303939384543463834323745 00"
-        "3930303135303938334344323446423044363936334637443238453137463732");
-    row(
-        "13 GetUserList", [](clsClient &client) { client.GetUserList(); }, "0d000000");
-    row(
-        "14 GetDepartmentList", [](clsClient &client) { client.GetDepartmentList(); }, "0e000000");
-    row(
-        "15 CancelSendingFax", [](clsClient &client) { client.CancelSendingFax(QStringLiteral("A;B;")); },
-        "0f000000 04000000 413b423b");
-    row(
-        "16 ResendErrorFax", [](clsClient &client) { client.ResendErrorFax(QStringLiteral("A;")); },
-        "10000000 02000000 413b");
-    row(
-        "17 NewFaxReceived", [](clsClient &client) { client.NewFaxReceived(); }, "11000000");
-    row(
-        "18 GetFaxConfigAndKeepTouckTime", [](clsClient &client) { client.GetFaxConfigAndKeepTouckTime(); },
-        "12000000");
-    row(
-        "19 SendReturnReceipt", [](clsClient &client) { client.SendReturnReceipt(QStringLiteral("A;")); },
-        "13000000 02000000 413b");
-    row(
-        "20 GetReturnReceiptState",
-        [](clsClient &client) { client.GetReturnReceiptState(QStringLiteral("A;")); },
-        "14000000 02000000 413b");
+    for (const Row &row : rows)
+        QTest::newRow(row.name) << row.call << row.hex;
 }
 
 void tst_Frames::everyCommandHasItsGoldenBytes()
@@ -121,14 +82,14 @@ void tst_Frames::everyCommandHasItsGoldenBytes()
 void tst_Frames::logInHandsTheDigestBack()
 {
     WireDialogue wire;
-    QString password = QStringLiteral("abc");
-    wire.client->LogIn(QStringLiteral("u"), password, false);
-    QCOMPARE(password, QStringLiteral("900150983CD24FB0D6963F7D28E17F72"));
-    wire.client->LogIn(QStringLiteral("u"), password, true);
-    QCOMPARE(password, QStringLiteral("900150983CD24FB0D6963F7D28E17F72"));
+    QString password = "abc";
+    wire.client->LogIn("u", password, false);
+    QCOMPARE(password, "900150983CD24FB0D6963F7D28E17F72");
+    wire.client->LogIn("u", password, true);
+    QCOMPARE(password, "900150983CD24FB0D6963F7D28E17F72");
 }
 
-void tst_Frames::emptyListsSendNothing()
+void tst_Frames::whatIsEmptyOrUnsafeSendsNothing()
 {
     WireDialogue wire;
     wire.client->GetFaxState({});
@@ -137,59 +98,34 @@ void tst_Frames::emptyListsSendNothing()
     wire.client->SendReturnReceipt({});
     wire.client->GetReturnReceiptState({});
     wire.client->SendFaxFile({}, QCoreApplication::applicationFilePath());
-    wire.client->SendFaxFile(QStringLiteral("h"), wire.Path(QStringLiteral("missing.tif")));
+    wire.client->SendFaxFile("h", wire.Path("missing.tif"));
+    wire.client->GetFax(0, "../evil", wire.Folder());
+    wire.client->GetFax(0, {}, wire.Folder());
+    wire.client->GetFax(0, "A1", {});
     QVERIFY(wire.socket.aWrites.isEmpty());
-    wire.socket.FeedShort("OK"); // and nothing waits for a long reply or for a header's answer
-    QCOMPARE(wire.TakeReply().lState, int(ClientReply::statShort));
+    QVERIFY(wire.IsIdle());
 }
 
-void tst_Frames::unsafeDownloadsSendNothing()
-{
-    WireDialogue wire;
-    wire.client->GetFax(0, QStringLiteral("../evil"), wire.Folder());
-    wire.client->GetFax(0, QString(), wire.Folder());
-    wire.client->GetFax(0, QStringLiteral("A1"), QString());
-    QVERIFY(wire.socket.aWrites.isEmpty());
-    wire.socket.FeedShort("OK");
-    QCOMPARE(wire.TakeReply().lState, int(ClientReply::statShort));
-}
-
-void tst_Frames::binaryTailFollowsTheText()
+void tst_Frames::framesAreBuiltAndCut()
 {
     QCOMPARE(Frames::FormA(Frames::cmdLogOut, "ab", QByteArray("\0\xff", 2)),
              QByteArray("\x02\0\0\0ab\0\xff", 8));
     QCOMPARE(Frames::FormC(0x01020304, "xyz"), QByteArray("\x0c\0\0\0\x04\x03\x02\x01xyz", 11));
-    QCOMPARE(Frames::GoOn().toHex(), QByteArray("476f4f6e"));
-}
-
-void tst_Frames::shortInputIsNotYetALength()
-{
-    QVERIFY(!Frames::HasLength("abc"));
+    QCOMPARE(Frames::GoOn(), "GoOn");
     QCOMPARE(Frames::ReadLong("abc"), 0);
     QCOMPARE(Frames::ReadLong(QByteArray("\xfe\xff\xff\xff", 4)), -2);
     QCOMPARE(Frames::BehindLength("abc"), QByteArray());
-    QCOMPARE(Frames::BehindLength("abcdef"), QByteArray("ef"));
-}
-
-void tst_Frames::percentRoundsHalvesToEven_data()
-{
-    QTest::addColumn<qint64>("done");
-    QTest::addColumn<qint64>("total");
-    QTest::addColumn<int>("percent");
-    QTest::newRow("nothing of nothing") << qint64(0) << qint64(0) << 0;
-    QTest::newRow("0.5 goes down") << qint64(1) << qint64(200) << 0;
-    QTest::newRow("1.5 goes up") << qint64(3) << qint64(200) << 2;
-    QTest::newRow("2.5 goes down") << qint64(5) << qint64(200) << 2;
-    QTest::newRow("a third") << qint64(1) << qint64(3) << 33;
-    QTest::newRow("large") << qint64(2147483646) << qint64(2147483647) << 100;
-    QTest::newRow("frame headers count too") << qint64(102) << qint64(100) << 102;
+    QCOMPARE(Frames::BehindLength("abcdef"), "ef");
 }
 
 void tst_Frames::percentRoundsHalvesToEven()
 {
-    QFETCH(qint64, done);
-    QFETCH(qint64, total);
-    QTEST(Frames::Percent(done, total), "percent");
+    QCOMPARE(Frames::Percent(0, 0), 0);
+    QCOMPARE(Frames::Percent(1, 200), 0);
+    QCOMPARE(Frames::Percent(3, 200), 2);
+    QCOMPARE(Frames::Percent(5, 200), 2);
+    QCOMPARE(Frames::Percent(2147483646, 2147483647), 100);
+    QCOMPARE(Frames::Percent(102, 100), 102); // frame headers count too
 }
 
 QTEST_GUILESS_MAIN(tst_Frames)
