@@ -34,12 +34,9 @@ private slots:
     void emptyRunBehindAnUploadKeepsItsRows();
     void serverThatCannotBeReached();
     void silentRunWithAHiddenWindowNotifies();
-    void silentRunWithAVisibleWindowLeavesNothingOpen();
-    void statesAreAskedFor_data();
     void statesAreAskedFor();
     void runStaysTheOwnerUntilItsLastCommand();
     void selectedFolderIsReloaded();
-    void receivedFaxesArePrinted_data();
     void receivedFaxesArePrinted();
 
 private:
@@ -311,43 +308,29 @@ void tst_FaxDownload::silentRunWithAHiddenWindowNotifies()
                           "Receving Fax : 78%", "Receving Fax : 100%", "Velmar Clinet"}));
 }
 
-void tst_FaxDownload::silentRunWithAVisibleWindowLeavesNothingOpen()
-{
-    bool wasVisible = false;
-    bench->Then([&] { wasVisible = bench->progress.IsVisible(); });
-    Offer({"F1|9"});
-    Send("F1"), bench->SayShort("OK");
-    bench->status.onCheck = [this] { bench->progress.Show(); };
-    Receive(true);
-    QVERIFY(wasVisible);
-    QVERIFY(!bench->progress.IsLoaded());
-    QVERIFY(desktop().notifier.aMonitors.isEmpty());
-}
-
-void tst_FaxDownload::statesAreAskedFor_data()
-{
-    QTest::addColumn<bool>("visible");
-    QTest::addColumn<bool>("checkStateAfter");
-    QTest::addColumn<bool>("isNew");
-    QTest::addColumn<QList<bool>>("checks");
-    QTest::newRow("visible") << true << true << false << QList<bool>{true};
-    QTest::newRow("hidden with new faxes") << false << true << true << QList<bool>{false};
-    QTest::newRow("hidden without") << false << true << false << QList<bool>{};
-    QTest::newRow("not wanted") << true << false << true << QList<bool>{};
-}
-
 void tst_FaxDownload::statesAreAskedFor()
 {
-    QFETCH(bool, visible);
-    QFETCH(bool, checkStateAfter);
-    QFETCH(bool, isNew);
-    desktop().mainWindow.bVisible = visible;
-    Offer({"F1|9"});
-    isNew ? Send("F1") : bench->profile.InsertReceivedFax("F1");
-    bench->SayShort("OK");
-    bench->download.ReceiveFaxes(false, false, true, checkStateAfter);
-    QTEST(bench->status.aChecks, "checks");
-    QVERIFY(IsAcknowledged());
+    bench->profile.InsertReceivedFax("Known");
+    const auto checks = [this](const QByteArray &id, bool silent, bool visible, bool wanted) {
+        bench->status.aChecks.clear();
+        desktop().mainWindow.bVisible = visible;
+        Offer({id + "|9"});
+        bench->Then([=, this] { QCOMPARE(bench->progress.IsVisible(), visible || !silent); });
+        if (id != "Known")
+            Send(id);
+        bench->SayShort("OK");
+        bench->download.ReceiveFaxes(silent, false, true, wanted);
+        const bool isLeftOpen = bench->progress.IsLoaded();
+        bench->progress.Unload();
+        return isLeftOpen == silent ? QList<bool>{false, false} : bench->status.aChecks;
+    };
+    QCOMPARE(checks("F1", false, true, true), QList<bool>{true});
+    QCOMPARE(checks("F2", true, true, true), QList<bool>{true});
+    QCOMPARE(checks("F3", false, false, true), QList<bool>{false});
+    QCOMPARE(checks("Known", false, false, true), QList<bool>{});
+    QCOMPARE(checks("F4", false, true, false), QList<bool>{});
+    QCOMPARE(bench->Heard().count("17"), 5);
+    QVERIFY(desktop().notifier.aMonitors.isEmpty());
 }
 
 void tst_FaxDownload::runStaysTheOwnerUntilItsLastCommand()
@@ -386,31 +369,22 @@ void tst_FaxDownload::selectedFolderIsReloaded()
     }
 }
 
-void tst_FaxDownload::receivedFaxesArePrinted_data()
-{
-    QTest::addColumn<bool>("autoPrint");
-    QTest::addColumn<bool>("printer");
-    QTest::addColumn<bool>("history");
-    QTest::addColumn<QString>("printed");
-    QTest::newRow("on arrival") << true << true << false << "F1.tif 1-0 x3 Laser";
-    QTest::newRow("not wanted") << false << true << false << "";
-    QTest::newRow("no printer") << true << false << false << "";
-    QTest::newRow("history") << true << true << true << "";
-}
-
 void tst_FaxDownload::receivedFaxesArePrinted()
 {
-    QFETCH(bool, autoPrint);
-    QFETCH(bool, printer);
-    QFETCH(bool, history);
-    Global().AutoPrint = autoPrint;
     Global().Copies = "3";
     Global().PrinterName = "Laser";
-    desktop().printing.bHasPrinter = printer;
-    Offer({"F1|9"});
-    Send("F1"), bench->SayShort("OK");
-    Receive(false, history);
-    QTEST(desktop().printing.aPrinted.join('|').section('/', -1), "printed");
+    const auto printed = [this](const QByteArray &id, bool autoPrint, bool printer, bool history) {
+        Global().AutoPrint = autoPrint;
+        desktop().printing.bHasPrinter = printer;
+        Offer({id + "|9"});
+        Send(id), bench->SayShort("OK");
+        Receive(false, history);
+        return desktop().printing.aPrinted.join('|').section('/', -1);
+    };
+    QCOMPARE(printed("F1", false, true, false), QString());
+    QCOMPARE(printed("F2", true, false, false), QString());
+    QCOMPARE(printed("F3", true, true, true), QString());
+    QCOMPARE(printed("F4", true, true, false), QString("F4.tif 1-0 x3 Laser"));
 }
 
 QTEST_GUILESS_MAIN(tst_FaxDownload)

@@ -1,3 +1,4 @@
+#include "fakes/FakeProgressOwner.h"
 #include "fakes/FakeTimers.h"
 #include "server/Progress.h"
 
@@ -7,23 +8,6 @@
 #include <optional>
 
 namespace {
-struct FakeOwner final : ProgressOwner
-{
-    bool IsConnected() const override { return bConnected; }
-    void CancelTransfer() override
-    {
-        aCalls.append("cancel");
-        bConnected = false;
-    }
-    void SetCommMenu(bool enabled) override { aCalls.append(enabled ? "menu on" : "menu off"); }
-    void EnableMainWindow() override { aCalls.append("enable"); }
-    void SignalServerReply() override { aCalls.append("signal"); }
-    void SetUserAbort() override { aCalls.append("abort"); }
-
-    bool bConnected = true;
-    QStringList aCalls;
-};
-
 struct Bench
 {
     Bench()
@@ -33,7 +17,7 @@ struct Bench
     }
     FakeTimers timers;
     Progress progress{timers};
-    FakeOwner owner;
+    FakeProgressOwner owner;
 };
 } // namespace
 

@@ -1,4 +1,5 @@
 #include "fakes/FakePorts.h"
+#include "fakes/FakeProgressOwner.h"
 #include "server/Progress.h"
 #include "server/forms/ProgressAnimation.h"
 #include "server/forms/ProgressModel.h"
@@ -13,19 +14,6 @@
 #include <QTest>
 #include <QTreeView>
 #include <QWindow>
-
-namespace {
-struct FakeOwner final : ProgressOwner
-{
-    bool IsConnected() const override { return true; }
-    void CancelTransfer() override { aCalls.append("cancel"); }
-    void SetCommMenu(bool) override {}
-    void EnableMainWindow() override { aCalls.append("enable"); }
-    void SignalServerReply() override {}
-    void SetUserAbort() override {}
-    QStringList aCalls;
-};
-} // namespace
 
 class tst_frmProcess : public QObject
 {
@@ -51,7 +39,7 @@ private:
     QAbstractItemModel *Model() const { return Find<QTreeView>("grdProcess")->model(); }
 
     FakePorts fakes;
-    FakeOwner owner;
+    FakeProgressOwner owner;
     std::unique_ptr<Progress> progress;
     std::unique_ptr<QWidget> mainWindow;
     std::unique_ptr<frmProcess> form;
@@ -59,7 +47,7 @@ private:
 
 void tst_frmProcess::init()
 {
-    owner.aCalls.clear();
+    owner = {};
     progress = std::make_unique<Progress>(fakes.timers);
     progress->SetOwner(&owner);
     mainWindow = std::make_unique<QWidget>();
@@ -122,7 +110,7 @@ void tst_frmProcess::disabledMainWindowLeavesTheButtonAlive()
     mainWindow->setEnabled(false);
     QCOMPARE(form->windowHandle()->transientParent(), mainWindow->windowHandle());
     QTest::mouseClick(Find<QPushButton>("btnCancelOperate"), Qt::LeftButton);
-    QCOMPARE(owner.aCalls, QStringList({"cancel", "enable"}));
+    QCOMPARE(owner.aCalls, QStringList({"cancel", "menu on", "enable", "abort", "signal"}));
 }
 
 void tst_frmProcess::closingActsLikeTheButton()
@@ -132,7 +120,7 @@ void tst_frmProcess::closingActsLikeTheButton()
     owner.aCalls.clear();
     progress->Show();
     QTest::keyClick(form.get(), Qt::Key_Escape);
-    QVERIFY(owner.aCalls == QStringList{"enable"} && !form->isVisible());
+    QVERIFY(owner.aCalls == QStringList({"enable", "abort"}) && !form->isVisible());
 }
 
 void tst_frmProcess::newestRowStaysInSight()
