@@ -66,8 +66,9 @@ void tst_SharedBlocks::blockOutlivesItsKilledMaker()
     QCOMPARE(third.NextLine(), "existed from here");
     block.reset();
     QVERIFY(third.Kill()); // the last holder takes all with it
-    QVERIFY(!Open("killed")->Existed());
-    QCOMPARE(Open("killed")->Bytes(), "");
+    const auto next = Open("killed");
+    QVERIFY(!next->Existed());
+    QCOMPARE(next->Bytes(), "");
 }
 
 void tst_SharedBlocks::blockEndsWithItsLastHolder()

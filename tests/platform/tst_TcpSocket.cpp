@@ -51,6 +51,7 @@ private slots:
     void lastWordsLeaveOnOwnClose();
     void resetIs10054();
     void oldConnectionIsNotHeardOnTheNext();
+    void oldFailureIsNotHeardOnTheNext();
     void eachDrainIsReportedOnce();
     void unreadDataSlowsTheSenderDown();
     void mayBeDestroyedInItsSignals();
@@ -194,6 +195,16 @@ void tst_TcpSocket::oldConnectionIsNotHeardOnTheNext()
     QTRY_COMPARE(got, QByteArray("fresh"));
     QVERIFY(closes.isEmpty());
     QCOMPARE(socket->State(), Socket::sckConnected);
+}
+
+void tst_TcpSocket::oldFailureIsNotHeardOnTheNext()
+{
+    QSignalSpy errors(socket.get(), &Socket::Error);
+    QSignalSpy connected(socket.get(), &Socket::Connected);
+    BeforeFirstReport reconnect(*socket, [&] { socket->Connect("127.0.0.1", server->serverPort()); });
+    socket->Connect("127.0.0.1", 1);
+    QTRY_COMPARE(connected.size(), 1);
+    QVERIFY(errors.isEmpty());
 }
 
 void tst_TcpSocket::eachDrainIsReportedOnce()
