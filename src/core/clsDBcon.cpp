@@ -101,6 +101,8 @@ void clsDBcon::CloseDB()
     // A statement that an outer event still holds keeps SQLite's connection alive, but no transaction of it.
     if (bOpened && sqlite3_get_autocommit(connection) == 0)
         sqlite3_exec(connection, "Rollback", nullptr, nullptr, nullptr);
+    if (bOpened) // the kept journal goes; where it cannot, an empty one stays, which does no harm
+        sqlite3_exec(connection, "Pragma journal_mode=Delete", nullptr, nullptr, nullptr);
     sqlite3_close_v2(connection);
     connection = nullptr;
     bOpened = false;

@@ -260,7 +260,8 @@ void tst_UserProfile::unfinishedDatabaseIsNoProfile()
     QVERIFY(QDir(folder + "MFax_Client.mfd.new").removeRecursively());
     QVERIFY(WriteTestFile(folder + "MFax_Client.mfd.new", "what a crash left"));
     QVERIFY(UserProfile(fakes->ports).Save(Entry("bert")));
-    QCOMPARE(QDir(folder).entryList(QDir::Files), QStringList{"MFax_Client.mfd"});
+    QCOMPARE(QDir(folder).entryList(QDir::Files),
+             (QStringList{"MFax_Client.mfd", "MFax_Client.mfd-journal"}));
 }
 
 void tst_UserProfile::usableAccounts_data()
