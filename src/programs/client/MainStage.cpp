@@ -1,7 +1,9 @@
 #include "programs/client/MainStage.h"
 
+#include "core/Globals.h"
 #include "core/ports/Instance.h"
 #include "core/ports/Ports.h"
+#include "core/ports/Timer.h"
 #include "desktop/Forms.h"
 #include "server/forms/frmSetUserPwd.h"
 
@@ -23,6 +25,22 @@ MainStage::MainStage(Ports &ports, Forms &forms, std::function<void()> ended)
     window.SetFirstActivation([this] { server.runs.ActivateFirst(); });
     window.SetClosing([this] { LogOff(); });
     ConnectCommands();
+    ConnectReading();
+}
+
+/// A fax that has been on show for a while counts as read; a run of the server stops the timer.
+void MainStage::ConnectReading()
+{
+    Timer &tmrMarkFax = server.session.MarkFaxTimer();
+    QObject::connect(&mailbox, &ShownMailbox::FaxSelected, &window, [this, &tmrMarkFax] {
+        tmrMarkFax.SetEnabled(false);
+        tmrMarkFax.SetInterval(Global().MarkFax * 1000);
+        tmrMarkFax.SetEnabled(server.session.IsIdleState());
+    });
+    QObject::connect(&tmrMarkFax, &Timer::Tick, &window, [this, &tmrMarkFax] {
+        tmrMarkFax.SetEnabled(false);
+        mailbox.Marks().OnMarkFaxTick();
+    });
 }
 
 void MainStage::ConnectCommands()

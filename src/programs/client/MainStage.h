@@ -28,6 +28,7 @@ public:
 
 private:
     void ConnectCommands();
+    void ConnectReading();
     void LogOff();
     void SetPassword();
 
