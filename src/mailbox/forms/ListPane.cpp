@@ -127,7 +127,7 @@ void ListPane::ShowHint()
 void ListPane::FollowMailbox(int row)
 {
     const QScopedValueRollback<bool> following(bFollowing, true);
-    const QModelIndex index = model->index(row - 1, colIsReaded - 1);
+    const QModelIndex index = model->index(row - 1, colFirstText - 1); // typing searches the current column
     if (!index.isValid()) {
         grdFaxList->selectionModel()->clear();
         return;
