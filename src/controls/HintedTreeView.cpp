@@ -1,6 +1,7 @@
 #include "controls/HintedTreeView.h"
 
 #include <QPainter>
+#include <QScrollBar>
 
 namespace {
 
@@ -20,6 +21,14 @@ void HintedTreeView::SetHint(const QString &hint)
     strHint = hint;
     setAccessibleDescription(hint);
     viewport()->update();
+}
+
+void HintedTreeView::scrollTo(const QModelIndex &index, ScrollHint hint)
+{
+    const int left = horizontalScrollBar()->value();
+    QTreeView::scrollTo(index, hint);
+    if (!rootIsDecorated())
+        horizontalScrollBar()->setValue(left);
 }
 
 void HintedTreeView::paintEvent(QPaintEvent *event)

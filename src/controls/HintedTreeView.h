@@ -14,6 +14,9 @@ public:
     const QString &Hint() const { return strHint; }
     void SetHint(const QString &hint);
 
+    /// A list without branches never scrolls sideways to show a cell: its rows count as wholes.
+    void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
+
 protected:
     void paintEvent(QPaintEvent *event) override;
 

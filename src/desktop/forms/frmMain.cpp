@@ -103,6 +103,7 @@ void frmMain::SetUpStatusBar()
     pbTotal->setMaximumWidth(140);
     pbTotal->setAccessibleName(tr("Progress of the transfer"));
     auto *welcome = new QLabel(tr("Welcome to Velmar Client, please press F1 for Help"), this);
+    welcome->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // the panels come first
     ui->stbInfo->addWidget(welcome, 1);
     for (QWidget *panel : {static_cast<QWidget *>(pbTotal), static_cast<QWidget *>(labToday),
                            static_cast<QWidget *>(labTotals), static_cast<QWidget *>(labServer)})

@@ -42,8 +42,9 @@ DateBar::DateBar(ShownMailbox &shownMailbox, QWidget *parent)
         btnMonth.append(button);
         layout->addWidget(button);
     }
-    layout->addStretch();
-    layout->addWidget(labRange);
+    labRange->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // gives way in a narrow window
+    labRange->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    layout->addWidget(labRange, 1);
     connect(cmbYear, &QComboBox::activated, this, [this](int index) { mailbox.SelectYear(index); });
     connect(&mailbox, &ShownMailbox::DatesChanged, this, &DateBar::ShowDates);
     ShowDates();
