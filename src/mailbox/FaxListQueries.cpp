@@ -119,15 +119,6 @@ QList<FaxListQueries::Query> FaxListQueries::ForFolder(const Selection &selectio
     return queries;
 }
 
-FaxListQueries::Query FaxListQueries::ForFax(const QString &id, int mode, int faxTable)
-{
-    for (const QueryTexts *texts : GetTexts(mode)) {
-        if (mode != 3 || texts->lFaxTable == faxTable)
-            return {texts->strSelect + QString(" Where Fax_ID='") + id + "'", texts->lFaxTable};
-    }
-    return {};
-}
-
 QList<FaxListQueries::SummaryLine> FaxListQueries::ForSummary(const Subtrees &subtrees,
                                                               const QString &dateRange)
 {

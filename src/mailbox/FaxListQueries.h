@@ -27,9 +27,6 @@ struct Query
 /// All queries give the oldest fax first. The Recycle bin takes two.
 QList<Query> ForFolder(const Selection &selection);
 
-/// One fax as `mode` lists it; in the Recycle bin `faxTable` decides where it is read.
-Query ForFax(const QString &id, int mode, int faxTable);
-
 /// One line of the summary.
 struct SummaryLine
 {
