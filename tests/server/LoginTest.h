@@ -59,6 +59,12 @@ protected:
     /// Fills the window, clicks and lets the server accept the connection.
     void ConnectToServer();
     void Greet() { Server().FeedShort("Welcome\r\n1.6 beta\r\n"); }
+    /// Greets and takes the login.
+    void Accept()
+    {
+        Greet();
+        Server().FeedShort("OK\r\n");
+    }
     bool IsReady() const;
 
     std::unique_ptr<Profile> profile;

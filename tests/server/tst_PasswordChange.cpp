@@ -11,102 +11,71 @@ class tst_PasswordChange : public QObject
     Q_OBJECT
 
 private slots:
-    void badInputIsNotSent_data();
-    void badInputIsNotSent();
-    void acceptedPasswordIsStoredAsDigest();
-    void refusalAndLostConnectionAreToldApart();
-    void secondClickDuringTheWaitDoesNothing();
-};
+    void init()
+    {
+        asked.clear();
+        fakes.prompts.aBoxes.clear();
+        whileAsked = nullptr;
+        bAccepts = bConnected = true;
+    }
 
-void tst_PasswordChange::badInputIsNotSent_data()
-{
-    QTest::addColumn<QString>("oldPassword");
-    QTest::addColumn<QString>("newPassword");
-    QTest::addColumn<QString>("confirmation");
-    QTest::addColumn<QString>("message");
-    QTest::addColumn<int>("result");
-    QTest::newRow("no old one") << ""
-                                << "ab"
-                                << "cd"
-                                << "Current password cannot be left blank."
-                                << int(PasswordChange::resInvalidOld);
-    QTest::newRow("different") << "old"
-                               << "ab"
-                               << "AB"
-                               << "New password and confirm password do not match. "
-                               << int(PasswordChange::resInvalidNew);
-    QTest::newRow("short") << "old"
-                           << "abc"
-                           << "abc"
-                           << "Password is too short" << int(PasswordChange::resInvalidNew);
-}
+    void badInputIsNotSent()
+    {
+        QCOMPARE(window.ClickOK("", "ab", "cd"), PasswordChange::resInvalidOld);
+        QCOMPARE(window.ClickOK("old", "ab", "AB"), PasswordChange::resInvalidNew);
+        QCOMPARE(window.ClickOK("old", "abc", "abc"), PasswordChange::resInvalidNew);
+        QCOMPARE(fakes.prompts.Texts(),
+                 (QStringList{"Current password cannot be left blank.",
+                              "New password and confirm password do not match. ", "Password is too short"}));
+        QVERIFY(asked.isEmpty());
+    }
 
-void tst_PasswordChange::badInputIsNotSent()
-{
-    QFETCH(QString, oldPassword);
-    QFETCH(QString, newPassword);
-    QFETCH(QString, confirmation);
-    FakePorts fakes;
-    int asked = 0;
-    PasswordChange window(
-        fakes.ports, [&](const QString &, const QString &) { return ++asked > 0; }, [] { return true; });
-    QTEST(int(window.ClickOK(oldPassword, newPassword, confirmation)), "result");
-    QFETCH(QString, message);
-    QCOMPARE(fakes.prompts.Texts(), QStringList{message});
-    QCOMPARE(asked, 0);
-}
+    void acceptedPasswordIsStoredAsDigest()
+    {
+        const Profile profile;
+        whileAsked = [this] { // a second click does nothing
+            QVERIFY(window.IsBusy());
+            QCOMPARE(window.ClickOK("other", "5678", "5678"), PasswordChange::resRefused);
+        };
+        QCOMPARE(window.ClickOK("secret", "1234", "1234"), PasswordChange::resChanged);
+        QVERIFY(!window.IsBusy());
+        QCOMPARE(asked, (QStringList{"secret", "1234"}));
+        QCOMPARE(Profile::Value("Select Pwd From Option"), Frames::Md5Digest("1234"));
+        QCOMPARE(Global().strPwdDigest, Frames::Md5Digest("1234"));
+        QVERIFY(fakes.prompts.aBoxes.isEmpty());
+    }
 
-void tst_PasswordChange::acceptedPasswordIsStoredAsDigest()
-{
-    Profile profile;
+    void refusalAndLostConnectionAreToldApart()
+    {
+        const Profile profile;
+        bAccepts = false;
+        QCOMPARE(window.ClickOK("wrong", "1234", "1234"), PasswordChange::resInvalidOld);
+        QCOMPARE(fakes.prompts.Texts(), QStringList{"The password you gave is incorrect."});
+        bConnected = false;
+        QCOMPARE(window.ClickOK("right", "1234", "1234"), PasswordChange::resRefused);
+        QCOMPARE(fakes.prompts.aBoxes.size(), 1);
+        QCOMPARE(Profile::Value("Select Pwd From Option"), QString());
+    }
+
+private:
+    bool AskServer(const QString &oldPassword, const QString &newPassword)
+    {
+        asked += {oldPassword, newPassword};
+        if (whileAsked)
+            whileAsked();
+        return bAccepts;
+    }
+
     FakePorts fakes;
     QStringList asked;
-    PasswordChange window(
-        fakes.ports,
-        [&](const QString &oldPassword, const QString &newPassword) {
-            asked = {oldPassword, newPassword};
-            return true;
-        },
-        [] { return true; });
-    QCOMPARE(window.ClickOK("secret", "1234", "1234"), PasswordChange::resChanged);
-    QCOMPARE(asked, (QStringList{"secret", "1234"}));
-    QCOMPARE(Profile::Value("Select Pwd From Option"), Frames::Md5Digest("1234"));
-    QCOMPARE(Global().strPwdDigest, Frames::Md5Digest("1234"));
-    QVERIFY(fakes.prompts.aBoxes.isEmpty());
-}
-
-void tst_PasswordChange::refusalAndLostConnectionAreToldApart()
-{
-    Profile profile;
-    FakePorts fakes;
-    bool connected = true;
-    PasswordChange window(
-        fakes.ports, [](const QString &, const QString &) { return false; }, [&] { return connected; });
-    QCOMPARE(window.ClickOK("wrong", "1234", "1234"), PasswordChange::resInvalidOld);
-    QCOMPARE(fakes.prompts.Texts(), QStringList{"The password you gave is incorrect."});
-    connected = false;
-    QCOMPARE(window.ClickOK("right", "1234", "1234"), PasswordChange::resRefused);
-    QCOMPARE(fakes.prompts.aBoxes.size(), 1);
-    QCOMPARE(Profile::Value("Select Pwd From Option"), QString());
-}
-
-void tst_PasswordChange::secondClickDuringTheWaitDoesNothing()
-{
-    FakePorts fakes;
-    PasswordChange *inner = nullptr;
-    int asked = 0;
-    PasswordChange window(
-        fakes.ports,
-        [&](const QString &, const QString &) {
-            ++asked;
-            return inner->ClickOK("old", "1234", "1234") == PasswordChange::resChanged;
-        },
-        [] { return false; });
-    inner = &window;
-    QCOMPARE(window.ClickOK("old", "1234", "1234"), PasswordChange::resRefused);
-    QCOMPARE(asked, 1);
-    QVERIFY(!window.IsBusy());
-}
+    std::function<void()> whileAsked;
+    bool bAccepts = true, bConnected = true;
+    PasswordChange window{fakes.ports,
+                          [this](const QString &oldPassword, const QString &newPassword) {
+                              return AskServer(oldPassword, newPassword);
+                          },
+                          [this] { return bConnected; }};
+};
 
 QTEST_GUILESS_MAIN(tst_PasswordChange)
 #include "tst_PasswordChange.moc"
