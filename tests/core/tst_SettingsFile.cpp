@@ -54,8 +54,8 @@ private slots:
         row("no file contents", "", "[General]\nServer=new\n");
         row("replaces in place", "; top\n[A]\nServer=1\n\n[general]\nB=2\n server = old\n;c\nC=3\n",
             "; top\n[A]\nServer=1\n\n[general]\nB=2\nServer=new\n;c\nC=3\n");
-        row("adds behind the section's last line", "[General]\nA=1\n\n[B]\nC=2\n",
-            "[General]\nA=1\nServer=new\n\n[B]\nC=2\n");
+        row("adds behind the first section's last line", "[General]\nA=1\n\n[B]\nC=2\n[General]\nD=3\n",
+            "[General]\nA=1\nServer=new\n\n[B]\nC=2\n[General]\nD=3\n");
         row("adds a section", "[B]\nC=2", "[B]\nC=2\n[General]\nServer=new\n");
         row("second section of that name", "[General]\nA=1\n[General]\nServer=2\n",
             "[General]\nA=1\n[General]\nServer=new\n");
