@@ -1,18 +1,13 @@
 // A second process for the tests: does what its first argument says, tells it on its output, line by line,
 // and stays until its input ends.
-#include "platform/CloseSignals.h"
-#include "platform/QtEventPump.h"
 #include "platform/SystemInstance.h"
 #include "platform/SystemSharedBlocks.h"
 
 #include <QCoreApplication>
-#include <QLocalSocket>
 
 #include <cstring>
 #include <iostream>
 #include <string>
-
-#include <unistd.h>
 
 namespace {
 void Say(const std::string &line)
@@ -58,42 +53,6 @@ int Raise(const QStringList &arguments)
     SystemInstance().RaiseWindow(arguments.value(2).toLongLong());
     return 0;
 }
-
-/// foreign CHANNEL: asks as another user.
-int RaiseAsForeigner(const QStringList &arguments)
-{
-    constexpr uid_t nobody = 65534;
-    if (setuid(nobody) != 0)
-        return 1;
-    QLocalSocket channel;
-    channel.setSocketOptions(QLocalSocket::AbstractNamespaceOption);
-    channel.connectToServer(arguments.value(2));
-    if (channel.state() != QLocalSocket::ConnectedState)
-        return 2;
-    channel.write("raise\n");
-    channel.flush();
-    return 0;
-}
-
-/// close: waits inside an event handler's slices until it is asked to end.
-int WaitForClose()
-{
-    QtEventPump pump;
-    CloseSignals closeSignals;
-    QObject::connect(&closeSignals, &CloseSignals::CloseRequested, &pump, [&pump] {
-        Say("closing");
-        pump.Quit();
-    });
-    QMetaObject::invokeMethod(
-        &pump,
-        [&pump] {
-            Say("ready");
-            while (!pump.IsQuitting())
-                pump.RunSlice(10);
-        },
-        Qt::QueuedConnection);
-    return pump.Run();
-}
 } // namespace
 
 int main(int argc, char **argv)
@@ -107,9 +66,5 @@ int main(int argc, char **argv)
         return HoldLock(arguments);
     if (task == "raise")
         return Raise(arguments);
-    if (task == "foreign")
-        return RaiseAsForeigner(arguments);
-    if (task == "close")
-        return WaitForClose();
     return 64;
 }

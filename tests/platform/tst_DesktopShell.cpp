@@ -1,9 +1,9 @@
 #include "fakes/FakePorts.h"
+#include "fixtures/Profile.h"
 #include "platform/DesktopShell.h"
 
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 
 /// The programs that are started are small scripts that write down their folder and arguments.
@@ -12,128 +12,78 @@ class tst_DesktopShell : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-    void companionGetsItsArguments_data();
-    void companionGetsItsArguments();
-    void documentsGoToTheOpener_data();
-    void documentsGoToTheOpener();
-    void failuresAreBelow33();
-
-private:
-    void WriteFile(const QString &path, const QByteArray &text, bool executable);
-    void WriteRecorder(const QString &path) { WriteFile(path, recorder, true); }
-    /// First line the name of the program, second the working folder, then an argument each.
-    QStringList Recorded() const;
-    int Open(const QString &file, const QString &parameters = {}, const QString &working = {})
+    void initTestCase()
     {
-        return DesktopShell(folders).Open(file, "Open", parameters, working, 4);
+        folders.strRoot = root.path();
+        WriteProgram("program/Companion.exe", recorder);
+        WriteProgram("program/Broken.exe", "#!/no/such/interpreter\n");
+        WriteProgram("path/xdg-open", recorder);
+        QVERIFY(WriteTestFile(root.filePath(hardName), "text"));
+        qputenv("PATH", root.filePath("path").toUtf8() + ":" + qgetenv("PATH"));
+        qputenv("RECORD", root.filePath("record").toUtf8());
     }
 
+    void argumentsAreNeverReadByAShell_data()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("parameters");
+        QTest::addColumn<QStringList>("started");
+        const QString companion = root.filePath("program/Companion.exe"), hard = root.filePath(hardName);
+        const QString opener = root.filePath("path/xdg-open"),
+                      mail = "mailto:a@example.com?body=Version%201.0";
+        QTest::newRow("viewer") << companion << "/Brenmot " + hard
+                                << QStringList{"Companion.exe", "/Brenmot", hard};
+        QTest::newRow("several") << companion << "one \"two words\""
+                                 << QStringList{"Companion.exe", "one", "two words"};
+        QTest::newRow("document") << hard << "" << QStringList{"xdg-open", hard};
+        QTest::newRow("foreign program, not run") << opener << "" << QStringList{"xdg-open", opener};
+        QTest::newRow("address") << mail << "" << QStringList{"xdg-open", mail};
+    }
+
+    void argumentsAreNeverReadByAShell()
+    {
+        QFETCH(QString, file);
+        QFETCH(QString, parameters);
+        const QString record = root.filePath("record");
+        QFile::remove(record);
+        QVERIFY(Open(file, parameters) >= 33);
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(record), 20000);
+        QStringList started = QString::fromUtf8(ReadTestFile(record)).chopped(1).split('\n');
+        QCOMPARE(QFileInfo(started.takeAt(1)).canonicalFilePath(),
+                 QFileInfo(root.path()).canonicalFilePath());
+        QTEST(started, "started");
+    }
+
+    void failuresAreBelow33()
+    {
+        for (const QString &file : {QString(), root.filePath("missing.pdf"), QString("file:///etc/passwd"),
+                                    root.filePath("program/Broken.exe")})
+            QVERIFY2(Open(file) < 33, qPrintable(file));
+        qputenv("PATH", "/nowhere");
+        QVERIFY(Open(root.filePath(hardName)) < 33);
+    }
+
+private:
+    void WriteProgram(const QString &name, const QByteArray &text)
+    {
+        const QString path = root.filePath(name);
+        QVERIFY(QDir().mkpath(QFileInfo(path).path()) && WriteTestFile(path, text));
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    }
+    int Open(const QString &file, const QString &parameters = {})
+    {
+        return DesktopShell(folders).Open(file, "Open", parameters, root.path(), 4);
+    }
+
+    static constexpr char hardName[] = "a: $(id) 'letter';`id` & \"x\".pdf";
+    /// First line the name of the program, second the working folder, then an argument each.
     static constexpr char recorder[] = "#!/bin/sh\n"
                                        "{ basename \"$0\"; pwd; for a in \"$@\"; do echo \"$a\"; done; }"
                                        " >\"$RECORD.new\"\n"
                                        "mv \"$RECORD.new\" \"$RECORD\"\n";
-    std::unique_ptr<QTemporaryDir> root;
+    QTemporaryDir root;
     FakeFolders folders;
-    QByteArray abOldPath;
 };
-
-void tst_DesktopShell::init()
-{
-    root = std::make_unique<QTemporaryDir>();
-    folders.strRoot = root->path();
-    QDir(root->path()).mkpath("program");
-    QDir(root->path()).mkpath("path");
-    WriteRecorder(root->filePath("program/Companion.exe"));
-    WriteRecorder(root->filePath("path/xdg-open"));
-    abOldPath = qgetenv("PATH");
-    qputenv("PATH", root->filePath("path").toUtf8() + ":" + abOldPath);
-    qputenv("RECORD", root->filePath("record").toUtf8());
-}
-
-void tst_DesktopShell::cleanup()
-{
-    qputenv("PATH", abOldPath);
-}
-
-void tst_DesktopShell::WriteFile(const QString &path, const QByteArray &text, bool executable)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(text);
-    file.close();
-    if (executable)
-        file.setPermissions(file.permissions() | QFile::ExeOwner | QFile::ExeUser);
-}
-
-QStringList tst_DesktopShell::Recorded() const
-{
-    const QString path = root->filePath("record");
-    if (!QTest::qWaitFor([&path] { return QFile::exists(path); }, 20000))
-        return {};
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).chopped(1).split('\n')
-                                          : QStringList();
-}
-
-void tst_DesktopShell::companionGetsItsArguments_data()
-{
-    QTest::addColumn<QString>("parameters");
-    QTest::addColumn<QStringList>("arguments");
-    QTest::newRow("none") << "" << QStringList{};
-    QTest::newRow("path of the viewer") << "/Brenmot /srv/In Box/a \"b\" $(id);`id`.tif"
-                                        << QStringList{"/Brenmot", "/srv/In Box/a \"b\" $(id);`id`.tif"};
-    QTest::newRow("several") << "one \"two words\" three" << QStringList{"one", "two words", "three"};
-}
-
-void tst_DesktopShell::companionGetsItsArguments()
-{
-    QFETCH(QString, parameters);
-    QFETCH(QStringList, arguments);
-    QVERIFY(Open(folders.Program() + "/Companion.exe", parameters, root->filePath("path")) >= 33);
-    const QStringList recorded = Recorded();
-    QCOMPARE(recorded.value(0), "Companion.exe");
-    QCOMPARE(QFileInfo(recorded.value(1)).canonicalFilePath(),
-             QFileInfo(root->filePath("path")).canonicalFilePath());
-    QCOMPARE(recorded.mid(2), arguments);
-}
-
-void tst_DesktopShell::documentsGoToTheOpener_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::newRow("executable, opened and not run") << "path/xdg-open";
-    QTest::newRow("hard") << "my $(id) 'letter'; & \"x\".pdf";
-    QTest::newRow("colon") << "http: a letter.txt";
-    QTest::newRow("address") << "mailto:support@example.com?body=Version%201.0";
-    QTest::newRow("in the program's folder") << "program/VelmarServer.CHM";
-}
-
-void tst_DesktopShell::documentsGoToTheOpener()
-{
-    QFETCH(QString, name);
-    const bool isAddress = name.startsWith("mailto:");
-    const QString target = isAddress ? name : root->filePath(name);
-    if (!isAddress && !QFile::exists(target))
-        WriteFile(target, "text", false);
-    QVERIFY(Open(target) >= 33);
-    const QStringList recorded = Recorded();
-    QCOMPARE(recorded.value(0), "xdg-open");
-    QCOMPARE(recorded.mid(2), QStringList{target});
-}
-
-void tst_DesktopShell::failuresAreBelow33()
-{
-    WriteFile(root->filePath("letter.pdf"), "text", false);
-    QVERIFY(Open("") < 33);
-    QVERIFY(Open(root->filePath("missing.pdf")) < 33);
-    QVERIFY(Open(folders.Program() + "/Missing.exe") < 33);
-    QVERIFY(Open("file:///etc/passwd") < 33);
-    WriteFile(root->filePath("program/Broken.exe"), "#!/no/such/interpreter\n", true);
-    QVERIFY(Open(folders.Program() + "/Broken.exe") < 33);
-    qputenv("PATH", "/nowhere");
-    QVERIFY(Open(root->filePath("letter.pdf")) < 33);
-}
 
 QTEST_GUILESS_MAIN(tst_DesktopShell)
 #include "tst_DesktopShell.moc"
