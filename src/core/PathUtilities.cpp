@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace {
@@ -69,8 +70,13 @@ bool FolderExists(const QString &path)
 
 bool FlushToDisk(const QString &path)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) && (fsync(file.handle()) == 0 || errno == EINVAL);
+    // No QFile: it opens no folders.
+    const int descriptor = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    const bool isFlushed = fsync(descriptor) == 0 || errno == EINVAL;
+    close(descriptor);
+    return isFlushed;
 }
 
 bool DeleteFolder(const QString &path)

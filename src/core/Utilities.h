@@ -18,7 +18,8 @@ bool CreateFolder(const QString &path);
 /// True for an existing path that is no folder.
 bool FileExists(const QString &path);
 bool FolderExists(const QString &path);
-/// Has the system write a file through to the disk, as far as the file system can; false when it failed.
+/// Has the system write a file, or the names in a folder, through to the disk, as far as the file system can;
+/// false when it failed.
 bool FlushToDisk(const QString &path);
 /// Deletes the folder with its contents. True when that FAILED: callers know it so.
 bool DeleteFolder(const QString &path);

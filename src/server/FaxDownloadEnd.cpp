@@ -127,6 +127,11 @@ void FaxDownload::Acknowledge()
     // The server offers an acknowledged list never again, so one with a gap is left open.
     if (!bListComplete)
         return;
+    // The files were written through one by one; their names come at once, each would cost as much as a file.
+    if (!ReceivedFileList.isEmpty() && !FlushToDisk(Global().strInputBoxPath)) {
+        strError = Tr("The disk is full or cannot be written.");
+        return;
+    }
     rooms.session.BeginCommand(pndFaxList).NewFaxReceived();
     rooms.session.WaitForServerReply();
 }
