@@ -57,6 +57,15 @@ bool CreateFolder(const QString &path)
     return !path.isEmpty() && QDir().mkpath(path);
 }
 
+bool CreatePrivateFolder(const QString &path)
+{
+    const QString folder = WithoutTrailingSeparators(path);
+    if (FolderExists(folder))
+        return true;
+    const auto rights = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
+    return CreateFolder(GetFolderOfPath(folder)) && QDir().mkdir(folder, rights);
+}
+
 bool FileExists(const QString &path)
 {
     const QFileInfo info(path);

@@ -42,7 +42,11 @@ std::optional<QList<QByteArray>> ReadLines(const QString &path)
 bool SaveLines(const QString &path, const QList<QByteArray> &lines)
 {
     QSaveFile file(path);
+    const bool isNew = !QFile::exists(path);
     if (!file.open(QIODevice::WriteOnly))
+        return false;
+    // Passwords' digests stand in it. An existing file keeps its rights.
+    if (isNew && !file.setPermissions(QFile::ReadOwner | QFile::WriteOwner))
         return false;
     file.write(lines.join());
     return file.commit();

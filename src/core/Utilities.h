@@ -15,6 +15,9 @@ class Sound;
 QString AppPath(const Folders &folders);
 /// Makes the folder with all its parents; true on success, also when it is there already.
 bool CreateFolder(const QString &path);
+/// The same for a folder that holds passwords' digests and faxes: nobody but its owner may enter one that is
+/// made here. Parents get the usual rights, and an existing folder keeps its own.
+bool CreatePrivateFolder(const QString &path);
 /// True for an existing path that is no folder.
 bool FileExists(const QString &path);
 bool FolderExists(const QString &path);

@@ -54,7 +54,7 @@ LoginEntry Login::Entry() const
 bool Login::Load()
 {
     const QString &folder = Global().strAppDataPath;
-    if (!FolderExists(folder) && !CreateFolder(folder)) {
+    if (!CreatePrivateFolder(folder)) {
         ShowText(QCoreApplication::translate("server", "Cannot create working directory:") + '\n' + folder,
                  mbExclamation);
         return false;

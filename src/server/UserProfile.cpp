@@ -183,7 +183,8 @@ bool UserProfile::PrepareDatabase(const QString &account)
     const QString &folder = Global().strUserFolder;
     // The account's own folder is made even when its profile stands elsewhere; the next line makes that one.
     if (!FolderExists(folder))
-        CreateFolder(Global().strAppDataPath + account);
+        CreatePrivateFolder(Global().strAppDataPath + account);
+    CreatePrivateFolder(folder);
     CreateFolder(folder + "Database");
     const QString file = DatabaseFile(folder);
     if (FileExists(file)) {

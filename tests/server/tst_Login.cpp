@@ -1,10 +1,14 @@
 #include "core/Globals.h"
 #include "server/LoginTest.h"
+#include "server/UserProfile.h"
 #include "server/wire/Frames.h"
 #include "server/wire/clsClient.h"
 
 #include <QDir>
+#include <QScopeGuard>
 #include <QTest>
+
+#include <sys/stat.h>
 
 class tst_Login : public QObject, private LoginTest
 {
@@ -13,6 +17,24 @@ class tst_Login : public QObject, private LoginTest
 private slots:
     void init() { SetUp(); }
     void cleanup() { TearDown(); }
+
+    void nobodyElseReadsWhatALoginMakes()
+    {
+        const auto restore = qScopeGuard([before = umask(0)] { umask(before); });
+        Global().strAppDataPath = profile->Root() + "/new/Velmar/";
+        Global().strIniFile = Global().strAppDataPath + "FaxSetup.ini";
+        QVERIFY(login->Load());
+        QVERIFY(UserProfile(fakes->ports).Save({"bert", "secret"}));
+        const QFile::Permissions others(0x0077);
+        for (const QString &path : {Global().strAppDataPath, Global().strUserFolder, Global().strIniFile})
+            QVERIFY2(!(QFile::permissions(path) & others), qPrintable(path));
+
+        // What somebody has opened to others stays so.
+        const QFile::Permissions shared = QFile::permissions(Global().strAppDataPath) | QFile::ReadGroup;
+        QVERIFY(QFile::setPermissions(Global().strAppDataPath, shared));
+        QVERIFY(login->Load());
+        QCOMPARE(QFile::permissions(Global().strAppDataPath), shared);
+    }
 
     void windowStartsWithTheLastUser()
     {

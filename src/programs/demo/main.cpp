@@ -34,7 +34,7 @@ bool Prepare(const Ports &ports, const QString &server, const QString &account, 
     entry.bRememberPwd = true;
     entry.bAutoLogin = true;
     UserProfile profile(ports);
-    if (!CreateFolder(Global().strAppDataPath) || !profile.Save(entry))
+    if (!CreatePrivateFolder(Global().strAppDataPath) || !profile.Save(entry))
         return false;
     Global().objDB->Execute(QStringLiteral("Update Option Set SwitchTo=1"));
     return WriteIniValue(QStringLiteral("General"), QStringLiteral("ServerIP"), server, Global().strIniFile);
