@@ -12,10 +12,7 @@ namespace {
 struct Bench : SessionBench
 {
     Bench() { session.CheckFaxTimer().SetEnabled(true); }
-
-    QString strFaxFile;
-    Polling polling{ports.ports, session, download, desktop.forms,
-                    [this] { return std::exchange(strFaxFile, {}); }};
+    Polling polling{ports.ports, session, download, desktop.forms, {}};
 };
 } // namespace
 
@@ -27,95 +24,69 @@ private slots:
     void init() { bench.emplace(); }
     void cleanup() { bench.reset(); }
 
-    void fetchesWhenTheMinutesAreOver();
-    void neverFetches();
-    void fetchWaitsUntilOtherWindowsHaveClosed();
-    void commandUnderWayIsLeftAlone();
-    void idleUserIsLoggedOutAndComesBackSilently();
-    void faxFileOpensWhenTheMainWindowIsAlone();
+    void fetchesWhenTheMinutesAreOver()
+    {
+        Global().CheckFax = 2;
+        bench->Live(119);
+        QCOMPARE(bench->Heard(), QStringList());
+        bench->Silence(1500).SayLong("OK\r\n");
+        bench->Live(2);
+        QCOMPARE(bench->Heard(), QStringList("6"));
+        QVERIFY(!bench->progress.IsLoaded());
+    }
+
+    void neverFetches()
+    {
+        for (const int minutes : {0, 1, 2}) { // never, not while offline, and not while busy
+            Global().CheckFax = minutes;
+            bench->session.bOnline = minutes != 1;
+            bench->session.bIsSocketBusy = minutes == 2;
+            bench->Live(200);
+            QVERIFY(bench->Heard().isEmpty() && bench->session.lCheckTicks == 0);
+        }
+    }
+
+    void fetchWaitsUntilOtherWindowsHaveClosed()
+    {
+        bench->desktop.forms.lCount = 2;
+        bench->Live(90);
+        QCOMPARE(bench->Heard(), QStringList());
+        bench->desktop.forms.lCount = 1;
+        bench->Silence(1500).SayLong("OK\r\n");
+        bench->Live(2);
+        QCOMPARE(bench->Heard(), QStringList("6"));
+    }
+
+    /// Neither the fetch nor the idle logout may come between a command and its reply.
+    void commandUnderWayIsLeftAlone()
+    {
+        Global().DisconnectTime = 1;
+        bench->Live(57);
+        bench->session.BeginCommand(pndVersions).GetContactVersion();
+        QCOMPARE(bench->session.WaitForServerReply(), WaitEnd::Silent);
+        QCOMPARE(bench->Heard(), QStringList("3"));
+    }
+
+    void idleUserIsLoggedOutAndComesBackSilently()
+    {
+        Global().CheckFax = 2;
+        Global().DisconnectTime = 1;
+        bench->Live(60);
+        QCOMPARE(bench->Heard(), QStringList());
+        bench->Live(30);
+        QCOMPARE(bench->Heard(), QStringList("2")); // once, though the server does not close
+        QVERIFY(bench->session.bUserLogout && bench->session.bOnline);
+        bench->ForgetHeard();
+        bench->Live(29);
+        bench->Silence(1500).AcceptConnection().SayLong("OK\r\n");
+        bench->Live(50);
+        QCOMPARE(bench->Heard(), QStringList({"1 anna " + Global().strPwdDigest, "6"}));
+        QVERIFY(!bench->session.bUserLogout);
+    }
 
 private:
     std::optional<Bench> bench;
 };
-
-void tst_Polling::fetchesWhenTheMinutesAreOver()
-{
-    Global().CheckFax = 2;
-    bench->Live(119);
-    QCOMPARE(bench->Heard(), QStringList());
-    bench->Silence(1500).SayLong("OK\r\n");
-    bench->Live(2);
-    QCOMPARE(bench->Heard(), QStringList("6"));
-    QVERIFY(!bench->progress.IsLoaded());
-    bench->Live(118);
-    QCOMPARE(bench->Heard(), QStringList("6"));
-    bench->Silence(1500).SayLong("OK\r\n");
-    bench->Live(4);
-    QCOMPARE(bench->Heard(), QStringList({"6", "6"}));
-}
-
-void tst_Polling::neverFetches()
-{
-    const auto staysSilent = [this](int minutes, bool online, bool busy) {
-        Global().CheckFax = minutes;
-        bench->session.bOnline = online;
-        bench->session.bIsSocketBusy = busy;
-        bench->Live(200);
-        return bench->Heard().isEmpty() && bench->session.lCheckTicks == 0;
-    };
-    QVERIFY(staysSilent(0, true, false));
-    QVERIFY(staysSilent(1, false, false));
-    QVERIFY(staysSilent(1, true, true));
-}
-
-void tst_Polling::fetchWaitsUntilOtherWindowsHaveClosed()
-{
-    bench->desktop.forms.lCount = 2;
-    bench->Live(90);
-    QCOMPARE(bench->Heard(), QStringList());
-    bench->desktop.forms.lCount = 1;
-    bench->Silence(1500).SayLong("OK\r\n");
-    bench->Live(2);
-    QCOMPARE(bench->Heard(), QStringList("6"));
-}
-
-/// Neither the fetch nor the idle logout may come between a command and its reply.
-void tst_Polling::commandUnderWayIsLeftAlone()
-{
-    Global().DisconnectTime = 1;
-    bench->Live(57);
-    bench->session.BeginCommand(pndVersions).GetContactVersion();
-    QCOMPARE(bench->session.WaitForServerReply(), WaitEnd::Silent);
-    QCOMPARE(bench->Heard(), QStringList("3"));
-}
-
-void tst_Polling::idleUserIsLoggedOutAndComesBackSilently()
-{
-    Global().CheckFax = 2;
-    Global().DisconnectTime = 1;
-    bench->Live(60);
-    QCOMPARE(bench->Heard(), QStringList());
-    bench->Live(30);
-    QCOMPARE(bench->Heard(), QStringList("2")); // once, though the server does not close
-    QVERIFY(bench->session.bUserLogout && bench->session.bOnline);
-    bench->ForgetHeard();
-    bench->Live(29);
-    bench->Silence(1500).AcceptConnection().SayLong("OK\r\n");
-    bench->Live(50);
-    QCOMPARE(bench->Heard(), QStringList({"1 anna " + Global().strPwdDigest, "6"}));
-    QVERIFY(!bench->session.bUserLogout);
-}
-
-void tst_Polling::faxFileOpensWhenTheMainWindowIsAlone()
-{
-    bench->strFaxFile = "/tmp/fax.tif";
-    bench->desktop.forms.lCount = 2;
-    bench->Live(3);
-    QCOMPARE(bench->desktop.forms.aComposers, QStringList());
-    bench->desktop.forms.lCount = 1;
-    bench->Live(3);
-    QCOMPARE(bench->desktop.forms.aComposers, QStringList("/tmp/fax.tif"));
-}
 
 QTEST_GUILESS_MAIN(tst_Polling)
 #include "tst_Polling.moc"
