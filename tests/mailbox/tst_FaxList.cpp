@@ -6,8 +6,8 @@
 #include <QAbstractItemModelTester>
 #include <QTest>
 
-#include <algorithm>
 #include <memory>
+#include <tuple>
 
 class tst_FaxList : public QObject
 {
@@ -25,28 +25,218 @@ private slots:
         profile.reset();
     }
 
-    void columnsOfTheLayouts_data();
-    void columnsOfTheLayouts();
-    void cellsOfTheModes_data();
-    void cellsOfTheModes();
-    void newestFaxStandsFirst();
-    void additionKeepsWhatIsListed();
-    void dateRangeAndFilterNarrowTheList();
-    void allFoldersDropsTheFolder();
-    void recycleBinMixesBothTables();
-    void levelsAndReadStateShow_data();
-    void levelsAndReadStateShow();
-    void summaryCountsSubtrees();
-    void summaryOfTheBinLosesEqualCounts();
-    void timesAreReformatted_data();
-    void timesAreReformatted();
-    void modelShowsRowsReversed();
-    void columnsSortByTheirKind_data();
-    void columnsSortByTheirKind();
-    void orderOutlivesAReload();
-    void summaryIsNotSorted();
-    void selectionMovesWithTheSortedFaxes();
-    void hoveredFaxInvitesAClick();
+    void cellsOfTheModes_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<QString>("folder");
+        QTest::addColumn<QStringList>("cells"); // from column 4 on
+        QTest::newRow("draft") << 1 << "1002"
+                               << QStringList{"Ann;Bob", "It's", "2", "03/04/2026 05:06:07", "a.doc,b.doc"};
+        QTest::newRow("outgoing") << 4 << "1003" << QStringList{"Ann;Bob", "It's", "2", "x.tif"};
+        const QStringList sent{"Ann;Bob", "It's", "2", "Busy", "03/05/2026 05:06:07", "C:\\out\\x.tif"};
+        QTest::newRow("sending") << 5 << "1005" << sent;
+        QTest::newRow("undelivered") << 7 << "1007" << sent;
+    }
+
+    void cellsOfTheModes()
+    {
+        QFETCH(int, mode);
+        QFETCH(QString, folder);
+        profile->InsertSentFax("S1", {{"folderID", folder},
+                                      {"ReceiverName", "Ann;Bob;"},
+                                      {"title", "It~$@~s"},
+                                      {"pages", "2"},
+                                      {"ModifyTime", "2026-03-04 05:06:07"},
+                                      {"SendTime", "2026-03-05 05:06:07"},
+                                      {"fileList", "a.doc,b.doc,"},
+                                      {"fileName", "C:\\out\\x.tif"},
+                                      {"result", QString("Busy") + QChar(2) + "more"}});
+        Load(mode, folder);
+        QCOMPARE(list->RowCount(), 1);
+        QTEST(list->Row(1).aCells.mid(2), "cells");
+    }
+
+    void additionKeepsWhatIsListed()
+    {
+        profile->InsertReceivedFax("A", {{"receiveTime", "2026-01-02 00:00:00"}});
+        Load(2, "1001");
+        // Older than what is listed, and yet on top: additions do not sort the list anew.
+        profile->InsertReceivedFax("B", {{"receiveTime", "2026-01-01 00:00:00"}});
+        Profile::Execute("UPDATE ReceiveFax SET title='changed' WHERE Fax_ID='A'");
+        Load(2, "1001", false);
+        QCOMPARE(ShownIds(), QStringList({"B", "A"}));
+        QVERIFY(list->Row(2).Cell(6) != "changed");
+        Load(2, "1001", true);
+        QCOMPARE(ShownIds(), QStringList({"A", "B"}));
+        QCOMPARE(list->Row(1).Cell(6), "changed");
+    }
+
+    void dateRangeAndFilterNarrowTheList()
+    {
+        profile->InsertReceivedFax("A", {{"receiveTime", "2026-03-31 12:00:00"}, {"title", "Bill"}});
+        profile->InsertReceivedFax("B", {{"receiveTime", "2026-04-01 12:00:00"}, {"title", "Bill"}});
+        profile->InsertReceivedFax("C", {{"receiveTime", "2026-03-30 12:00:00"}, {"title", "Note"}});
+        list->LoadFaxes(
+            {"1001", 2, " and title='Bill' ", false, {}, " between '2026-03-01' and  '2026-04-01'"}, true);
+        QCOMPARE(ShownIds(), QStringList({"A"}));
+    }
+
+    void allFoldersDropsTheFolder()
+    {
+        profile->InsertSentFax("A", {{"folderID", "1005"}});
+        profile->InsertSentFax("B", {{"folderID", "1002"}});
+        profile->InsertSentFax("C", {{"folderID", "1002"}, {"RecyleID", "1008"}});
+        list->LoadFaxes({"1005", 5, {}, true, {}, {}}, true);
+        QCOMPARE(list->RowCount(), 2);
+        QCOMPARE(list->RowOf("C"), 0);
+    }
+
+    void recycleBinMixesBothTables()
+    {
+        profile->InsertReceivedFax("R", {{"RecyleID", "1008"},
+                                         {"sender", "Ann"},
+                                         {"title", "Bill"},
+                                         {"pages", "3"},
+                                         {"receiveTime", "2026-01-01 00:00:00"},
+                                         {"reSender", "Bob"},
+                                         {"fileName", "r.tif"}});
+        profile->InsertSentFax(
+            "S", {{"RecyleID", "1008"}, {"title", "Offer"}, {"pages", "1"}, {"fileName", "out/s.tif"}});
+        Load(3, "1008");
+        QCOMPARE(ShownIds(), QStringList({"R", "S"}));
+        // Each value from the title on stands one column left of its caption; column 10 tells the table.
+        QCOMPARE(list->Row(1).aCells.mid(2),
+                 QStringList({"Ann", "Bill", "3", "01/01/2026 00:00:00", "Bob", "r.tif", "0"}));
+        QCOMPARE(list->Row(2).aCells.mid(2), QStringList({"", "Offer", "1", "", "", "s.tif", "1"}));
+    }
+
+    void levelsAndReadStateShow()
+    {
+        struct Case
+        {
+            QString strLevel, strReaded, strLevelImage, strReadImage;
+            quint32 lColor; // 1 for none
+        };
+        for (const Case &c : {Case{"0", "0", "imgLevel", "imgNotRead", 0xff0000},
+                              Case{"2", "1", "imgLowLevel", "imgReaded", 0x969696},
+                              Case{"1", "-1", "", "imgReaded", 1}, Case{"", "False", "", "imgNotRead", 1}}) {
+            profile->InsertSentFax(
+                "S" + c.strLevel,
+                {{"folderID", "1002"}, {"faxLevel", c.strLevel}, {"isReaded", c.strReaded}});
+            Load(1, "1002");
+            const FaxRow &row = list->Row(list->RowOf("S" + c.strLevel));
+            QCOMPARE(row.LevelImageKey(), c.strLevelImage);
+            QCOMPARE(row.ReadImageKey(), c.strReadImage);
+            QCOMPARE(row.TextColor().value_or(1), c.lColor);
+        }
+        QCOMPARE(list->UnreadCount(), 2);
+    }
+
+    void timesAreReformatted()
+    {
+        QCOMPARE(FormatListTime("2026-03-04 05:06:07"), "03/04/2026 05:06:07");
+        QCOMPARE(FormatListTime("2026-03-04"), "03/04/2026 00:00:00");
+        for (const QString other : {"", "4.3.2026 05:06:0700", "not sent yet"})
+            QCOMPARE(FormatListTime(other), other);
+    }
+
+    void columnsSortByTheirKind()
+    {
+        profile->InsertReceivedFax(
+            "A", {{"sender", "Zoe"}, {"pages", "9"}, {"receiveTime", "2026-01-02 00:00:00"}});
+        profile->InsertReceivedFax(
+            "B", {{"sender", "ann"}, {"pages", "10"}, {"receiveTime", "2025-12-01 00:00:00"}});
+        profile->InsertReceivedFax(
+            "C", {{"sender", "Bob"}, {"pages", ""}, {"receiveTime", "2026-02-01 00:00:00"}});
+        list->SetLayout(1);
+        Load(2, "1001");
+        QCOMPARE(ShownIds().join(""), "CAB"); // the newest first
+        for (const auto &[column, ascending, descending] :
+             {std::tuple{4, "BCA", "ACB"}, {7, "CAB", "BAC"}, {8, "BAC", "CAB"}}) {
+            list->SortBy(column);
+            QCOMPARE(ShownIds().join(""), ascending);
+            QCOMPARE(list->HeaderImageKey(column), "imgSortUp");
+            list->SortBy(column);
+            QCOMPARE(ShownIds().join(""), descending);
+            QCOMPARE(list->HeaderImageKey(column), "imgSortDown");
+        }
+        list->SortBy(colLevel); // has no order
+        QCOMPARE(ShownIds().join(""), "CAB");
+    }
+
+    void summaryCountsSubtrees()
+    {
+        profile->InsertReceivedFax("R1", {{"isReaded", "0"}});
+        profile->InsertReceivedFax("R2", {{"folderID", "SUB"}, {"isReaded", "1"}});
+        profile->InsertSentFax("S1", {{"folderID", "1003"}, {"isReaded", "1"}});
+        profile->InsertSentFax("S2", {{"folderID", "1003"}, {"isReaded", "0"}, {"RecyleID", "1008"}});
+        profile->InsertSentFax("S3", {{"folderID", "1006"}, {"isReaded", "0"}});
+        list->LoadSummary({",'SUB'", "", ",'1005','1006','1007'", ""}, {});
+        QStringList rows;
+        for (int row = 1; row <= list->RowCount(); ++row)
+            rows.append(list->Row(row).aCells.join('|'));
+        // The total of Outgoing counts the recycled fax as well.
+        QCOMPARE(rows, QStringList({"Incoming Fax|1|2", "Draft Fax|0|0", "Sent Fax|1|1", "Outgoing fax|0|2",
+                                    "Recycle bin|1|1"}));
+        QCOMPARE(list->Row(1).ReadImageKey(), "");
+    }
+
+    void modelShowsRowsReversed()
+    {
+        FaxListModel model(*list);
+        const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        list->SetLayout(1);
+        profile->InsertReceivedFax(
+            "A", {{"receiveTime", "2026-01-01 00:00:00"}, {"isReaded", "0"}, {"faxLevel", "0"}});
+        Load(2, "1001");
+        profile->InsertReceivedFax("B", {{"receiveTime", "2026-01-02 00:00:00"}, {"isReaded", "1"}});
+        Load(2, "1001", false);
+        QCOMPARE(model.rowCount(), 2);
+        QCOMPARE(model.columnCount(), 11);
+        QCOMPARE(model.index(0, 0).data(KeyRole), "B");
+        const QModelIndex unread = model.index(1, colIsReaded - 1);
+        QCOMPARE(unread.data(ImageKeyRole), "imgNotRead");
+        QCOMPARE(unread.data(Qt::AccessibleTextRole), "Unread");
+        QCOMPARE(unread.data(BoldRole), true);
+        QCOMPARE(model.index(1, colLevel - 1).data(Qt::AccessibleTextRole), "Urgent");
+        QCOMPARE(unread.data(ColorRole).toUInt(), 0xff0000u);
+        QCOMPARE(model.headerData(7, Qt::Horizontal, ImageKeyRole), "imgSortDown");
+        QCOMPARE(model.headerData(1, Qt::Horizontal, Qt::ToolTipRole), "Read");
+        list->SetLayout(4);
+        QCOMPARE(model.rowCount(), 0);
+        QCOMPARE(model.headerData(3, Qt::Horizontal, Qt::DisplayRole), "Recipient");
+    }
+
+    void orderOutlivesAReload()
+    {
+        profile->InsertReceivedFax("A", {{"sender", "Ann"}, {"receiveTime", "2026-01-01 00:00:00"}});
+        profile->InsertReceivedFax("B", {{"sender", "Bob"}, {"receiveTime", "2026-01-02 00:00:00"}});
+        list->SetLayout(1);
+        Load(2, "1001");
+        list->SortBy(4);
+        QCOMPARE(ShownIds(), QStringList({"A", "B"}));
+        Load(2, "1001");
+        QCOMPARE(ShownIds(), QStringList({"A", "B"}));
+        list->SetLayout(1);
+        Load(2, "1001");
+        QCOMPARE(ShownIds(), QStringList({"B", "A"}));
+        QCOMPARE(list->HeaderImageKey(8), "imgSortDown");
+    }
+
+    void selectionMovesWithTheSortedFaxes()
+    {
+        profile->InsertReceivedFax("A", {{"sender", "Ann"}, {"receiveTime", "2026-01-01 00:00:00"}});
+        profile->InsertReceivedFax("B", {{"sender", "Bob"}, {"receiveTime", "2026-01-02 00:00:00"}});
+        list->SetLayout(1);
+        Load(2, "1001");
+        FaxListModel model(*list);
+        const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        const QPersistentModelIndex fax(model.index(0, 3));
+        QCOMPARE(fax.data(), "Bob");
+        list->SortBy(4);
+        QCOMPARE(fax.row(), 1);
+        QCOMPARE(fax.data(), "Bob");
+    }
 
 private:
     void Load(int mode, const QString &key, bool clearFirst = true)
@@ -64,348 +254,6 @@ private:
     std::unique_ptr<Profile> profile;
     std::unique_ptr<FaxList> list;
 };
-
-void tst_FaxList::columnsOfTheLayouts_data()
-{
-    QTest::addColumn<int>("layout");
-    QTest::addColumn<QStringList>("keys");
-    QTest::addColumn<int>("sortedColumn");
-    const QStringList received{"ID",        "IsReaded",     "Level",    "Sender", "FirstReader", "Subject",
-                               "PageCount", "ReceivedTime", "ReSender", "File",   "FaxTable"};
-    QTest::newRow("summary") << 0 << QStringList{"ID", "Folder", "Unread", "Faxes"} << 0;
-    QTest::newRow("received") << 1 << received << 8;
-    QTest::newRow("sent") << 2 << QStringList{"ID",        "IsReaded",   "Level",    "Receiver", "Subject",
-                                              "PageCount", "SendResult", "SendTime", "File"}
-                          << 8;
-    QTest::newRow("outgoing") << 3 << QStringList{"ID",      "IsReaded",  "Level", "Receiver",
-                                                  "Subject", "PageCount", "File"}
-                              << 0;
-    QTest::newRow("draft") << 4 << QStringList{"ID",      "IsReaded",  "Level",        "Receiver",
-                                               "Subject", "PageCount", "ModifiedTime", "File"}
-                           << 7;
-    QTest::newRow("recycle bin") << 5 << received << 8;
-}
-
-void tst_FaxList::columnsOfTheLayouts()
-{
-    QFETCH(int, layout);
-    QFETCH(int, sortedColumn);
-    list->SetLayout(layout);
-    QStringList keys;
-    int sorted = 0;
-    for (const FaxColumn &column : list->Columns()) {
-        keys.append(column.strKey);
-        if (column.bSorted)
-            sorted = static_cast<int>(keys.size());
-    }
-    QTEST(keys, "keys");
-    QCOMPARE(sorted, sortedColumn);
-    QVERIFY(list->Columns().first().IsHidden());
-    QCOMPARE(list->Columns().last().IsHidden(), layout == 1 || layout == 5);
-}
-
-void tst_FaxList::cellsOfTheModes_data()
-{
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<QString>("folder");
-    QTest::addColumn<QStringList>("cells"); // from column 4 on
-    QTest::newRow("draft") << 1 << "1002"
-                           << QStringList{"Ann;Bob", "It's", "2", "03/04/2026 05:06:07", "a.doc,b.doc"};
-    QTest::newRow("outgoing") << 4 << "1003" << QStringList{"Ann;Bob", "It's", "2", "x.tif"};
-    QTest::newRow("sending") << 5 << "1005"
-                             << QStringList{"Ann;Bob",       "It's", "2", "Busy", "03/05/2026 05:06:07",
-                                            "C:\\out\\x.tif"};
-    QTest::newRow("undelivered") << 7 << "1007"
-                                 << QStringList{"Ann;Bob",       "It's", "2", "Busy", "03/05/2026 05:06:07",
-                                                "C:\\out\\x.tif"};
-}
-
-void tst_FaxList::cellsOfTheModes()
-{
-    QFETCH(int, mode);
-    QFETCH(QString, folder);
-    profile->InsertSentFax("S1", {{"folderID", folder},
-                                  {"ReceiverName", "Ann;Bob;"},
-                                  {"title", "It~$@~s"},
-                                  {"pages", "2"},
-                                  {"ModifyTime", "2026-03-04 05:06:07"},
-                                  {"SendTime", "2026-03-05 05:06:07"},
-                                  {"fileList", "a.doc,b.doc,"},
-                                  {"fileName", "C:\\out\\x.tif"},
-                                  {"result", QString("Busy") + QChar(2) + "more"}});
-    Load(mode, folder);
-    QCOMPARE(list->RowCount(), 1);
-    QTEST(list->Row(1).aCells.mid(2), "cells");
-}
-
-void tst_FaxList::newestFaxStandsFirst()
-{
-    profile->InsertReceivedFax("OLD", {{"receiveTime", "2026-01-01 00:00:00"}});
-    profile->InsertReceivedFax("NEW", {{"receiveTime", "2026-01-03 00:00:00"}});
-    profile->InsertReceivedFax("MID", {{"receiveTime", "2026-01-02 00:00:00"}});
-    Load(2, "1001");
-    QCOMPARE(ShownIds(), QStringList({"NEW", "MID", "OLD"}));
-    QCOMPARE(list->RowOf("OLD"), 3);
-    QCOMPARE(list->RowOf("GONE"), 0);
-}
-
-void tst_FaxList::additionKeepsWhatIsListed()
-{
-    profile->InsertReceivedFax("A", {{"receiveTime", "2026-01-02 00:00:00"}});
-    Load(2, "1001");
-    // Older than what is listed, and yet on top: additions do not sort the list anew.
-    profile->InsertReceivedFax("B", {{"receiveTime", "2026-01-01 00:00:00"}});
-    Profile::Execute("UPDATE ReceiveFax SET title='changed' WHERE Fax_ID='A'");
-    Load(2, "1001", false);
-    QCOMPARE(ShownIds(), QStringList({"B", "A"}));
-    QVERIFY(list->Row(2).Cell(6) != "changed");
-    Load(2, "1001", true);
-    QCOMPARE(ShownIds(), QStringList({"A", "B"}));
-    QCOMPARE(list->Row(1).Cell(6), "changed");
-}
-
-void tst_FaxList::dateRangeAndFilterNarrowTheList()
-{
-    profile->InsertReceivedFax("A", {{"receiveTime", "2026-03-31 12:00:00"}, {"title", "Bill"}});
-    profile->InsertReceivedFax("B", {{"receiveTime", "2026-04-01 12:00:00"}, {"title", "Bill"}});
-    profile->InsertReceivedFax("C", {{"receiveTime", "2026-03-30 12:00:00"}, {"title", "Note"}});
-    list->LoadFaxes({"1001", 2, " and title='Bill' ", false, {}, " between '2026-03-01' and  '2026-04-01'"},
-                    true);
-    QCOMPARE(ShownIds(), QStringList({"A"}));
-}
-
-void tst_FaxList::allFoldersDropsTheFolder()
-{
-    profile->InsertSentFax("A", {{"folderID", "1005"}});
-    profile->InsertSentFax("B", {{"folderID", "1002"}});
-    profile->InsertSentFax("C", {{"folderID", "1002"}, {"RecyleID", "1008"}});
-    list->LoadFaxes({"1005", 5, {}, true, {}, {}}, true);
-    QCOMPARE(list->RowCount(), 2);
-    QCOMPARE(list->RowOf("C"), 0);
-}
-
-void tst_FaxList::recycleBinMixesBothTables()
-{
-    profile->InsertReceivedFax("R", {{"RecyleID", "1008"},
-                                     {"sender", "Ann"},
-                                     {"title", "Bill"},
-                                     {"pages", "3"},
-                                     {"receiveTime", "2026-01-01 00:00:00"},
-                                     {"reSender", "Bob"},
-                                     {"fileName", "r.tif"}});
-    profile->InsertSentFax(
-        "S", {{"RecyleID", "1008"}, {"title", "Offer"}, {"pages", "1"}, {"fileName", "out/s.tif"}});
-    Load(3, "1008");
-    QCOMPARE(ShownIds(), QStringList({"R", "S"}));
-    // Each value from the title on stands one column left of its caption; column 10 tells the table.
-    QCOMPARE(list->Row(1).aCells.mid(2),
-             QStringList({"Ann", "Bill", "3", "01/01/2026 00:00:00", "Bob", "r.tif", "0"}));
-    QCOMPARE(list->Row(2).aCells.mid(2), QStringList({"", "Offer", "1", "", "", "s.tif", "1"}));
-}
-
-void tst_FaxList::levelsAndReadStateShow_data()
-{
-    QTest::addColumn<QString>("level");
-    QTest::addColumn<QString>("isReaded");
-    QTest::addColumn<QString>("levelImage");
-    QTest::addColumn<QString>("readImage");
-    QTest::addColumn<quint32>("color"); // 1 for none
-    QTest::newRow("urgent") << "0"
-                            << "0"
-                            << "imgLevel"
-                            << "imgNotRead" << quint32(0xff0000);
-    QTest::newRow("low") << "2"
-                         << "1"
-                         << "imgLowLevel"
-                         << "imgReaded" << quint32(0x969696);
-    QTest::newRow("normal") << "1"
-                            << "-1"
-                            << ""
-                            << "imgReaded" << quint32(1);
-    QTest::newRow("unknown") << "7"
-                             << "True"
-                             << ""
-                             << "imgReaded" << quint32(1);
-    QTest::newRow("none") << ""
-                          << "False"
-                          << ""
-                          << "imgNotRead" << quint32(1);
-}
-
-void tst_FaxList::levelsAndReadStateShow()
-{
-    QFETCH(QString, level);
-    QFETCH(QString, isReaded);
-    profile->InsertSentFax("S", {{"folderID", "1002"}, {"faxLevel", level}, {"isReaded", isReaded}});
-    Load(1, "1002");
-    const FaxRow &row = list->Row(1);
-    QTEST(row.LevelImageKey(), "levelImage");
-    QTEST(row.ReadImageKey(), "readImage");
-    QTEST(row.TextColor().value_or(1), "color");
-    QCOMPARE(list->UnreadCount(), row.bRead ? 0 : 1);
-}
-
-void tst_FaxList::summaryCountsSubtrees()
-{
-    profile->InsertReceivedFax("R1", {{"isReaded", "0"}});
-    profile->InsertReceivedFax("R2", {{"folderID", "SUB"}, {"isReaded", "1"}});
-    profile->InsertSentFax("S1", {{"folderID", "1003"}, {"isReaded", "1"}});
-    profile->InsertSentFax("S2", {{"folderID", "1003"}, {"isReaded", "0"}, {"RecyleID", "1008"}});
-    profile->InsertSentFax("S3", {{"folderID", "1006"}, {"isReaded", "0"}});
-    list->LoadSummary({",'SUB'", "", ",'1005','1006','1007'", ""}, {});
-    QStringList rows;
-    for (int row = 1; row <= list->RowCount(); ++row)
-        rows.append(list->Row(row).aCells.join('|'));
-    // The total of Outgoing counts the recycled fax as well.
-    QCOMPARE(rows, QStringList({"Incoming Fax|1|2", "Draft Fax|0|0", "Sent Fax|1|1", "Outgoing fax|0|2",
-                                "Recycle bin|1|1"}));
-    QCOMPARE(list->Row(1).ReadImageKey(), "");
-}
-
-void tst_FaxList::summaryOfTheBinLosesEqualCounts()
-{
-    profile->InsertReceivedFax("R", {{"RecyleID", "1008"}});
-    profile->InsertSentFax("S", {{"RecyleID", "1008"}});
-    list->LoadSummary({}, {});
-    QCOMPARE(list->Row(5).Cell(4), "1");
-}
-
-void tst_FaxList::timesAreReformatted_data()
-{
-    QTest::addColumn<QString>("stored");
-    QTest::addColumn<QString>("shown");
-    QTest::newRow("time") << "2026-03-04 05:06:07"
-                          << "03/04/2026 05:06:07";
-    QTest::newRow("date only") << "2026-03-04"
-                               << "03/04/2026 00:00:00";
-    QTest::newRow("T between") << "2026-03-04T05:06:07"
-                               << "03/04/2026 05:06:07";
-    QTest::newRow("empty") << ""
-                           << "";
-    QTest::newRow("other form") << "4.3.2026 05:06:0700"
-                                << "4.3.2026 05:06:0700";
-    QTest::newRow("words") << "not sent yet"
-                           << "not sent yet";
-}
-
-void tst_FaxList::timesAreReformatted()
-{
-    QFETCH(QString, stored);
-    QTEST(FormatListTime(stored), "shown");
-}
-
-void tst_FaxList::modelShowsRowsReversed()
-{
-    FaxListModel model(*list);
-    const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
-    list->SetLayout(1);
-    profile->InsertReceivedFax(
-        "A", {{"receiveTime", "2026-01-01 00:00:00"}, {"isReaded", "0"}, {"faxLevel", "0"}});
-    Load(2, "1001");
-    profile->InsertReceivedFax("B", {{"receiveTime", "2026-01-02 00:00:00"}, {"isReaded", "1"}});
-    Load(2, "1001", false);
-    QCOMPARE(model.rowCount(), 2);
-    QCOMPARE(model.columnCount(), 11);
-    QCOMPARE(model.index(0, 0).data(KeyRole), "B");
-    const QModelIndex unread = model.index(1, colIsReaded - 1);
-    QCOMPARE(unread.data(ImageKeyRole), "imgNotRead");
-    QCOMPARE(unread.data(Qt::AccessibleTextRole), "Unread");
-    QCOMPARE(unread.data(BoldRole), true);
-    QCOMPARE(model.index(1, colLevel - 1).data(Qt::AccessibleTextRole), "Urgent");
-    QCOMPARE(unread.data(ColorRole).toUInt(), 0xff0000u);
-    QCOMPARE(model.headerData(7, Qt::Horizontal, ImageKeyRole), "imgSortDown");
-    QCOMPARE(model.headerData(1, Qt::Horizontal, Qt::ToolTipRole), "Read");
-    list->SetLayout(4);
-    QCOMPARE(model.rowCount(), 0);
-    QCOMPARE(model.headerData(3, Qt::Horizontal, Qt::DisplayRole), "Recipient");
-}
-
-void tst_FaxList::columnsSortByTheirKind_data()
-{
-    QTest::addColumn<int>("column");
-    QTest::addColumn<QStringList>("ascending");
-    QTest::newRow("sender") << 4 << QStringList{"B", "C", "A"};
-    QTest::newRow("pages") << 7 << QStringList{"C", "A", "B"};
-    QTest::newRow("time") << 8 << QStringList{"B", "A", "C"};
-}
-
-void tst_FaxList::columnsSortByTheirKind()
-{
-    QFETCH(int, column);
-    QFETCH(QStringList, ascending);
-    profile->InsertReceivedFax("A",
-                               {{"sender", "Zoe"}, {"pages", "9"}, {"receiveTime", "2026-01-02 00:00:00"}});
-    profile->InsertReceivedFax("B",
-                               {{"sender", "ann"}, {"pages", "10"}, {"receiveTime", "2025-12-01 00:00:00"}});
-    profile->InsertReceivedFax("C",
-                               {{"sender", "Bob"}, {"pages", ""}, {"receiveTime", "2026-02-01 00:00:00"}});
-    list->SetLayout(1);
-    Load(2, "1001");
-    list->SortBy(column);
-    QCOMPARE(ShownIds(), ascending);
-    QCOMPARE(list->HeaderImageKey(column), "imgSortUp");
-    list->SortBy(column);
-    std::reverse(ascending.begin(), ascending.end());
-    QCOMPARE(ShownIds(), ascending);
-    QCOMPARE(list->HeaderImageKey(column), "imgSortDown");
-    QCOMPARE(list->HeaderImageKey(colIsReaded), "imgIsRead");
-    QCOMPARE(list->HeaderImageKey(6), "");
-    list->SortBy(colLevel);
-    QCOMPARE(ShownIds(), ascending);
-}
-
-void tst_FaxList::orderOutlivesAReload()
-{
-    profile->InsertReceivedFax("A", {{"sender", "Ann"}, {"receiveTime", "2026-01-01 00:00:00"}});
-    profile->InsertReceivedFax("B", {{"sender", "Bob"}, {"receiveTime", "2026-01-02 00:00:00"}});
-    list->SetLayout(1);
-    Load(2, "1001");
-    list->SortBy(4);
-    QCOMPARE(ShownIds(), QStringList({"A", "B"}));
-    Load(2, "1001");
-    QCOMPARE(ShownIds(), QStringList({"A", "B"}));
-    list->SetLayout(1);
-    Load(2, "1001");
-    QCOMPARE(ShownIds(), QStringList({"B", "A"}));
-    QCOMPARE(list->HeaderImageKey(8), "imgSortDown");
-}
-
-void tst_FaxList::summaryIsNotSorted()
-{
-    list->LoadSummary({}, {});
-    list->SortBy(4);
-    QCOMPARE(list->Row(1).Cell(2), "Incoming Fax");
-}
-
-void tst_FaxList::selectionMovesWithTheSortedFaxes()
-{
-    profile->InsertReceivedFax("A", {{"sender", "Ann"}, {"receiveTime", "2026-01-01 00:00:00"}});
-    profile->InsertReceivedFax("B", {{"sender", "Bob"}, {"receiveTime", "2026-01-02 00:00:00"}});
-    list->SetLayout(1);
-    Load(2, "1001");
-    FaxListModel model(*list);
-    const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
-    const QPersistentModelIndex fax(model.index(0, 3));
-    QCOMPARE(fax.data(), "Bob");
-    list->SortBy(4);
-    QCOMPARE(fax.row(), 1);
-    QCOMPARE(fax.data(), "Bob");
-}
-
-void tst_FaxList::hoveredFaxInvitesAClick()
-{
-    profile->InsertReceivedFax("A", {{"isReaded", "0"}, {"receiveTime", "2026-01-01 00:00:00"}});
-    profile->InsertReceivedFax("B", {{"isReaded", "0"}, {"receiveTime", "2026-01-02 00:00:00"}});
-    Load(2, "1001");
-    list->SetHoveredRow(1);
-    QCOMPARE(list->Row(1).ReadImageKey(), "imgFaxMouseOn");
-    list->SetHoveredRow(2);
-    QCOMPARE(list->Row(1).ReadImageKey(), "imgNotRead");
-    list->SetRead({"A"}, true);
-    QCOMPARE(list->Row(2).ReadImageKey(), "imgReaded");
-    list->SetHoveredRow(0);
-    QCOMPARE(list->Row(2).ReadImageKey(), "imgReaded");
-}
 
 QTEST_GUILESS_MAIN(tst_FaxList)
 #include "tst_FaxList.moc"
