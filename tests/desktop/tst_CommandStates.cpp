@@ -5,18 +5,6 @@
 using CommandStates::GridInput;
 using CommandStates::States;
 
-class tst_CommandStates : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void serverCommandsFollowTheConnection();
-    void cancelSendNeedsTheSendingFolder();
-    void gridCommandsFollowFolderAndSelection_data();
-    void gridCommandsFollowFolderAndSelection();
-    void toolsRunMenuItems();
-};
-
 namespace {
 
 QStringList Enabled(const States &states)
@@ -29,117 +17,91 @@ QStringList Enabled(const States &states)
     return names;
 }
 
-GridInput Input(const QString &key, FolderFamily family, int rows)
+GridInput Input(const QString &key, FolderFamily family, const QString &flags = {})
 {
     GridInput input;
     input.strKey = key;
     input.Family = family;
-    input.lRows = rows;
-    return input;
-}
-
-GridInput Viewing(GridInput input)
-{
-    input.bHasImage = input.bHasFileName = true;
-    return input;
-}
-
-GridInput Online(GridInput input)
-{
-    input.bOnline = true;
-    return input;
-}
-
-GridInput Busy(GridInput input)
-{
-    input.bIsSocketBusy = true;
-    return input;
-}
-
-GridInput InBranch(GridInput input, const QString &branch)
-{
-    input.strBranch = branch;
+    input.lRows = flags.contains("empty") ? 0 : 1;
+    input.bHasImage = input.bHasFileName = flags.contains("viewing");
+    input.bOnline = flags.contains("online");
+    input.bIsSocketBusy = flags.contains("busy");
+    input.strBranch = flags.contains("below") ? "1007" : "";
     return input;
 }
 
 } // namespace
 
-void tst_CommandStates::serverCommandsFollowTheConnection()
+class tst_CommandStates : public QObject
 {
-    const States online = CommandStates::SetCommMenu(true, "1001");
-    const States offline = CommandStates::SetCommMenu(false, "1001");
-    for (auto it = online.begin(); it != online.end(); ++it) {
-        if (it.key() != "mnuCancelSend")
-            QVERIFY2(it.value() != offline.value(it.key()), qPrintable(it.key()));
+    Q_OBJECT
+
+private slots:
+    void serverCommandsFollowTheConnection()
+    {
+        const States online = CommandStates::SetCommMenu(true, "1001");
+        const States offline = CommandStates::SetCommMenu(false, "1001");
+        for (auto it = online.begin(); it != online.end(); ++it) {
+            if (it.key() != "mnuCancelSend")
+                QVERIFY2(it.value() != offline.value(it.key()), qPrintable(it.key()));
+        }
+        QVERIFY(offline.value("mnuLoginServer"));
+        QCOMPARE(Enabled(offline), QStringList("LoginServer"));
+        QVERIFY(CommandStates::SetCommMenu(true, "1005").value("mnuCancelSend"));
+        QVERIFY(!online.value("mnuCancelSend"));
     }
-    QVERIFY(offline.value("mnuLoginServer"));
-    QCOMPARE(Enabled(offline), QStringList("LoginServer"));
-}
 
-void tst_CommandStates::cancelSendNeedsTheSendingFolder()
-{
-    QVERIFY(CommandStates::SetCommMenu(true, "1005").value("mnuCancelSend"));
-    QVERIFY(!CommandStates::SetCommMenu(true, "1006").value("mnuCancelSend"));
-    QVERIFY(!CommandStates::SetCommMenu(false, "1005").value("mnuCancelSend"));
-}
-
-void tst_CommandStates::gridCommandsFollowFolderAndSelection_data()
-{
-    QTest::addColumn<GridInput>("input");
-    QTest::addColumn<QString>("enabled"); // names in their order, without "mnu"
-    const GridInput incoming = Input("1001", FolderFamily::Received, 2);
-    QTest::newRow("nothing selected") << Input("", FolderFamily::Root, 0) << "";
-    QTest::newRow("summary") << Viewing(Input("1000", FolderFamily::Root, 5)) << "";
-    QTest::newRow("empty folder") << Viewing(Input("1001", FolderFamily::Received, 0)) << "";
-    QTest::newRow("fax without a file")
-        << incoming << "EditDelete FaxProperty FindFax HadRead MoveFax ReverseSel SelectAll UnRead";
-    QTest::newRow("fax on show")
-        << Viewing(incoming)
-        << "EditDelete FaxProperty FindFax HadRead InterResend MoveFax Print ResendToMail "
-           "ReverseSel SaveAs SelectAll UnRead ViewFax";
-    QTest::newRow("busy")
-        << Busy(Viewing(incoming))
-        << "FaxProperty FindFax HadRead Print ResendToMail ReverseSel SelectAll UnRead ViewFax";
-    QTest::newRow("outgoing")
-        << Viewing(Input("1003", FolderFamily::WaitSend, 1))
-        << "EditDelete FaxProperty FindFax HadRead MoveFax Print ResendToMail ReverseSel SaveAs "
-           "SelectAll UnRead ViewFax";
-    QTest::newRow("sending online")
-        << Online(Input("1005", FolderFamily::Sended, 1))
-        << "CancelSend EditDelete FaxProperty FindFax HadRead MoveFax ReverseSel SelectAll UnRead";
-    QTest::newRow("sending offline")
-        << Input("1005", FolderFamily::Sended, 1)
-        << "EditDelete FaxProperty FindFax HadRead MoveFax ReverseSel SelectAll UnRead";
-    QTest::newRow("below undelivered")
-        << Online(InBranch(Input("USER", FolderFamily::Sended, 1), "1007"))
-        << "EditDelete FaxProperty FindFax HadRead MoveFax ResendError ReverseSel SelectAll UnRead";
-    QTest::newRow("recycle bin")
-        << Viewing(Input("1008", FolderFamily::Recyle, 1))
-        << "EditDelete FaxProperty HadRead MoveFax Print ResendToMail Resume ReverseSel "
-           "SaveAs SelectAll UnRead ViewFax";
-}
-
-void tst_CommandStates::gridCommandsFollowFolderAndSelection()
-{
-    QFETCH(GridInput, input);
-    const States states = CommandStates::SetGridCommands(input);
-    QTEST(Enabled(states).join(' '), "enabled");
-    for (auto it = states.begin(); it != states.end(); ++it) {
-        if (it.key().startsWith("tb"))
-            QCOMPARE(it.value(), states.value(CommandStates::GetMenuOfTool(it.key())));
+    void gridCommandsFollowFolderAndSelection_data()
+    {
+        QTest::addColumn<GridInput>("input");
+        QTest::addColumn<QString>("enabled"); // names in their order, without "mnu"
+        const auto row = [](const char *name, const GridInput &input, const char *enabled) {
+            QTest::newRow(name) << input << enabled;
+        };
+        row("empty folder", Input("1001", FolderFamily::Received, "empty viewing"), "");
+        row("fax without a file", Input("1001", FolderFamily::Received),
+            "EditDelete FaxProperty FindFax HadRead MoveFax ReverseSel SelectAll UnRead");
+        row("fax on show", Input("1001", FolderFamily::Received, "viewing"),
+            "EditDelete FaxProperty FindFax HadRead InterResend MoveFax Print ResendToMail ReverseSel SaveAs "
+            "SelectAll UnRead ViewFax");
+        row("busy", Input("1001", FolderFamily::Received, "viewing busy"),
+            "FaxProperty FindFax HadRead Print ResendToMail ReverseSel SelectAll UnRead ViewFax");
+        row("outgoing", Input("1003", FolderFamily::WaitSend, "viewing"),
+            "EditDelete FaxProperty FindFax HadRead MoveFax Print ResendToMail ReverseSel SaveAs SelectAll "
+            "UnRead ViewFax");
+        row("sending online", Input("1005", FolderFamily::Sended, "online"),
+            "CancelSend EditDelete FaxProperty FindFax HadRead MoveFax ReverseSel SelectAll UnRead");
+        row("sending offline", Input("1005", FolderFamily::Sended),
+            "EditDelete FaxProperty FindFax HadRead MoveFax ReverseSel SelectAll UnRead");
+        row("below undelivered", Input("USER", FolderFamily::Sended, "online below"),
+            "EditDelete FaxProperty FindFax HadRead MoveFax ResendError ReverseSel SelectAll UnRead");
+        row("recycle bin", Input("1008", FolderFamily::Recyle, "viewing"),
+            "EditDelete FaxProperty HadRead MoveFax Print ResendToMail Resume ReverseSel SaveAs SelectAll "
+            "UnRead ViewFax");
     }
-}
 
-void tst_CommandStates::toolsRunMenuItems()
-{
-    QCOMPARE(CommandStates::GetMenuOfTool("tbResend"), "mnuInterResend");
-    QCOMPARE(CommandStates::GetMenuOfTool("tbDeleteFax"), "mnuEditDelete");
-    QCOMPARE(CommandStates::GetMenuOfTool("mnuSend"), "");
-    const QStringList items = CommandStates::GetRightMenu();
-    QCOMPARE(items.size() - items.count(QString()), 14);
-    for (const QString &item : items)
-        QCOMPARE(CommandStates::GetMenuOfTool(item).isEmpty(), item.isEmpty());
-}
+    void gridCommandsFollowFolderAndSelection()
+    {
+        QFETCH(GridInput, input);
+        const States states = CommandStates::SetGridCommands(input);
+        QTEST(Enabled(states).join(' '), "enabled");
+        for (auto it = states.begin(); it != states.end(); ++it) {
+            if (it.key().startsWith("tb"))
+                QCOMPARE(it.value(), states.value(CommandStates::GetMenuOfTool(it.key())));
+        }
+    }
+
+    void toolsRunMenuItems()
+    {
+        QCOMPARE(CommandStates::GetMenuOfTool("tbResend"), "mnuInterResend");
+        QCOMPARE(CommandStates::GetMenuOfTool("tbDeleteFax"), "mnuEditDelete");
+        QCOMPARE(CommandStates::GetMenuOfTool("mnuSend"), "");
+        const QStringList items = CommandStates::GetRightMenu();
+        QCOMPARE(items.size() - items.count(QString()), 14);
+        for (const QString &item : items)
+            QCOMPARE(CommandStates::GetMenuOfTool(item).isEmpty(), item.isEmpty());
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_CommandStates)
 #include "tst_CommandStates.moc"
