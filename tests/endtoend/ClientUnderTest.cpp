@@ -45,13 +45,6 @@ bool ClientUnderTest::StartLogin()
     return RunLogin([](Login &) {});
 }
 
-LoginControls ClientUnderTest::ReadLoginControls()
-{
-    Login login(ports, *this, bMainLoaded);
-    login.Load();
-    return login.Controls();
-}
-
 bool ClientUnderTest::RunLogin(const std::function<void(Login &)> &act)
 {
     bLoginClosed = false;

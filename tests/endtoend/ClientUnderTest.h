@@ -49,9 +49,6 @@ public:
     bool RunLogin(const std::function<void(Login &)> &act);
     /// The controls of the latest login window as it was left.
     const LoginControls &LastControls() const { return lastControls; }
-    /// The login's controls as the window would show them after its first activation, without pressing
-    /// anything.
-    LoginControls ReadLoginControls();
 
     /// Turns the real event loop until the condition holds; false after `milliseconds`.
     bool WaitUntil(const std::function<bool()> &condition, int milliseconds = 10000);

@@ -26,9 +26,6 @@ public:
     }
     std::unique_ptr<Timer> Create() override;
 
-    /// For timers made from now on.
-    void SetFactor(int factor) { lFactor = factor; }
-
 private:
     int lFactor;
 };

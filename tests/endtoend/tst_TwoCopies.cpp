@@ -85,10 +85,68 @@ class tst_TwoCopies : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void secondCopyRaisesTheFirstAndHandsItsFileOver();
-    void killedCopyKeepsNobodyFromStarting();
-    void closeSignalStoresTheLayoutAndLogsOff();
+    void init()
+    {
+        dir = std::make_unique<QTemporaryDir>();
+        for (const char *variable : {"XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "VELMAR_DATA_HOME"})
+            qputenv(variable, dir->path().toUtf8());
+        server = std::make_unique<TrialServer>();
+        QVERIFY(server->AddUser("anna", "anna") && server->Start());
+        relay = std::make_unique<Relay>(server->Port());
+        const QString address = QString("127.0.0.1:%1").arg(relay->serverPort());
+        QCOMPARE(QProcess::execute(Copy::Program("VelmarDemo"), {"prepare", "--server", address, "--account",
+                                                                 "anna", "--password", "anna"}),
+                 0);
+        // Without a fetch at the start, whose window would stay open.
+        QVERIFY(OpenClientDatabase(UserProfile::DatabaseFile(dir->filePath("Velmar/anna/"))));
+        Global().objDB->Execute("Update Option Set Connected=0");
+        Global().objDB.reset();
+        handle = std::make_unique<CSharedString>();
+        handle->Create(blocks, OutsideFile::processHandleName);
+        outsideFile = std::make_unique<CSharedString>();
+        outsideFile->Create(blocks, OutsideFile::outsideFileName);
+    }
+
+    void secondCopyRaisesTheFirstAndHandsItsFileOver()
+    {
+        Copy first;
+        QVERIFY(IsUp(first) && IsSilent());
+        first.Signal(SIGSTOP); // it cannot take the file yet, nor is it asked
+        SystemInstance instance;
+        QSignalSpy raised(&instance, &Instance::RaiseRequested);
+        handle->SetItem(QString::number(instance.PublishWindow()));
+        const QString fax = server->MakeFax("a fax.tif");
+        Copy second({fax});
+        QVERIFY(second.EndsWell());
+        QCOMPARE(outsideFile->Item(), fax);
+        QTRY_COMPARE(raised.size(), 1);
+        first.Signal(SIGCONT);
+        QTRY_COMPARE_WITH_TIMEOUT(outsideFile->Item(), QString(), 30000);
+        QCOMPARE(first.state(), QProcess::Running);
+    }
+
+    void killedCopyKeepsNobodyFromStarting()
+    {
+        Copy first;
+        QVERIFY(IsUp(first));
+        first.kill();
+        QVERIFY(first.waitForFinished());
+        Copy next;
+        QVERIFY(IsUp(next));
+    }
+
+    void closeSignalStoresTheLayoutAndLogsOff()
+    {
+        const QString settings = dir->filePath("Velmar/FaxSetup.ini");
+        QCOMPARE(ReadIniValue("anna", "picPreview_Height", settings), QString());
+        Copy copy;
+        QVERIFY(IsUp(copy) && IsSilent());
+        relay->abSaid.clear();
+        copy.Signal(SIGTERM);
+        QTRY_COMPARE(relay->abSaid, Frames::FormA(Frames::cmdLogOut));
+        QVERIFY(copy.EndsWell());
+        QVERIFY(ReadIniValue("anna", "picPreview_Height", settings).toInt() > 0);
+    }
 
 private:
     /// True when the copy shows its main window.
@@ -111,69 +169,6 @@ private:
     std::unique_ptr<CSharedString> handle;
     std::unique_ptr<CSharedString> outsideFile;
 };
-
-void tst_TwoCopies::init()
-{
-    dir = std::make_unique<QTemporaryDir>();
-    for (const char *variable : {"XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "VELMAR_DATA_HOME"})
-        qputenv(variable, dir->path().toUtf8());
-    server = std::make_unique<TrialServer>();
-    QVERIFY(server->AddUser("anna", "anna") && server->Start());
-    relay = std::make_unique<Relay>(server->Port());
-    const QString address = QString("127.0.0.1:%1").arg(relay->serverPort());
-    QCOMPARE(QProcess::execute(Copy::Program("VelmarDemo"),
-                               {"prepare", "--server", address, "--account", "anna", "--password", "anna"}),
-             0);
-    // Without a fetch at the start, whose window would stay open.
-    QVERIFY(OpenClientDatabase(UserProfile::DatabaseFile(dir->filePath("Velmar/anna/"))));
-    Global().objDB->Execute("Update Option Set Connected=0");
-    Global().objDB.reset();
-    handle = std::make_unique<CSharedString>();
-    handle->Create(blocks, OutsideFile::processHandleName);
-    outsideFile = std::make_unique<CSharedString>();
-    outsideFile->Create(blocks, OutsideFile::outsideFileName);
-}
-
-void tst_TwoCopies::secondCopyRaisesTheFirstAndHandsItsFileOver()
-{
-    Copy first;
-    QVERIFY(IsUp(first) && IsSilent());
-    first.Signal(SIGSTOP); // it cannot take the file yet, nor is it asked
-    SystemInstance instance;
-    QSignalSpy raised(&instance, &Instance::RaiseRequested);
-    handle->SetItem(QString::number(instance.PublishWindow()));
-    const QString fax = server->MakeFax("a fax.tif");
-    Copy second({fax});
-    QVERIFY(second.EndsWell());
-    QCOMPARE(outsideFile->Item(), fax);
-    QTRY_COMPARE(raised.size(), 1);
-    first.Signal(SIGCONT);
-    QTRY_COMPARE_WITH_TIMEOUT(outsideFile->Item(), QString(), 30000);
-    QCOMPARE(first.state(), QProcess::Running);
-}
-
-void tst_TwoCopies::killedCopyKeepsNobodyFromStarting()
-{
-    Copy first;
-    QVERIFY(IsUp(first));
-    first.kill();
-    QVERIFY(first.waitForFinished());
-    Copy next;
-    QVERIFY(IsUp(next));
-}
-
-void tst_TwoCopies::closeSignalStoresTheLayoutAndLogsOff()
-{
-    const QString settings = dir->filePath("Velmar/FaxSetup.ini");
-    QCOMPARE(ReadIniValue("anna", "picPreview_Height", settings), QString());
-    Copy copy;
-    QVERIFY(IsUp(copy) && IsSilent());
-    relay->abSaid.clear();
-    copy.Signal(SIGTERM);
-    QTRY_COMPARE(relay->abSaid, Frames::FormA(Frames::cmdLogOut));
-    QVERIFY(copy.EndsWell());
-    QVERIFY(ReadIniValue("anna", "picPreview_Height", settings).toInt() > 0);
-}
 
 QTEST_GUILESS_MAIN(tst_TwoCopies)
 #include "tst_TwoCopies.moc"
