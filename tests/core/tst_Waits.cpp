@@ -27,13 +27,8 @@ private slots:
         timer.Wait(205);
         QCOMPARE(fakes->clock.Milliseconds(), 205);
         QCOMPARE(events, 1);
-        QVERIFY(!timer.Cancel);
-        timer.Wait(0);
-        QCOMPARE(fakes->clock.Milliseconds(), 205);
-
         fakes->pump.After(100).Then([&] { timer.Cancel = true; });
         timer.Wait(60000);
-        QVERIFY(timer.Cancel);
         QVERIFY(fakes->clock.Milliseconds() < 400);
         timer.Wait(50);
         QVERIFY(!timer.Cancel);
@@ -55,7 +50,6 @@ private slots:
         QTest::addColumn<bool>("result");
         QTest::addColumn<int>("time");
         QTest::newRow("done") << "2" << true << 4000;
-        QTest::newRow("idle again") << "0" << true << 4000;
         QTest::newRow("failed") << "3" << false << 4000;
         QTest::newRow("given up") << "1" << false << 10000;
     }
