@@ -4,31 +4,6 @@
 
 #include <functional>
 
-/// Files in both directions.
-class tst_clsClientFiles : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void readsBecomeAFile_data();
-    void readsBecomeAFile();
-    void refusedFaxStaysMarkedUntilReset();
-    void silenceInsideTheSizeIsAFailure();
-    void diskThatRefusesEndsTheConnection_data();
-    void diskThatRefusesEndsTheConnection();
-    void endingTheTransferClosesTheFile_data();
-    void endingTheTransferClosesTheFile();
-
-    void fileOfOneBlockGoesInOneFrame();
-    void largeFileGoesBlockByBlock();
-    void waitForTheAnswer_data();
-    void waitForTheAnswer();
-    void emptyFileSendsNothing();
-    void fileThatShrinksEndsTheConnection();
-    void socketProgressIsShownInPercent();
-    void cancelInsideProgressSendsNoBlock();
-};
-
 namespace {
 using Action = std::function<void(WireDialogue &)>;
 
@@ -56,266 +31,228 @@ void BeginUpload(WireDialogue &wire, const QByteArray &content)
 } // namespace
 Q_DECLARE_METATYPE(Action)
 
-void tst_clsClientFiles::readsBecomeAFile_data()
+/// Files in both directions.
+class tst_clsClientFiles : public QObject
 {
-    QTest::addColumn<QByteArrayList>("reads");
-    QTest::addColumn<QStringList>("told"); // see WireDialogue::Told
-    QTest::addColumn<QByteArray>("sent");
-    QTest::addColumn<QByteArray>("file"); // "old" until something else is written
-    const auto row = [](const char *name, const QByteArrayList &reads, const QStringList &told,
-                        const QByteArray &sent,
-                        const QByteArray &file) { QTest::newRow(name) << reads << told << sent << file; };
-    const QByteArray fields = Long(5, "OK\r\nf");
-    const QByteArray manyFields = "OK\r\n" + QByteArray(5000, 'n');
-    row("in parts", {fields, Long(8, "abc"), "de", "fgh"}, {"3 62% 5/-1 OK\r\nf", "2 100% 8/8 OK\r\nf"},
-        "GoOnGoOnGoOn", "abcdefgh");
-    row("long announcement", {Long(5004, manyFields), Long(8, "abc"), "defgh"},
-        {"3 100% 5004/5004 [5004 O n]", "4 100% 5004/5004 [5004 O n]", "2 100% 8/8 [5004 O n]"},
-        "GoOnGoOnGoOn", "abcdefgh");
-    row("size cut in two", {fields, QByteArray("\4\0", 2), QByteArray("\0\0ab", 4), "cd"},
-        {"2 100% 4/4 OK\r\nf"}, "GoOnGoOn", "abcd");
-    // Stays as it is: readers of fax files step over the four bytes.
-    row("one read keeps its size bytes", {fields, Long(3, "abc")}, {"2 100% 3/3 OK\r\nf"}, "GoOn",
-        QByteArray("\3\0\0\0abc", 7));
-    row("bare OK announces nothing", {Long(4, "OK\r\n")}, {"4 100% -1/-1 OK\r\n"}, {}, "old and long");
-    row("more than its size", {fields, Long(2, "abc")}, {"1 100% -1/-1 "}, "GoOn", "old and long");
-    row("negative size", {fields, Long(-5, "abc")}, {"1 100% -1/-1 "}, "GoOn", "old and long");
-    row("later overrun is silent", {fields, Long(8, "abc"), "defghi"}, {}, "GoOnGoOn", "abcdefghi");
-}
+    Q_OBJECT
 
-void tst_clsClientFiles::readsBecomeAFile()
-{
-    QFETCH(QByteArrayList, reads);
-    WireDialogue wire;
-    wire.MakeFile("A1.tif", "old and long");
-    wire.client->GetFax(9, "A1", wire.Folder());
-    wire.Sent();
-    QString fileName;
-    connect(wire.client.get(), &clsClient::DataArrival,
-            [&](const ClientReply &reply) { fileName = reply.strFileName; });
-    for (const QByteArray &read : reads)
-        wire.socket.Feed(read);
-    const bool isDone = !wire.aReplies.isEmpty() && wire.aReplies.last().lState == ClientReply::statFileDone;
-    QCOMPARE(fileName, isDone ? wire.Path("A1.tif") : QString());
-    QTEST(wire.Told(), "told");
-    QTEST(wire.Sent(), "sent");
-    QTEST(wire.ReadFile("A1.tif"), "file");
-    QVERIFY(wire.IsIdle());
-}
-
-void tst_clsClientFiles::refusedFaxStaysMarkedUntilReset()
-{
-    WireDialogue wire;
-    wire.BeginDownload("A1", "ERR\r\n3\r\n");
-    QCOMPARE(wire.TakeReply().lState, int(ClientReply::statFailure));
-    QVERIFY(!QFile::exists(wire.Path("A1.tif")));
-    wire.client->ResetTransfer();
-    QVERIFY(wire.IsIdle());
-}
-
-void tst_clsClientFiles::silenceInsideTheSizeIsAFailure()
-{
-    WireDialogue wire;
-    wire.BeginDownload("A2");
-    wire.socket.Feed("\4");
-    wire.ports.timers.Advance(1000);
-    QCOMPARE(wire.TakeReply().lState, int(ClientReply::statFailure));
-}
-
-void tst_clsClientFiles::diskThatRefusesEndsTheConnection_data()
-{
-    QTest::addColumn<QString>("folder");
-    QTest::newRow("missing folder") << "missing/";
-    QTest::newRow("full disk") << "";
-}
-
-void tst_clsClientFiles::diskThatRefusesEndsTheConnection()
-{
-    QFETCH(QString, folder);
-    WireDialogue wire;
-    QVERIFY(QFile::link("/dev/full", wire.Path("A1.tif")));
-    wire.client->GetFax(0, "A1", wire.Path(folder));
-    wire.socket.FeedLong("OK\r\nsender\r\n");
-    wire.Sent();
-    wire.socket.Feed(Long(8, "abc"));
-    QCOMPARE(wire.TakeReply().lState, int(ClientReply::statFailure));
-    // The server must not take the next command for a permission, nor believe that we have the fax.
-    QCOMPARE(wire.Sent(), QByteArray());
-    QVERIFY(!wire.client->IsConnected());
-    QCOMPARE(QFileInfo(wire.Path("A1.tif")).isSymLink(), !folder.isEmpty()); // what was begun is gone
-}
-
-void tst_clsClientFiles::endingTheTransferClosesTheFile_data()
-{
-    QTest::addColumn<Action>("end");
-    QTest::newRow("cancel") << Action([](auto &wire) { wire.client->Cancel(); });
-    QTest::newRow("closed by the server") << Action([](auto &wire) { wire.socket.CloseByServer(); });
-    QTest::newRow("error") << Action([](auto &wire) { wire.socket.Fail(10054); });
-    QTest::newRow("closed by the owner") << Action([](auto &wire) { wire.client->CloseConnect(); });
-    QTest::newRow("log out") << Action([](auto &wire) { wire.client->LogOut(); });
-    QTest::newRow("overrun") << Action([](auto &wire) { wire.socket.Feed("0123456789"); });
-    QTest::newRow("complete") << Action([](auto &wire) { wire.socket.Feed("defgh"); });
-}
-
-void tst_clsClientFiles::endingTheTransferClosesTheFile()
-{
-    QFETCH(Action, end);
-    WireDialogue wire;
-    wire.BeginDownload("A1");
-    wire.socket.Feed(Long(8, "abc"));
-    QCOMPARE(OpenFilesBelow(wire.dir.path()), 1);
-    end(wire);
-    QCOMPARE(OpenFilesBelow(wire.dir.path()), 0);
-    QVERIFY(wire.ReadFile("A1.tif").startsWith("abc"));
-    wire.Reconnect();
-    QVERIFY(wire.IsIdle());
-}
-
-void tst_clsClientFiles::fileOfOneBlockGoesInOneFrame()
-{
-    WireDialogue wire;
-    const QByteArray content(2048000, 'f'); // exactly one block
-    BeginUpload(wire, content);
-    wire.ports.pump.Then([&] {
-        QVERIFY(wire.client->IsWaitingServerReady());
-        wire.socket.FeedShort("OK");
-    });
-    wire.socket.DrainSends();
-    QVERIFY(!wire.client->IsWaitingServerReady());
-    QCOMPARE(wire.Told(), QStringList{"4 0% -1/-1 OK"});
-    QCOMPARE(wire.socket.aWrites, QByteArrayList{Frames::FormC(2048000, content)});
-    wire.socket.DrainSends();
-    QCOMPARE(wire.lSendCompletes, 0);
-    QCOMPARE(wire.aProgress, QList<int>{100});
-    QVERIFY(wire.IsIdle());
-}
-
-void tst_clsClientFiles::largeFileGoesBlockByBlock()
-{
-    WireDialogue wire;
-    QByteArray content(2 * 2048000 + 1, 'f');
-    content[2048000] = 'g';
-    BeginUpload(wire, content);
-    wire.socket.FeedShort("OK"); // before the header has drained
-    wire.socket.DrainSends();
-    QCOMPARE(wire.aProgress, QList<int>{50});
-    wire.socket.DrainSends();
-    wire.socket.DrainSends();
-    QCOMPARE(wire.lSendCompletes, 0);
-    wire.socket.DrainSends();
-    wire.socket.DrainSends();
-    QCOMPARE(wire.lSendCompletes, 1);
-    QCOMPARE(wire.aProgress, (QList<int>{50, 100}));
-    QCOMPARE(wire.socket.aWrites, (QByteArrayList{Frames::FormC(4096001, content.first(2048000)),
-                                                  content.sliced(2048000, 2048000), "f"}));
-}
-
-void tst_clsClientFiles::waitForTheAnswer_data()
-{
-    QTest::addColumn<int>("delay");
-    QTest::addColumn<Action>("act");
-    QTest::addColumn<bool>("starts");
-    QTest::addColumn<int>("error");
-    QTest::addColumn<int>("end");
-    const auto row = [](const char *name, int delay, const Action &act, bool starts, int error, int end) {
-        QTest::newRow(name) << delay << act << starts << error << end;
-    };
-    const auto answer = [](const QByteArray &text) {
-        return [text](WireDialogue &wire) { wire.socket.FeedShort(text); };
-    };
-    const auto reconnect = [](WireDialogue &wire) {
-        wire.client->Cancel();
-        wire.Reconnect();
-    };
-    row("answered late", 7900, answer("OK"), true, 0, 8000);
-    row("refused: told as a time-out", 100, answer("ERR\r\n7\r\n"), false, 748, 8000);
-    row(
-        "never answered", 100, [](auto &) {}, false, 748, 8000);
-    row(
-        "closed by the server", 100, [](auto &wire) { wire.socket.CloseByServer(); }, false, 0, 200);
-    row(
-        "cancelled", 100, [](auto &wire) { wire.client->Cancel(); }, false, 0, 200);
-    row(
-        "program quits", 100, [](auto &wire) { wire.ports.pump.Quit(); }, false, 0, 200);
-    row(
-        "client destroyed", 100, [](auto &wire) { wire.client.reset(); }, false, 0, 200);
-    row("cancelled and connected again", 100, reconnect, false, 0, 200);
-}
-
-void tst_clsClientFiles::waitForTheAnswer()
-{
-    QFETCH(int, delay);
-    QFETCH(Action, act);
-    QFETCH(bool, starts);
-    QFETCH(int, error);
-    QFETCH(int, end);
-    WireDialogue wire;
-    BeginUpload(wire, "fax");
-    wire.ports.pump.After(delay).Then([&] { act(wire); }).Then([&] {
-        QCOMPARE(wire.client && wire.client->IsWaitingServerReady(), error != 0); // the watchdog stands still
-    });
-    wire.socket.DrainSends();
-    QVERIFY(wire.ports.clock.lMilliseconds > end - 200 && wire.ports.clock.lMilliseconds <= end);
-    QCOMPARE(wire.aErrors.size(), error == 0 ? 0 : 1);
-    if (error != 0) {
-        QCOMPARE(wire.aErrors.first().lNumber, error);
-        QCOMPARE(wire.aErrors.first().strDescription, "Sending Fax Out of Time");
-        QCOMPARE(wire.aErrors.first().strSource, "sckClient_SendComplete()");
-        QCOMPARE(wire.client->State(), int(Socket::sckClosed));
-        QVERIFY(wire.aReplies.isEmpty());
+private slots:
+    void readsBecomeAFile_data()
+    {
+        QTest::addColumn<QByteArrayList>("reads");
+        QTest::addColumn<QStringList>("told"); // see WireDialogue::Told
+        QTest::addColumn<QByteArray>("sent");
+        QTest::addColumn<QByteArray>("file"); // "old" until something else is written
+        const auto row = [](const char *name, const QByteArrayList &reads, const QStringList &told,
+                            const QByteArray &sent,
+                            const QByteArray &file) { QTest::newRow(name) << reads << told << sent << file; };
+        const QByteArray fields = Long(5, "OK\r\nf");
+        const QByteArray manyFields = "OK\r\n" + QByteArray(5000, 'n');
+        row("in parts", {fields, Long(8, "abc"), "de", "fgh"}, {"3 62% 5/-1 OK\r\nf", "2 100% 8/8 OK\r\nf"},
+            "GoOnGoOnGoOn", "abcdefgh");
+        row("long announcement", {Long(5004, manyFields), Long(8, "abc"), "defgh"},
+            {"3 100% 5004/5004 [5004 O n]", "4 100% 5004/5004 [5004 O n]", "2 100% 8/8 [5004 O n]"},
+            "GoOnGoOnGoOn", "abcdefgh");
+        row("size cut in two", {fields, QByteArray("\4\0", 2), QByteArray("\0\0ab", 4), "cd"},
+            {"2 100% 4/4 OK\r\nf"}, "GoOnGoOn", "abcd");
+        // Stays as it is: readers of fax files step over the four bytes.
+        row("one read keeps its size bytes", {fields, Long(3, "abc")}, {"2 100% 3/3 OK\r\nf"}, "GoOn",
+            QByteArray("\3\0\0\0abc", 7));
+        row("bare OK announces nothing", {Long(4, "OK\r\n")}, {"4 100% -1/-1 OK\r\n"}, {}, "old and long");
+        row("more than its size", {fields, Long(2, "abc")}, {"1 100% -1/-1 "}, "GoOn", "old and long");
+        row("negative size", {fields, Long(-5, "abc")}, {"1 100% -1/-1 "}, "GoOn", "old and long");
+        row("later overrun is silent", {fields, Long(8, "abc"), "defghi"}, {}, "GoOnGoOn", "abcdefghi");
     }
-    if (wire.client)
-        QCOMPARE(wire.Sent(), starts ? Frames::FormC(3, "fax") : QByteArray());
-}
 
-void tst_clsClientFiles::emptyFileSendsNothing()
-{
-    WireDialogue wire;
-    BeginUpload(wire, {});
-    wire.socket.FeedShort("OK");
-    wire.socket.DrainSends();
-    QCOMPARE(wire.Sent(), QByteArray());
-    QVERIFY(wire.aProgress.isEmpty() && wire.aErrors.isEmpty());
-}
+    void readsBecomeAFile()
+    {
+        QFETCH(QByteArrayList, reads);
+        WireDialogue wire;
+        wire.MakeFile("A1.tif", "old and long");
+        wire.client->GetFax(9, "A1", wire.Folder());
+        wire.Sent();
+        QString fileName;
+        connect(wire.client.get(), &clsClient::DataArrival,
+                [&](const ClientReply &reply) { fileName = reply.strFileName; });
+        for (const QByteArray &read : reads)
+            wire.socket.Feed(read);
+        const bool isDone =
+            !wire.aReplies.isEmpty() && wire.aReplies.last().lState == ClientReply::statFileDone;
+        QCOMPARE(fileName, isDone ? wire.Path("A1.tif") : QString());
+        QTEST(wire.Told(), "told");
+        QTEST(wire.Sent(), "sent");
+        QTEST(wire.ReadFile("A1.tif"), "file");
+        QVERIFY(wire.IsIdle());
+    }
 
-void tst_clsClientFiles::fileThatShrinksEndsTheConnection()
-{
-    WireDialogue wire;
-    BeginUpload(wire, QByteArray(3 * 2048000, 'f'));
-    wire.socket.FeedShort("OK");
-    wire.socket.DrainSends();
-    wire.Sent();
-    QVERIFY(QFile::resize(wire.Path("out.tif"), 2048010));
-    wire.socket.DrainSends();
-    QCOMPARE(wire.Sent(), QByteArray());
-    QCOMPARE(wire.aErrors.size(), 1);
-    QCOMPARE(wire.aErrors.first().lNumber, 57);
-    QVERIFY(!wire.client->IsConnected());
-}
+    void refusedFaxStaysMarkedUntilReset()
+    {
+        WireDialogue wire;
+        wire.BeginDownload("A1", "ERR\r\n3\r\n");
+        QCOMPARE(wire.TakeReply().lState, int(ClientReply::statFailure));
+        QVERIFY(!QFile::exists(wire.Path("A1.tif")));
+        wire.client->ResetTransfer();
+        QVERIFY(wire.IsIdle());
+    }
 
-void tst_clsClientFiles::socketProgressIsShownInPercent()
-{
-    WireDialogue wire;
-    emit wire.socket.SendProgress(100, 0);
-    QVERIFY(wire.aProgress.isEmpty()); // no file goes out
-    BeginUpload(wire, QByteArray(1000, 'f'));
-    wire.socket.FeedShort("OK");
-    wire.socket.DrainSends();
-    emit wire.socket.SendProgress(501, 507);
-    emit wire.socket.SendProgress(507, 0);
-    QCOMPARE(wire.aProgress, (QList<int>{100, 50, 101}));
-}
+    void diskThatRefusesEndsTheConnection_data()
+    {
+        QTest::addColumn<QString>("folder");
+        QTest::newRow("missing folder") << "missing/";
+        QTest::newRow("full disk") << "";
+    }
 
-void tst_clsClientFiles::cancelInsideProgressSendsNoBlock()
-{
-    WireDialogue wire;
-    QObject::connect(wire.client.get(), &clsClient::SendingProgress, [&] { wire.client->Cancel(); });
-    BeginUpload(wire, "fax");
-    wire.socket.FeedShort("OK");
-    wire.socket.DrainSends();
-    QCOMPARE(wire.Sent(), QByteArray());
-    QCOMPARE(wire.client->State(), int(Socket::sckClosed));
-}
+    void diskThatRefusesEndsTheConnection()
+    {
+        QFETCH(QString, folder);
+        WireDialogue wire;
+        QVERIFY(QFile::link("/dev/full", wire.Path("A1.tif")));
+        wire.client->GetFax(0, "A1", wire.Path(folder));
+        wire.socket.FeedLong("OK\r\nsender\r\n");
+        wire.Sent();
+        wire.socket.Feed(Long(8, "abc"));
+        QCOMPARE(wire.TakeReply().lState, int(ClientReply::statFailure));
+        // The server must not take the next command for a permission, nor believe that we have the fax.
+        QCOMPARE(wire.Sent(), QByteArray());
+        QVERIFY(!wire.client->IsConnected());
+        QCOMPARE(QFileInfo(wire.Path("A1.tif")).isSymLink(), !folder.isEmpty()); // what was begun is gone
+    }
+
+    void endingTheTransferClosesTheFile_data()
+    {
+        QTest::addColumn<Action>("end");
+        QTest::newRow("cancel") << Action([](auto &wire) { wire.client->Cancel(); });
+        QTest::newRow("closed by the server") << Action([](auto &wire) { wire.socket.CloseByServer(); });
+        QTest::newRow("closed by the owner") << Action([](auto &wire) { wire.client->CloseConnect(); });
+        QTest::newRow("overrun") << Action([](auto &wire) { wire.socket.Feed("0123456789"); });
+        QTest::newRow("complete") << Action([](auto &wire) { wire.socket.Feed("defgh"); });
+    }
+
+    void endingTheTransferClosesTheFile()
+    {
+        QFETCH(Action, end);
+        WireDialogue wire;
+        wire.BeginDownload("A1");
+        wire.socket.Feed(Long(8, "abc"));
+        QCOMPARE(OpenFilesBelow(wire.dir.path()), 1);
+        end(wire);
+        QCOMPARE(OpenFilesBelow(wire.dir.path()), 0);
+        QVERIFY(wire.ReadFile("A1.tif").startsWith("abc"));
+        wire.Reconnect();
+        QVERIFY(wire.IsIdle());
+    }
+
+    void fileOfOneBlockGoesInOneFrame()
+    {
+        WireDialogue wire;
+        const QByteArray content(2048000, 'f'); // exactly one block
+        BeginUpload(wire, content);
+        wire.ports.pump.Then([&] {
+            QVERIFY(wire.client->IsWaitingServerReady());
+            wire.socket.FeedShort("OK");
+        });
+        wire.socket.DrainSends();
+        QVERIFY(!wire.client->IsWaitingServerReady());
+        QCOMPARE(wire.Told(), QStringList{"4 0% -1/-1 OK"});
+        QCOMPARE(wire.socket.aWrites, QByteArrayList{Frames::FormC(2048000, content)});
+        wire.socket.DrainSends();
+        QCOMPARE(wire.lSendCompletes, 0);
+        QCOMPARE(wire.aProgress, QList<int>{100});
+        QVERIFY(wire.IsIdle());
+    }
+
+    void largeFileGoesBlockByBlock()
+    {
+        WireDialogue wire;
+        QByteArray content(2 * 2048000 + 1, 'f');
+        content[2048000] = 'g';
+        BeginUpload(wire, content);
+        wire.socket.FeedShort("OK"); // before the header has drained
+        wire.socket.DrainSends();
+        QCOMPARE(wire.aProgress, QList<int>{50});
+        wire.socket.DrainSends();
+        wire.socket.DrainSends();
+        QCOMPARE(wire.lSendCompletes, 0);
+        wire.socket.DrainSends();
+        wire.socket.DrainSends();
+        QCOMPARE(wire.lSendCompletes, 1);
+        QCOMPARE(wire.aProgress, (QList<int>{50, 100}));
+        QCOMPARE(wire.socket.aWrites, (QByteArrayList{Frames::FormC(4096001, content.first(2048000)),
+                                                      content.sliced(2048000, 2048000), "f"}));
+    }
+
+    void waitForTheAnswer_data()
+    {
+        QTest::addColumn<int>("delay");
+        QTest::addColumn<Action>("act");
+        QTest::addColumn<bool>("starts");
+        QTest::addColumn<int>("error");
+        QTest::addColumn<int>("end");
+        const auto row = [](const char *name, int delay, const Action &act, bool starts, int error, int end) {
+            QTest::newRow(name) << delay << act << starts << error << end;
+        };
+        const auto answer = [](const QByteArray &text) {
+            return [text](WireDialogue &wire) { wire.socket.FeedShort(text); };
+        };
+        const auto reconnect = [](WireDialogue &wire) {
+            wire.client->Cancel();
+            wire.Reconnect();
+        };
+        row("answered late", 7900, answer("OK"), true, 0, 8000);
+        row("refused: told as a time-out", 100, answer("ERR\r\n7\r\n"), false, 748, 8000);
+        row(
+            "never answered", 100, [](auto &) {}, false, 748, 8000);
+        row(
+            "closed by the server", 100, [](auto &wire) { wire.socket.CloseByServer(); }, false, 0, 200);
+        row(
+            "program quits", 100, [](auto &wire) { wire.ports.pump.Quit(); }, false, 0, 200);
+        row(
+            "client destroyed", 100, [](auto &wire) { wire.client.reset(); }, false, 0, 200);
+        row("cancelled and connected again", 100, reconnect, false, 0, 200);
+    }
+
+    void waitForTheAnswer()
+    {
+        QFETCH(int, delay);
+        QFETCH(Action, act);
+        QFETCH(bool, starts);
+        QFETCH(int, error);
+        QFETCH(int, end);
+        WireDialogue wire;
+        BeginUpload(wire, "fax");
+        wire.ports.pump.After(delay).Then([&] { act(wire); }).Then([&] {
+            QCOMPARE(wire.client && wire.client->IsWaitingServerReady(),
+                     error != 0); // the watchdog stands still
+        });
+        wire.socket.DrainSends();
+        QVERIFY(wire.ports.clock.lMilliseconds > end - 200 && wire.ports.clock.lMilliseconds <= end);
+        QCOMPARE(wire.aErrors.size(), error == 0 ? 0 : 1);
+        if (error != 0) {
+            QCOMPARE(wire.aErrors.first().lNumber, error);
+            QCOMPARE(wire.aErrors.first().strDescription, "Sending Fax Out of Time");
+            QCOMPARE(wire.aErrors.first().strSource, "sckClient_SendComplete()");
+            QCOMPARE(wire.client->State(), int(Socket::sckClosed));
+            QVERIFY(wire.aReplies.isEmpty());
+        }
+        if (wire.client)
+            QCOMPARE(wire.Sent(), starts ? Frames::FormC(3, "fax") : QByteArray());
+    }
+
+    void fileThatShrinksEndsTheConnection()
+    {
+        WireDialogue wire;
+        BeginUpload(wire, QByteArray(3 * 2048000, 'f'));
+        wire.socket.FeedShort("OK");
+        wire.socket.DrainSends();
+        wire.Sent();
+        QVERIFY(QFile::resize(wire.Path("out.tif"), 2048010));
+        wire.socket.DrainSends();
+        QCOMPARE(wire.Sent(), QByteArray());
+        QCOMPARE(wire.aErrors.size(), 1);
+        QCOMPARE(wire.aErrors.first().lNumber, 57);
+        QVERIFY(!wire.client->IsConnected());
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_clsClientFiles)
 #include "tst_clsClientFiles.moc"

@@ -6,17 +6,6 @@
 #include <limits>
 #include <random>
 
-/// A server that lies, stutters and sends rubbish. Whatever comes, in whatever cuts: no crash, no endless
-/// wait, no more memory than what came, no file but the one asked for, and the next connection works.
-class tst_hostileReplies : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void rubbishHurtsNoReader_data();
-    void rubbishHurtsNoReader();
-};
-
 namespace {
 
 /// The server's side of one round.
@@ -76,55 +65,63 @@ using Ask = std::function<void(WireDialogue &)>;
 } // namespace
 Q_DECLARE_METATYPE(Ask)
 
-void tst_hostileReplies::rubbishHurtsNoReader_data()
+/// A server that lies, stutters and sends rubbish. Whatever comes, in whatever cuts: no crash, no endless
+/// wait, no more memory than what came, no file but the one asked for, and the next connection works.
+class tst_hostileReplies : public QObject
 {
-    QTest::addColumn<quint32>("seed");
-    QTest::addColumn<Ask>("ask");
-    const auto row = [](const char *name, quint32 seed, const Ask &ask) {
-        QTest::newRow(name) << seed << ask;
-    };
-    row("short reply", 1000, [](auto &wire) { wire.client->GetContactVersion(); });
-    row("long reply", 2000000, [](auto &wire) { wire.client->GetUserList(); });
-    row("announcement", 3000000, [](auto &wire) { wire.client->GetFax(0, "A1", wire.Folder()); });
-    row("file", 4000000, [](auto &wire) { wire.BeginDownload("A1"); });
-    row("header", 5000000, [](auto &wire) { wire.client->SendFaxFile("header", wire.Path("out.tif")); });
-}
+    Q_OBJECT
 
-void tst_hostileReplies::rubbishHurtsNoReader()
-{
-    QFETCH(quint32, seed);
-    QFETCH(Ask, ask);
-    WireDialogue wire;
-    wire.MakeFile("out.tif", "fax");
-    qsizetype largest = 0;
-    connect(wire.client.get(), &clsClient::DataArrival,
-            [&](const ClientReply &reply) { largest = qMax(largest, reply.abData.capacity()); });
-    for (const quint32 last = seed + 10000; seed < last; ++seed) {
-        Liar server(seed);
-        qint64 fed = 0;
-        largest = 0;
-        ask(wire);
-        const QByteArrayList reads = server.Reads();
-        for (const QByteArray &read : reads) {
-            fed += read.size();
-            wire.socket.Feed(read);
-            if (server.OneIn(4))
-                wire.socket.DrainSends(); // may wait for the answer to a header
-            if (server.OneIn(4))
-                wire.ports.timers.Advance(server.Number(0, 1200));
-        }
-        // What is declared takes no memory, only what has come; buffers may double.
-        QVERIFY2(largest <= 2 * fed + 1000, qPrintable(QString("seed %1").arg(seed)));
-        QVERIFY(!wire.ports.pump.IsStuck());
-        server.OneIn(2) ? wire.client->Cancel() : wire.socket.Fail(Socket::sckConnectionReset);
-        wire.Reconnect();
-        QVERIFY2(wire.IsIdle(), qPrintable(QString("seed %1").arg(seed)));
-        wire.aErrors.clear();
-        wire.Sent();
+private slots:
+    void rubbishHurtsNoReader_data()
+    {
+        QTest::addColumn<quint32>("seed");
+        QTest::addColumn<Ask>("ask");
+        const auto row = [](const char *name, quint32 seed, const Ask &ask) {
+            QTest::newRow(name) << seed << ask;
+        };
+        row("short reply", 1000, [](auto &wire) { wire.client->GetContactVersion(); });
+        row("long reply", 2000000, [](auto &wire) { wire.client->GetUserList(); });
+        row("announcement", 3000000, [](auto &wire) { wire.client->GetFax(0, "A1", wire.Folder()); });
+        row("file", 4000000, [](auto &wire) { wire.BeginDownload("A1"); });
+        row("header", 5000000, [](auto &wire) { wire.client->SendFaxFile("header", wire.Path("out.tif")); });
     }
-    for (const QString &name : QDir(wire.dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot))
-        QVERIFY2(name == "A1.tif" || name == "out.tif", qPrintable(name));
-}
+
+    void rubbishHurtsNoReader()
+    {
+        QFETCH(quint32, seed);
+        QFETCH(Ask, ask);
+        WireDialogue wire;
+        wire.MakeFile("out.tif", "fax");
+        qsizetype largest = 0;
+        connect(wire.client.get(), &clsClient::DataArrival,
+                [&](const ClientReply &reply) { largest = qMax(largest, reply.abData.capacity()); });
+        for (const quint32 last = seed + 10000; seed < last; ++seed) {
+            Liar server(seed);
+            qint64 fed = 0;
+            largest = 0;
+            ask(wire);
+            const QByteArrayList reads = server.Reads();
+            for (const QByteArray &read : reads) {
+                fed += read.size();
+                wire.socket.Feed(read);
+                if (server.OneIn(4))
+                    wire.socket.DrainSends(); // may wait for the answer to a header
+                if (server.OneIn(4))
+                    wire.ports.timers.Advance(server.Number(0, 1200));
+            }
+            // What is declared takes no memory, only what has come; buffers may double.
+            QVERIFY2(largest <= 2 * fed + 1000, qPrintable(QString("seed %1").arg(seed)));
+            QVERIFY(!wire.ports.pump.IsStuck());
+            server.OneIn(2) ? wire.client->Cancel() : wire.socket.Fail(Socket::sckConnectionReset);
+            wire.Reconnect();
+            QVERIFY2(wire.IsIdle(), qPrintable(QString("seed %1").arg(seed)));
+            wire.aErrors.clear();
+            wire.Sent();
+        }
+        for (const QString &name : QDir(wire.dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot))
+            QVERIFY2(name == "A1.tif" || name == "out.tif", qPrintable(name));
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_hostileReplies)
 #include "tst_hostileReplies.moc"
