@@ -4,7 +4,6 @@
 #include "fixtures/Profile.h"
 #include "mailbox/ShownMailbox.h"
 
-#include <QSignalSpy>
 #include <QTest>
 
 #include <memory>
@@ -43,30 +42,6 @@ private slots:
         QCOMPARE(mailbox->RowCount(), 5);
         QCOMPARE(mailbox->StatusText(), "");
         QCOMPARE(mailbox->SelectedFaxes(), QStringList());
-    }
-
-    void sentLeadsToItsFirstBranch()
-    {
-        profile->InsertSentFax("S", {{"folderID", "1005"}});
-        mailbox->LoadFaxFolderTree();
-        const QSignalSpy selected(mailbox.get(), &ShownMailbox::FolderSelected);
-        mailbox->SelectFolder("1004");
-        QCOMPARE(mailbox->SelectedFolder(), "1005");
-        QCOMPARE(selected.size(), 1);
-        QCOMPARE(mailbox->RowCount(), 1);
-        QCOMPARE(mailbox->GetFaxTable(), 1);
-    }
-
-    void folderShowsItsNewestFax()
-    {
-        profile->InsertReceivedFax("OLD", {{"receiveTime", "2026-01-01 00:00:00"}});
-        profile->InsertReceivedFax("NEW", {{"receiveTime", "2026-01-02 00:00:00"}, {"fileName", "NEW.tif"}});
-        QVERIFY(FaxFile().Write(Global().strInputBoxPath + "NEW.tif"));
-        const QSignalSpy rows(mailbox.get(), &ShownMailbox::RowSelected);
-        mailbox->LoadFaxFolderTree();
-        QCOMPARE(mailbox->SelectedFaxes(), QStringList("NEW"));
-        QCOMPARE(rows.last().first(), 1);
-        QCOMPARE(mailbox->Preview().Texts().strFileName, "NEW.tif");
     }
 
     void newFaxesOnTopLeaveTheReaderAlone()
