@@ -126,28 +126,6 @@ private slots:
                               "Receving Fax : 78%", "Receving Fax : 100%", "Velmar Clinet"}));
     }
 
-    void statesAreAskedFor()
-    {
-        bench->profile.InsertReceivedFax("Known");
-        const auto checks = [this](const QByteArray &id, bool silent, bool visible, bool wanted) {
-            bench->status.aChecks.clear();
-            desktop().mainWindow.bVisible = visible;
-            Offer({id + "|9"});
-            if (id != "Known")
-                Send(id);
-            bench->SayShort("OK");
-            bench->download.ReceiveFaxes(silent, false, true, wanted);
-            bench->progress.Unload();
-            return bench->status.aChecks;
-        };
-        QCOMPARE(checks("F1", false, true, true), QList<bool>{true});
-        QCOMPARE(checks("F3", false, false, true), QList<bool>{false});
-        QCOMPARE(checks("Known", false, false, true), QList<bool>{});
-        QCOMPARE(checks("F4", false, true, false), QList<bool>{});
-        QCOMPARE(bench->Heard().count("17"), 4);
-        QVERIFY(desktop().notifier.aMonitors.isEmpty());
-    }
-
     void runStaysTheOwnerUntilItsLastCommand()
     {
         bench->profile.InsertReceivedFax("F1");

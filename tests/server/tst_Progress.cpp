@@ -73,24 +73,6 @@ private slots:
         QVERIFY(!bench->progress.IsLoaded());
     }
 
-    void closedWindowStartsAfresh()
-    {
-        Progress &progress = bench->progress;
-        progress.SetWindowMode(true, "row");
-        progress.SetTotal(3);
-        progress.Show();
-        QCOMPARE(progress.Rows().size(), 1);
-        progress.SetButtonEnabled(false);
-        progress.CloseByUser();
-        QVERIFY(progress.IsVisible());
-        progress.SetButtonEnabled(true);
-        progress.CloseByUser();
-        QVERIFY(!progress.IsVisible() && bench->owner.aCalls.contains("cancel"));
-        progress.Load();
-        QVERIFY(progress.Rows().isEmpty() && progress.Total() == 0);
-        QCOMPARE(progress.FileHeader(), QString("File"));
-    }
-
 private:
     std::optional<Bench> bench;
 };

@@ -18,18 +18,6 @@ private slots:
         bench.reset();
     }
 
-    void lostConnectionIsRemadeWithTheStoredDigest()
-    {
-        bench->Socket().CloseByServer();
-        session().bUserLogout = true;
-        // What the answer to the login says is not read, nor the version.
-        bench->Server([](FakeSocket &socket) { socket.AcceptConnection(); });
-        bench->SayShort("Welcome\r\n9.9\r\n").SayShort("ERR\r\n14\r\n");
-        QVERIFY(session().ConnectToServer());
-        QCOMPARE(bench->Heard(), QStringList("1 anna " + Global().strPwdDigest));
-        QVERIFY(!session().bUserLogout && bench->ports.prompts.aBoxes.isEmpty());
-    }
-
     void failedConnectionLeavesASocketThatIsClosed_data()
     {
         QTest::addColumn<int>("answers"); // how far the server gets: connection, greeting
