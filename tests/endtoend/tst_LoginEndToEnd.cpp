@@ -42,6 +42,10 @@ private slots:
                  QStringList{"MFax_Client.mfd"});
         QCOMPARE(Profile::Values("Select MarkFax From Option"), QStringList{"5"});
         QCOMPARE(ReadIniValue("General", "LastUser", Global().strIniFile), "anna");
+        client.session.CancelTransfer();
+        ClientUnderTest otherCase(Home()); // is the same account
+        QVERIFY(otherCase.LogIn({server.Address(), "ANNA", "anna"}));
+        QCOMPARE(QDir(DataPath()).entryList(QDir::Dirs | QDir::NoDotAndDotDot), QStringList{"anna"});
     }
 
     void automaticLoginNeedsNoClick()
