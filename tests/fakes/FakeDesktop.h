@@ -16,7 +16,7 @@ class FakeMainWindow final : public MainWindow
 {
 public:
     bool IsVisible() const override { return bVisible; }
-    bool IsActive() const override { return bActive; }
+    bool IsActive() const override { return true; }
     void SetEnabled(bool enabled) override { bEnabled = enabled; }
     void Raise() override { ++lRaised; }
     void Unload() override { ++lUnloaded; }
@@ -26,7 +26,6 @@ public:
     void SetTotalPercent(int percent) override { aTotalPercents.append(percent); }
 
     bool bVisible = true;
-    bool bActive = true;
     bool bEnabled = true;
     bool bCommMenu = false;
     int lRaised = 0;

@@ -2,15 +2,6 @@
 
 #include <QtEndian>
 
-namespace {
-QByteArray LittleEndian(qint32 value)
-{
-    QByteArray bytes(4, '\0');
-    qToLittleEndian(value, bytes.data());
-    return bytes;
-}
-} // namespace
-
 void FakeSocket::Connect(const QString &host, int port)
 {
     strHost = host;
@@ -26,25 +17,10 @@ void FakeSocket::Close()
     abIncoming.clear();
 }
 
-void FakeSocket::SendData(const QByteArray &bytes)
-{
-    aWrites.append(bytes);
-}
-
-QByteArray FakeSocket::GetData()
-{
-    return std::exchange(abIncoming, {});
-}
-
 void FakeSocket::AcceptConnection()
 {
     state = sckConnected;
     emit Connected();
-}
-
-void FakeSocket::RefuseConnection(int number)
-{
-    Fail(number);
 }
 
 void FakeSocket::Feed(const QByteArray &bytes)
@@ -55,12 +31,9 @@ void FakeSocket::Feed(const QByteArray &bytes)
 
 void FakeSocket::FeedShort(const QByteArray &text)
 {
-    Feed(LittleEndian(static_cast<qint32>(text.size())) + text);
-}
-
-void FakeSocket::FeedLong(const QByteArray &text)
-{
-    FeedShort(text);
+    QByteArray size(4, '\0');
+    qToLittleEndian(static_cast<qint32>(text.size()), size.data());
+    Feed(size + text);
 }
 
 void FakeSocket::CloseByServer()
@@ -73,16 +46,6 @@ void FakeSocket::Fail(int number, const QString &description)
 {
     state = sckError;
     emit Error(number, description);
-}
-
-void FakeSocket::DrainSends()
-{
-    emit SendComplete();
-}
-
-QByteArray FakeSocket::TakeWrite()
-{
-    return aWrites.isEmpty() ? QByteArray() : aWrites.takeFirst();
 }
 
 std::unique_ptr<Socket> FakeSockets::Create()

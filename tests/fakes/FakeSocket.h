@@ -5,6 +5,8 @@
 #include <QList>
 #include <QPointer>
 
+#include <utility>
+
 /// A socket that a test plays the server of: it feeds bytes and reads what was written.
 class FakeSocket final : public Socket
 {
@@ -14,23 +16,23 @@ public:
     void Connect(const QString &host, int port) override;
     void Close() override;
     SocketState State() const override { return state; }
-    void SendData(const QByteArray &bytes) override;
-    QByteArray GetData() override;
+    void SendData(const QByteArray &bytes) override { aWrites.append(bytes); }
+    QByteArray GetData() override { return std::exchange(abIncoming, {}); }
 
     // What the server does
 
     void AcceptConnection();
-    void RefuseConnection(int number = sckConnectionRefused);
+    void RefuseConnection() { Fail(sckConnectionRefused); }
     /// One read of these bytes.
     void Feed(const QByteArray &bytes);
     /// A short reply: four bytes and the text, in one read.
     void FeedShort(const QByteArray &text);
     /// A long reply with its length in front, in one read.
-    void FeedLong(const QByteArray &text);
+    void FeedLong(const QByteArray &text) { FeedShort(text); }
     void CloseByServer();
     void Fail(int number, const QString &description = {});
     /// Reports that everything written has left.
-    void DrainSends();
+    void DrainSends() { emit SendComplete(); }
 
     // What the client did
 
@@ -39,7 +41,7 @@ public:
     int lConnects = 0;
     QList<QByteArray> aWrites; ///< each `SendData` is one element
     /// Takes the oldest write; empty when there is none.
-    QByteArray TakeWrite();
+    QByteArray TakeWrite() { return aWrites.isEmpty() ? QByteArray() : aWrites.takeFirst(); }
 
 private:
     SocketState state = sckClosed;

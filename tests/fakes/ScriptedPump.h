@@ -35,8 +35,6 @@ public:
 
     void Quit() { bQuitting = true; }
     bool IsStuck() const { return bStuck; }
-    /// Steps that nobody has waited for.
-    int StepsLeft() const { return static_cast<int>(steps.size()); }
 
 private:
     struct Entry
