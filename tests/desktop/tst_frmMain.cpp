@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScreen>
 #include <QSplitter>
 #include <QTest>
 #include <QToolButton>
@@ -201,6 +202,16 @@ private slots:
         check(window->menuBar()->actions(), "menu bar");
         for (const QMenu *menu : window->findChildren<QMenu *>())
             check(menu->actions(), menu->objectName());
+    }
+
+    void windowOfALargerScreenFits()
+    {
+        window->close();
+        for (const char *key : {"Main_Width", "Main_Height"})
+            QVERIFY(WriteIniValue("anna", key, "9000", Global().strIniFile));
+        OpenWindow();
+        const QSize room = window->screen()->availableSize();
+        QVERIFY(window->width() <= room.width() && window->height() <= room.height());
     }
 
 private:

@@ -10,6 +10,7 @@
 namespace {
 
 constexpr QSize smallestGrip(80, 40);
+constexpr QSize frameSize(12, 36); ///< about what a window manager draws around a window
 
 /// Enough of the window's upper edge stands on a screen to be grasped.
 bool CanBeGrasped(const QRect &window)
@@ -20,6 +21,15 @@ bool CanBeGrasped(const QRect &window)
         const QRect seen = edge.intersected(screen->availableGeometry());
         return seen.width() >= smallestGrip.width() && seen.height() >= smallestGrip.height();
     });
+}
+
+/// The size of a window that fits the screen on which its corner stands.
+QSize FitScreen(const QRect &window)
+{
+    const QScreen *screen = QGuiApplication::screenAt(window.topLeft());
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    return screen ? window.size().boundedTo(screen->availableSize() - frameSize) : window.size();
 }
 
 /// Gives the first and second part of a splitter their sizes, where they are known.
@@ -59,7 +69,7 @@ void PaneLayout::PlaceWindow(const MainLayout &layout)
     const QRect wanted(
         QPoint(layout.Main.lLeft.value_or(now.left()), layout.Main.lTop.value_or(now.top())),
         QSize(layout.Main.lWidth.value_or(now.width()), layout.Main.lHeight.value_or(now.height())));
-    panes.window->resize(wanted.size().expandedTo(panes.window->minimumSizeHint()));
+    panes.window->resize(FitScreen(wanted).expandedTo(panes.window->minimumSizeHint()));
     if (layout.Main.lLeft && layout.Main.lTop && CanBeGrasped(wanted))
         panes.window->move(wanted.topLeft());
 }
