@@ -39,3 +39,10 @@ QColor GetReadableColor(const QColor &wanted, const QColor &background)
     }
     return color == wanted.toHsl() ? wanted : color.toRgb();
 }
+
+QColor GetQuietColor(const QColor &color)
+{
+    const QColor hsl = color.toHsl();
+    return QColor::fromHslF(std::max(0.0f, hsl.hslHueF()), hsl.hslSaturationF() / 4, hsl.lightnessF())
+        .toRgb();
+}

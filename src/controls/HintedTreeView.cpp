@@ -1,5 +1,7 @@
 #include "controls/HintedTreeView.h"
 
+#include "controls/Colors.h"
+
 #include <QPainter>
 #include <QScrollBar>
 
@@ -29,6 +31,16 @@ void HintedTreeView::scrollTo(const QModelIndex &index, ScrollHint hint)
     QTreeView::scrollTo(index, hint);
     if (!rootIsDecorated())
         horizontalScrollBar()->setValue(left);
+}
+
+void HintedTreeView::initViewItemOption(QStyleOptionViewItem *option) const
+{
+    QTreeView::initViewItemOption(option);
+    if (hasFocus())
+        return;
+    for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive})
+        option->palette.setColor(group, QPalette::Highlight,
+                                 GetQuietColor(option->palette.color(group, QPalette::Highlight)));
 }
 
 void HintedTreeView::paintEvent(QPaintEvent *event)

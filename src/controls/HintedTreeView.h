@@ -18,6 +18,8 @@ public:
     void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
 
 protected:
+    /// Only the view that has the keyboard shows its selection in full colour.
+    void initViewItemOption(QStyleOptionViewItem *option) const override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
