@@ -29,7 +29,7 @@ int main(int argc, char **argv)
     QApplication application(argc, argv);
     QApplication::setApplicationDisplayName(QString::fromLatin1(programTitle));
     QApplication::setApplicationVersion(QStringLiteral(VELMAR_VERSION));
-    QApplication::setWindowIcon(Icons::Get(QStringLiteral("imgReceived")));
+    QApplication::setWindowIcon(Icons::Get(QStringLiteral("imgProgram")));
     QApplication::setQuitOnLastWindowClosed(false); // the main window may be hidden while boxes come and go
 
     SystemPorts system;

@@ -139,17 +139,18 @@ void frmUserLogin::ShowAccounts(const LoginControls &controls)
         ui->cmbAccount->setEditText(controls.strAccount);
 }
 
+/// As by the Tab key: what stands in the field is selected, and typing replaces it.
 void frmUserLogin::Focus(LoginField field)
 {
     switch (field) {
     case LoginField::Server:
-        ui->txtServer->setFocus();
+        ui->txtServer->setFocus(Qt::TabFocusReason);
         break;
     case LoginField::Account:
-        ui->cmbAccount->setFocus();
+        ui->cmbAccount->setFocus(Qt::TabFocusReason);
         break;
     case LoginField::Password:
-        ui->txtPwd->setFocus();
+        ui->txtPwd->setFocus(Qt::TabFocusReason);
         break;
     }
 }
