@@ -51,6 +51,33 @@ private slots:
         profile.reset();
     }
 
+    void gridCommandsFollowTheSession()
+    {
+        frmMain::SessionState state;
+        window->SetSessionState([&] { return state; });
+        window->SetCommand("mnuEditDelete", [] {});
+        window->SetGridCommands();
+        auto &deleteFax = Get<QAction>("tbDeleteFax");
+        QVERIFY(deleteFax.isEnabled());
+        state.bIsSocketBusy = true;
+        window->SetGridCommands();
+        QVERIFY(!deleteFax.isEnabled());
+    }
+
+    void firstActivationComesOnce()
+    {
+        int activations = 0;
+        window = std::make_unique<frmMain>(*mailbox, fakes->message);
+        window->SetFirstActivation([&] { ++activations; });
+        window->Load();
+        QCOMPARE(activations, 0);
+        QTRY_COMPARE(activations, 1);
+        window->hide();
+        window->Raise();
+        QTest::qWait(0);
+        QCOMPARE(activations, 1);
+    }
+
     void folderShowsItsFaxesAndTheFirstPage()
     {
         QCOMPARE(window->windowTitle(), "Velmar Client");
