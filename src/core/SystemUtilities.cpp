@@ -24,7 +24,7 @@ constexpr long badArguments = 160;
 
 } // namespace
 
-bool ShellOpen(Shell &shell, const QString &file, const QString &verb, const QString &parameters,
+bool ShellOpen(Shell &shell, const QString &file, const QString &verb, const QStringList &parameters,
                const QString &folder, int show)
 {
     constexpr int lowestSuccess = 33;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 class QDateTime;
 class Folders;
@@ -33,7 +34,8 @@ QString GetFolderOfPath(const QString &path);
 QString GetSpecialFolder(const Folders &folders, int code, long owner = 0);
 /// The path cut in the middle to `width` characters at most, its last component kept.
 QString CompactPath(const QString &path, int width);
-bool ShellOpen(Shell &shell, const QString &file, const QString &verb, const QString &parameters,
+/// True when the shell has started it; see `Shell::Open`.
+bool ShellOpen(Shell &shell, const QString &file, const QString &verb, const QStringList &parameters,
                const QString &folder, int show);
 
 // Text

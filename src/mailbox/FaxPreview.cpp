@@ -2,9 +2,8 @@
 
 #include "core/Globals.h"
 #include "core/Utilities.h"
+#include "mailbox/FaxFiles.h"
 #include "mailbox/FaxRow.h"
-
-#include <QDir>
 
 namespace {
 
@@ -132,18 +131,4 @@ void FaxPreview::SetFreeZoom()
 {
     bFitWidth = bZoom100 = false;
     emit ZoomChanged();
-}
-
-QString FindFaxFile(const QString &folder, const QString &fileName)
-{
-    const QString name = GetBareName(fileName);
-    if (name.isEmpty())
-        return {};
-    if (!FileExists(folder + name)) {
-        for (const QString &candidate : QDir(folder).entryList(QDir::Files)) {
-            if (candidate.compare(name, Qt::CaseInsensitive) == 0)
-                return folder + candidate;
-        }
-    }
-    return folder + name;
 }

@@ -89,7 +89,3 @@ private:
     bool bFitWidth = false;
     bool bZoom100 = false;
 };
-
-/// The path of a fax file in `folder`, which ends in a slash. `fileName` counts as a bare name, and its case
-/// does not matter when no file bears it exactly. Empty for an empty name.
-QString FindFaxFile(const QString &folder, const QString &fileName);

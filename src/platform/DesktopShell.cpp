@@ -9,16 +9,6 @@
 #include <QUrl>
 
 namespace {
-/// "/Brenmot " and a path are two arguments, blanks in the path included; other texts are cut at blanks
-/// outside of double quotes.
-QStringList ArgumentsOf(const QString &parameters)
-{
-    const QString viewerSwitch = QStringLiteral("/Brenmot");
-    if (parameters.startsWith(viewerSwitch + u' '))
-        return {viewerSwitch, parameters.mid(viewerSwitch.size() + 1)};
-    return QProcess::splitCommand(parameters);
-}
-
 bool IsAddress(const QString &file)
 {
     const QString scheme = QUrl(file).scheme();
@@ -42,15 +32,15 @@ QString DesktopShell::FindProgram(const QString &file) const
     return ours && program.isFile() && program.isExecutable() ? program.absoluteFilePath() : QString();
 }
 
-int DesktopShell::Open(const QString &file, const QString &, const QString &parameters, const QString &folder,
-                       int)
+int DesktopShell::Open(const QString &file, const QString &, const QStringList &parameters,
+                       const QString &folder, int)
 {
     if (file.isEmpty())
         return FileNotFound;
     const bool address = IsAddress(file);
     const QString program = address ? QString() : FindProgram(file);
     if (!program.isEmpty())
-        return Start(program, ArgumentsOf(parameters), folder);
+        return Start(program, parameters, folder);
     if (!address && !QFileInfo::exists(file))
         return FileNotFound;
     const QString opener = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));

@@ -20,7 +20,7 @@ public:
     /// Runs a file as a program only when it stands in this program's own folder or is a bare name of the
     /// search path: a document is never run, whatever its permissions say. Windows open as the desktop
     /// pleases: `verb` and `show` change nothing.
-    int Open(const QString &file, const QString &verb, const QString &parameters, const QString &folder,
+    int Open(const QString &file, const QString &verb, const QStringList &parameters, const QString &folder,
              int show) override;
 
 private:

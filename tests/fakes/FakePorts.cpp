@@ -25,7 +25,7 @@ QByteArray FakeIds::NewGuid()
     return bytes;
 }
 
-int FakeShell::Open(const QString &file, const QString &verb, const QString &parameters,
+int FakeShell::Open(const QString &file, const QString &verb, const QStringList &parameters,
                     const QString &folder, int show)
 {
     aCalls.append({file, verb, parameters, folder, show});

@@ -59,11 +59,13 @@ public:
 class FakeShell final : public Shell
 {
 public:
-    int Open(const QString &file, const QString &verb, const QString &parameters, const QString &folder,
+    int Open(const QString &file, const QString &verb, const QStringList &parameters, const QString &folder,
              int show) override;
     struct Call
     {
-        QString strFile, strVerb, strParameters, strFolder;
+        QString strFile, strVerb;
+        QStringList aParameters;
+        QString strFolder;
         int lShow = 0;
     };
     QList<Call> aCalls;

@@ -1,6 +1,7 @@
 #include "core/Globals.h"
 #include "fixtures/FaxFile.h"
 #include "fixtures/Profile.h"
+#include "mailbox/FaxFiles.h"
 #include "mailbox/FaxPreview.h"
 
 #include <QSignalSpy>
@@ -130,6 +131,22 @@ private slots:
         preview->LoadFaxPreview("A", 0);
         QVERIFY(!preview->HasImage());
         QVERIFY(!preview->PreviewFile().contains(".."));
+        QVERIFY(!FaxFileExists("A", nullptr, false));
+    }
+
+    void filesAreListedWhereTheyExist()
+    {
+        Receive("A", {});
+        profile->InsertReceivedFax("GONE", {{"fileName", "gone.tif"}});
+        profile->InsertReceivedFax("NONE", {{"fileName", ""}});
+        profile->InsertSentFax("S", {{"fileName", "s.TIF"}}); // in another case
+        QVERIFY(FaxFile().Write(Global().strOutputBoxPath + "S.tif"));
+        QString files;
+        QVERIFY(FaxFileExists("A", &files, false) && FaxFileExists("S", &files, true));
+        QVERIFY(FaxFileExists("A", nullptr, false));
+        for (const char *id : {"GONE", "NONE", "NOBODY", "S"})
+            QVERIFY(!FaxFileExists(id, &files, false));
+        QCOMPARE(files, Global().strInputBoxPath + "A.tif," + Global().strOutputBoxPath + "S.tif,");
     }
 
 private:

@@ -26,24 +26,25 @@ private slots:
     void argumentsAreNeverReadByAShell_data()
     {
         QTest::addColumn<QString>("file");
-        QTest::addColumn<QString>("parameters");
+        QTest::addColumn<QStringList>("parameters");
         QTest::addColumn<QStringList>("started");
         const QString companion = root.filePath("program/Companion.exe"), hard = root.filePath(hardName);
         const QString opener = root.filePath("path/xdg-open"),
                       mail = "mailto:a@example.com?body=Version%201.0";
-        QTest::newRow("viewer") << companion << "/Brenmot " + hard
+        QTest::newRow("viewer") << companion << QStringList{"/Brenmot", hard}
                                 << QStringList{"Companion.exe", "/Brenmot", hard};
-        QTest::newRow("several") << companion << "one \"two words\""
-                                 << QStringList{"Companion.exe", "one", "two words"};
-        QTest::newRow("document") << hard << "" << QStringList{"xdg-open", hard};
-        QTest::newRow("foreign program, not run") << opener << "" << QStringList{"xdg-open", opener};
-        QTest::newRow("address") << mail << "" << QStringList{"xdg-open", mail};
+        QTest::newRow("several") << companion << QStringList{"one", "two words", "", "\"three\""}
+                                 << QStringList{"Companion.exe", "one", "two words", "", "\"three\""};
+        QTest::newRow("document") << hard << QStringList() << QStringList{"xdg-open", hard};
+        QTest::newRow("foreign program, not run")
+            << opener << QStringList() << QStringList{"xdg-open", opener};
+        QTest::newRow("address") << mail << QStringList() << QStringList{"xdg-open", mail};
     }
 
     void argumentsAreNeverReadByAShell()
     {
         QFETCH(QString, file);
-        QFETCH(QString, parameters);
+        QFETCH(QStringList, parameters);
         const QString record = root.filePath("record");
         QFile::remove(record);
         QVERIFY(Open(file, parameters) >= 33);
@@ -70,7 +71,7 @@ private:
         QVERIFY(QDir().mkpath(QFileInfo(path).path()) && WriteTestFile(path, text));
         QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     }
-    int Open(const QString &file, const QString &parameters = {})
+    int Open(const QString &file, const QStringList &parameters = {})
     {
         return DesktopShell(folders).Open(file, "Open", parameters, root.path(), 4);
     }

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+
+// Where the files of the faxes stand.
+
+/// The path of a fax file in `folder`, which ends in a slash. `fileName` counts as a bare name, and its case
+/// does not matter when no file bears it exactly. The file need not exist. Empty for an empty name.
+QString FindFaxFile(const QString &folder, const QString &fileName);
+
+/// The same for a fax of `SendFax` or `ReceiveFax`. Empty when it has no row or its row names no file. Raises
+/// the errors of the database.
+QString FindFileOfFax(const QString &id, bool isSent);
+
+/// True when the fax has a row in its table and its file exists; then the full path and a "," are appended to
+/// `fileList`, when there is one. Raises the errors of the database.
+bool FaxFileExists(const QString &id, QString *fileList, bool isSent);
