@@ -24,4 +24,6 @@ public:
     virtual void SetServerPanel(const QString &text) = 0;
     /// Percentage of the whole run, in the status bar; below 0 for none.
     virtual void SetTotalPercent(int percent) = 0;
+    /// The pointer that says: something is under way, but go on working.
+    virtual void SetBusyPointer(bool busy) = 0;
 };

@@ -23,6 +23,9 @@ public:
     /// Selects the current row again, so that its fax is shown anew.
     virtual void SelectCurrentRow() = 0;
 
+    /// Selects the selected folder again, as a click on it does, and then the fax that was on show.
+    virtual void ReloadSelectedFolder() = 0;
+
     /// Recounts the unread faxes of all folders under the date range on the screen.
     virtual void RefreshFolderUnreadCounts() = 0;
 };

@@ -58,6 +58,14 @@ void ShownMailbox::SelectFolder(const QString &key)
         Guard("tvFolder_SelectedNodeChanged", [&] { ShowFolder(node); });
 }
 
+void ShownMailbox::ReloadSelectedFolder()
+{
+    const QString shown = strCurrent;
+    SelectFolder(SelectedFolder());
+    if (!shown.isEmpty() && shown != strCurrent)
+        SelectRow(list.RowOf(shown));
+}
+
 void ShownMailbox::ShowFolder(FolderNode *node)
 {
     selected = node;

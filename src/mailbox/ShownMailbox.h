@@ -43,6 +43,7 @@ public:
     int RowCount() const override { return list.RowCount(); }
     void SelectRow(int row) override;
     void SelectCurrentRow() override;
+    void ReloadSelectedFolder() override;
     void RefreshFolderUnreadCounts() override;
 
     // What the user does

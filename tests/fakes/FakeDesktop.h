@@ -24,10 +24,12 @@ public:
     void SetGridCommands() override { ++lGridCommands; }
     void SetServerPanel(const QString &text) override { strServerPanel = text; }
     void SetTotalPercent(int percent) override { aTotalPercents.append(percent); }
+    void SetBusyPointer(bool busy) override { bBusyPointer = busy; }
 
     bool bVisible = true;
     bool bEnabled = true;
     bool bCommMenu = false;
+    bool bBusyPointer = false;
     int lRaised = 0;
     int lUnloaded = 0;
     int lGridCommands = 0;
@@ -45,6 +47,7 @@ public:
     int RowCount() const override { return lRows; }
     void SelectRow(int row) override;
     void SelectCurrentRow() override { aCalls.append(QStringLiteral("current row")); }
+    void ReloadSelectedFolder() override { aCalls.append(QStringLiteral("folder again")); }
     void RefreshFolderUnreadCounts() override { aCalls.append(QStringLiteral("recount")); }
 
     QString strFolder;

@@ -367,6 +367,14 @@ void frmMain::SetTotalPercent(int percent)
     pbTotal->setValue(qBound(0, percent, 100));
 }
 
+void frmMain::SetBusyPointer(bool busy)
+{
+    if (busy)
+        setCursor(Qt::BusyCursor);
+    else
+        unsetCursor();
+}
+
 void frmMain::showEvent(QShowEvent *event)
 {
     QMainWindow::showEvent(event);

@@ -68,6 +68,7 @@ public:
     void SetGridCommands() override;
     void SetServerPanel(const QString &text) override;
     void SetTotalPercent(int percent) override;
+    void SetBusyPointer(bool busy) override;
 
 protected:
     void showEvent(QShowEvent *event) override;

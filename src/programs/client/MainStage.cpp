@@ -41,6 +41,9 @@ void MainStage::ConnectReading()
         tmrMarkFax.SetEnabled(false);
         mailbox.Marks().OnMarkFaxTick();
     });
+    // Queued: the click or tick that has read the fax ends first, since sending the receipt takes its time.
+    QObject::connect(&mailbox.Marks(), &ReadMarks::ReceiptsQueued, &server.receipts,
+                     &ReturnReceipts::FlushQueue, Qt::QueuedConnection);
 }
 
 void MainStage::ConnectCommands()

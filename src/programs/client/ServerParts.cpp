@@ -6,6 +6,7 @@ ServerParts::ServerParts(const Ports &ports, MainWindow &mainWindow, Mailbox &ma
                          Polling::TakeFaxFile takeFaxFile)
     : progress(ports.timers)
     , session(ports, progress, mainWindow)
+    , receipts(ports, session, mailbox, mainWindow)
     , faxDownload(ports, {session, progress, faxStatus, faxPrinting, notifier, mainWindow, mailbox})
     , runs(ports,
            {session, progress, addressSync, faxUpload, faxDownload, faxStatus, mainWindow, mailbox, forms})

@@ -8,6 +8,7 @@
 #include "server/FaxUpload.h"
 #include "server/Polling.h"
 #include "server/Progress.h"
+#include "server/ReturnReceipts.h"
 #include "server/Session.h"
 #include "server/SessionRuns.h"
 
@@ -29,6 +30,7 @@ struct ServerParts
     Notifier notifier;
     Progress progress;
     Session session;
+    ReturnReceipts receipts;
     FaxDownload faxDownload;
     SessionRuns runs;
     Polling polling;
