@@ -112,6 +112,23 @@ void FaxList::AddOnTop(Rows rows)
     emit InsertedOnTop();
 }
 
+void FaxList::ReloadRow(int row, const QString &id, int mode)
+{
+    FaxRow &fax = aRows[Place(row)];
+    const auto statement = Global().objDB->SelectEx(FaxListQueries::ForFax(id, mode, fax.lFaxTable));
+    if (!statement->Next())
+        return;
+    ReadFaxRowAgain(fax, *statement, mode);
+    emit RowChanged(row);
+}
+
+void FaxList::Remove(int row)
+{
+    emit AboutToRemove(row);
+    aRows.erase(aRows.begin() + static_cast<Rows::difference_type>(Place(row)));
+    emit Removed();
+}
+
 void FaxList::SetRead(const QStringList &ids, bool read)
 {
     const QSet<QString> wanted(ids.begin(), ids.end());

@@ -37,6 +37,10 @@ public:
     /// Fills the list for modes 1 to 7. `clearFirst` false adds on top what is not listed yet.
     void LoadFaxes(FaxListQueries::Selection selection, bool clearFirst);
 
+    /// Reads a fax again into a row; a fax that is gone leaves the row as it was. `mode` is 1 to 7.
+    void ReloadRow(int row, const QString &id, int mode);
+    void Remove(int row);
+
     /// Shows faxes as read or unread.
     void SetRead(const QStringList &ids, bool read);
     /// The row whose icon invites a click; 0 for none.
@@ -53,6 +57,8 @@ signals:
     void Reset();
     void AboutToInsertOnTop(int count);
     void InsertedOnTop();
+    void AboutToRemove(int row);
+    void Removed();
     void RowChanged(int row);
     void AboutToSort();
     void Sorted();

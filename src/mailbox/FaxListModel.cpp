@@ -25,6 +25,8 @@ FaxListModel::FaxListModel(FaxList &shownList, QObject *parent)
     connect(&list, &FaxList::AboutToInsertOnTop, this,
             [this](int count) { beginInsertRows({}, 0, count - 1); });
     connect(&list, &FaxList::InsertedOnTop, this, [this] { endInsertRows(); });
+    connect(&list, &FaxList::AboutToRemove, this, [this](int row) { beginRemoveRows({}, row - 1, row - 1); });
+    connect(&list, &FaxList::Removed, this, [this] { endRemoveRows(); });
     connect(&list, &FaxList::RowChanged, this,
             [this](int row) { emit dataChanged(index(row - 1, 0), index(row - 1, columnCount() - 1)); });
     connect(&list, &FaxList::AboutToSort, this, [this] { RememberIndexes(); });

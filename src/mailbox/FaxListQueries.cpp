@@ -80,6 +80,26 @@ QList<const QueryTexts *> GetTexts(int mode)
     }
 }
 
+const char *GetFaxText(int mode, int faxTable)
+{
+    if (faxTable == 0)
+        return "Select Fax_ID,isReaded,FaxLevel,Sender,Title,Pages,ReceiveTime,reSender,FileName from "
+               "ReceiveFax   Where Fax_ID='%1'";
+    switch (mode) {
+    case 1:
+        return "Select Fax_ID,FaxLevel,ReceiverName ,Title,Pages,modifyTime,FileList,IsReaded,FileName from "
+               "SendFax  Where Fax_ID='%1'";
+    case 3:
+        return "Select Fax_ID,FaxLevel,Title,Pages,FileName,IsReaded from SendFax  Where Fax_ID='%1'";
+    case 4:
+        return "Select Fax_ID,FaxLevel,ReceiverName ,Title,Pages,FileName,IsReaded from SendFax  Where "
+               "Fax_ID='%1'";
+    default:
+        return "Select Fax_ID,FaxLevel,ReceiverName ,Title,Pages,Result,SendTime,FileNAME,IsReaded from "
+               "SendFax  Where Fax_ID='%1'";
+    }
+}
+
 QString Column(const char *column, const QString &dateRange)
 {
     return dateRange.isEmpty() ? QString() : column + dateRange;
@@ -117,6 +137,11 @@ QList<FaxListQueries::Query> FaxListQueries::ForFolder(const Selection &selectio
                         texts->lFaxTable});
     }
     return queries;
+}
+
+QString FaxListQueries::ForFax(const QString &id, int mode, int faxTable)
+{
+    return QString(GetFaxText(mode, faxTable)).arg(id);
 }
 
 QList<FaxListQueries::SummaryLine> FaxListQueries::ForSummary(const Subtrees &subtrees,

@@ -27,6 +27,9 @@ struct Query
 /// All queries give the oldest fax first. The Recycle bin takes two.
 QList<Query> ForFolder(const Selection &selection);
 
+/// Reads one listed fax again, for `ReadFaxRowAgain`. `mode` is the list's, `faxTable` that of the fax.
+QString ForFax(const QString &id, int mode, int faxTable);
+
 /// One line of the summary.
 struct SummaryLine
 {

@@ -12,6 +12,9 @@ namespace {
 
 constexpr int lReceiverWidth = 100;
 
+/// The first reader, in queries of received faxes. The statement that reads a single fax goes without it.
+constexpr int lFirstReaderField = 9;
+
 enum class CellKind { Plain, Receiver, Sender, Time, FileList, BareName, Result };
 
 /// Which field of a query's row stands in which column.
@@ -41,7 +44,7 @@ const RowRules &GetRules(int mode, int faxTable)
     static const RowRules received{2,
                                    1,
                                    {{4, 3, CellKind::Sender},
-                                    {5, 9, CellKind::Plain},
+                                    {5, lFirstReaderField, CellKind::Plain},
                                     {6, 4, CellKind::Plain},
                                     {7, 5, CellKind::Plain},
                                     {8, 6, CellKind::Time},
@@ -109,6 +112,27 @@ QString FormatCell(const QString &stored, CellKind kind)
     return text;
 }
 
+/// A level that is missing or no number is the normal one.
+int ReadLevel(const QString &stored)
+{
+    const QString level = stored.trimmed();
+    return level.isEmpty() || !level.front().isDigit() ? 1 : ToNumber(level);
+}
+
+void ReadCells(FaxRow &row, const clsStatement &statement, int mode, bool again)
+{
+    const RowRules &rules = GetRules(mode, row.lFaxTable);
+    row.strID = statement.Text(0);
+    row.bRead = ReadsAsTrue(statement.Text(rules.lReadField));
+    row.lLevel = ReadLevel(statement.Text(rules.lLevelField));
+    for (const CellRule &rule : rules.aCells) {
+        if (!again || rule.lField != lFirstReaderField)
+            row.SetCell(rule.lColumn, FormatCell(statement.Text(rule.lField), rule.kind));
+    }
+    if (mode == 3)
+        row.SetCell(colFaxTable, QString::number(row.lFaxTable));
+}
+
 } // namespace
 
 void FaxRow::SetCell(int column, const QString &text)
@@ -139,18 +163,15 @@ std::optional<quint32> FaxRow::TextColor() const
 
 FaxRow ReadFaxRow(const clsStatement &statement, int mode, int faxTable)
 {
-    const RowRules &rules = GetRules(mode, faxTable);
     FaxRow row;
-    row.strID = statement.Text(0);
     row.lFaxTable = faxTable;
-    row.bRead = ReadsAsTrue(statement.Text(rules.lReadField));
-    const QString level = statement.Text(rules.lLevelField);
-    row.lLevel = level.isEmpty() ? 1 : ToNumber(level);
-    for (const CellRule &rule : rules.aCells)
-        row.SetCell(rule.lColumn, FormatCell(statement.Text(rule.lField), rule.kind));
-    if (mode == 3)
-        row.SetCell(colFaxTable, QString::number(faxTable));
+    ReadCells(row, statement, mode, false);
     return row;
+}
+
+void ReadFaxRowAgain(FaxRow &row, const clsStatement &statement, int mode)
+{
+    ReadCells(row, statement, mode, true);
 }
 
 /// By hand, since it runs for every row of a long list.

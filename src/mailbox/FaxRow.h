@@ -32,6 +32,9 @@ struct FaxRow
 /// Reads the current row of a query of list mode 1 to 7. `faxTable` is the query's.
 FaxRow ReadFaxRow(const clsStatement &statement, int mode, int faxTable);
 
+/// Reads the current row of `FaxListQueries::ForFax` into the row of that fax, whose table it knows.
+void ReadFaxRowAgain(FaxRow &row, const clsStatement &statement, int mode);
+
 /// "YYYY-MM-DD HH:MM:SS" as the list shows it, "MM/DD/YYYY hh:mm:ss"; any other text as it stands.
 QString FormatListTime(const QString &stored);
 

@@ -26,6 +26,13 @@ public:
     /// Selects the selected folder again, as a click on it does, and then the fax that was on show.
     virtual void ReloadSelectedFolder() = 0;
 
+    /// A fax changed hands; the list and the unread counts follow, as far as the selected folder shows it.
+    /// `kind` 0: a draft was saved; 1: it went to Outgoing; 2: it went to Sending. `isNew` says that it was
+    /// in no folder before, `id` which fax of the list it is.
+    /// `kind` 3 loads the list anew, narrowed by a filter: `id` is then the further text of the condition,
+    /// and `isNew` lists all folders of the family.
+    virtual void NotifySaveFax(int kind, bool isNew, const QString &id) = 0;
+
     /// Recounts the unread faxes of all folders under the date range on the screen.
     virtual void RefreshFolderUnreadCounts() = 0;
 };

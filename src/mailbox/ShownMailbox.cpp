@@ -147,8 +147,15 @@ void ShownMailbox::SelectAfterLoad(const QString &previousFax)
     const int previousRow = previousFax.isEmpty() ? 0 : list.RowOf(previousFax);
     if (previousRow > 0) {
         emit RowSelected(previousRow); // the fax on show stays, at the page where its reader is
-    } else if (list.RowCount() > 0) {
-        SelectRow(1);
+    } else {
+        SelectRowOrNone(1);
+    }
+}
+
+void ShownMailbox::SelectRowOrNone(int row)
+{
+    if (list.RowCount() > 0) {
+        SelectRow(row);
     } else {
         ClearSelection();
         ResetPreview();
@@ -160,18 +167,7 @@ void ShownMailbox::ReloadCurrentFolder(bool clearFirst)
 {
     if (!selected || selected->Family == FolderFamily::Recyle)
         return;
-    const int mode = selected->Family == FolderFamily::Sended ? 5 : GetListMode(selected->Family, {});
-    LoadGridItem(selected->strKey, mode, {}, false, clearFirst);
-}
-
-int ShownMailbox::GetFaxTable() const
-{
-    if (!selected || selected->Family == FolderFamily::Received)
-        return 0;
-    if (selected->Family != FolderFamily::Recyle)
-        return 1;
-    const int row = SelectedRow();
-    return row > 0 ? list.Row(row).lFaxTable : 0;
+    LoadGridItem(selected->strKey, ModeOfSelected(), {}, false, clearFirst);
 }
 
 // The selected faxes

@@ -45,6 +45,7 @@ public:
     void SelectCurrentRow() override;
     void ReloadSelectedFolder() override;
     void RefreshFolderUnreadCounts() override;
+    void NotifySaveFax(int kind, bool isNew, const QString &id) override;
 
     // What the user does
     void SelectFolder(const QString &key);
@@ -61,6 +62,10 @@ public:
     int SelectedRow() const;
     /// The table of the selected fax: 0 `ReceiveFax`, 1 `SendFax`.
     int GetFaxTable() const;
+    /// Reads a fax again and shows it in that row. `kind` is the list mode, 1 to 7.
+    void ChangeRowText(int row, const QString &id, int kind);
+    /// Takes a fax out of the list. `refresh` then selects the row that took its place, or the last one.
+    void DeleteSpecItemFromGrid(const QString &id, bool refresh);
     /// Sets a folder's unread count; -1 counts the unread rows of the list. A null node means the selected
     /// one.
     void SetFolderTreeText(long count, FolderNode *node);
@@ -90,6 +95,12 @@ private:
     void LoadSummary();
     void ShowFolder(FolderNode *node);
     void ShowFax(const QString &id);
+    int ModeOfSelected() const;
+    void SelectRowOrNone(int row);
+    void NotifyDraft(bool isNew, const QString &id);
+    void NotifyOutgoing(bool isNew, const QString &id);
+    void NotifySending(bool isNew, const QString &id);
+    void Recount(QStringList keys);
     void SelectAfterLoad(const QString &previousFax);
     void ClearSelection();
     void ResetPreview();

@@ -18,6 +18,11 @@ void FakeMailbox::SelectRow(int row)
     aCalls.append(QStringLiteral("row %1").arg(row));
 }
 
+void FakeMailbox::NotifySaveFax(int kind, bool isNew, const QString &id)
+{
+    aCalls.append(QStringLiteral("saved %1 %2 %3").arg(QString::number(kind), isNew ? "new" : "old", id));
+}
+
 void FakePrinting::PrintFile(const QString &path, int first, int last, int copies, const QString &printerName)
 {
     aPrinted.append(

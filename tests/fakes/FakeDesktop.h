@@ -48,6 +48,7 @@ public:
     void SelectRow(int row) override;
     void SelectCurrentRow() override { aCalls.append(QStringLiteral("current row")); }
     void ReloadSelectedFolder() override { aCalls.append(QStringLiteral("folder again")); }
+    void NotifySaveFax(int kind, bool isNew, const QString &id) override;
     void RefreshFolderUnreadCounts() override { aCalls.append(QStringLiteral("recount")); }
 
     QString strFolder;

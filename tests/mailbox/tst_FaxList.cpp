@@ -56,6 +56,45 @@ private slots:
         QTEST(list->Row(1).aCells.mid(2), "cells");
     }
 
+    void rowIsReadAgain_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<QString>("table");
+        QTest::addColumn<int>("titleColumn");
+        QTest::newRow("draft") << 1 << "SendFax" << 5;
+        QTest::newRow("received") << 2 << "ReceiveFax" << 6;
+        QTest::newRow("recycled sent") << 3 << "SendFax" << 5;
+        QTest::newRow("recycled received") << 3 << "ReceiveFax" << 5;
+        QTest::newRow("outgoing") << 4 << "SendFax" << 5;
+        QTest::newRow("undelivered") << 7 << "SendFax" << 5;
+    }
+
+    void rowIsReadAgain()
+    {
+        QFETCH(int, mode);
+        QFETCH(QString, table);
+        QFETCH(int, titleColumn);
+        const QString folder = mode == 3 ? "" : "1001";
+        const Profile::Columns columns{{"folderID", folder}, {"RecyleID", mode == 3 ? "1001" : ""}};
+        if (table == "SendFax") {
+            profile->InsertSentFax("A", columns);
+        } else {
+            profile->InsertReceivedFax("A", columns);
+            Profile::Execute("UPDATE ReceiveFax SET FirstReader='Carl'");
+        }
+        Load(mode, "1001");
+        const FaxRow before = list->Row(1);
+        Profile::Execute("UPDATE " + table + " SET title='It~$@~s', faxLevel='2'");
+        list->ReloadRow(1, "A", mode);
+        QCOMPARE(list->Row(1).lLevel, 2);
+        FaxRow wanted = before;
+        wanted.SetCell(titleColumn, "It's");
+        QCOMPARE(list->Row(1).aCells, wanted.aCells);
+        Profile::Execute("DELETE FROM " + table);
+        list->ReloadRow(1, "A", mode);
+        QCOMPARE(list->Row(1).strID, "A");
+    }
+
     void additionKeepsWhatIsListed()
     {
         profile->InsertReceivedFax("A", {{"receiveTime", "2026-01-02 00:00:00"}});
@@ -117,9 +156,10 @@ private slots:
             QString strLevel, strReaded, strLevelImage, strReadImage;
             quint32 lColor; // 1 for none
         };
-        for (const Case &c : {Case{"0", "0", "imgLevel", "imgNotRead", 0xff0000},
-                              Case{"2", "1", "imgLowLevel", "imgReaded", 0x969696},
-                              Case{"1", "-1", "", "imgReaded", 1}, Case{"", "False", "", "imgNotRead", 1}}) {
+        for (const Case &c :
+             {Case{"0", "0", "imgLevel", "imgNotRead", 0xff0000},
+              Case{"2", "1", "imgLowLevel", "imgReaded", 0x969696}, Case{"1", "-1", "", "imgReaded", 1},
+              Case{"", "False", "", "imgNotRead", 1}, Case{"high", "1", "", "imgReaded", 1}}) {
             profile->InsertSentFax(
                 "S" + c.strLevel,
                 {{"folderID", "1002"}, {"faxLevel", c.strLevel}, {"isReaded", c.strReaded}});
@@ -198,6 +238,8 @@ private slots:
         QCOMPARE(unread.data(ColorRole).toUInt(), 0xff0000u);
         QCOMPARE(model.headerData(7, Qt::Horizontal, ImageKeyRole), "imgSortDown");
         QCOMPARE(model.headerData(1, Qt::Horizontal, Qt::ToolTipRole), "Read");
+        list->Remove(1);
+        QCOMPARE(model.index(0, 0).data(KeyRole), "A");
         list->SetLayout(4);
         QCOMPARE(model.rowCount(), 0);
         QCOMPARE(model.headerData(3, Qt::Horizontal, Qt::DisplayRole), "Recipient");

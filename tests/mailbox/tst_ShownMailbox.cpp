@@ -72,6 +72,88 @@ private slots:
         QCOMPARE(mailbox->GetFaxTable(), 0);
     }
 
+    void savedFaxesChangeTheListTheyAreIn_data()
+    {
+        QTest::addColumn<QString>("folder");
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<bool>("isNew");
+        QTest::addColumn<QString>("id");
+        QTest::addColumn<QStringList>("rows"); // after NEW came into the folder and B got another title
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("new draft") << "1002" << 0 << true << "" << QStringList{"NEW", "C", "B", "A"} << "B";
+        QTest::newRow("edited draft") << "1002" << 0 << false << "B" << QStringList{"C", "B!", "A"} << "B";
+        QTest::newRow("draft under a new id")
+            << "1002" << 0 << false << "NEW" << QStringList{"NEW", "C", "B!", "A"} << "NEW";
+        QTest::newRow("draft sent") << "1002" << 1 << false << "B" << QStringList{"C", "A"} << "A";
+        QTest::newRow("last draft sent") << "1002" << 1 << false << "A" << QStringList{"C", "B"} << "B";
+        QTest::newRow("new fax sent") << "1002" << 1 << true << "" << QStringList{"C", "B", "A"} << "B";
+        QTest::newRow("into Outgoing")
+            << "1003" << 1 << true << "" << QStringList{"NEW", "C", "B", "A"} << "B";
+        QTest::newRow("out of Outgoing") << "1003" << 2 << false << "B" << QStringList{"C", "A"} << "A";
+        QTest::newRow("into Sending")
+            << "1005" << 2 << false << "NEW" << QStringList{"NEW", "C", "B", "A"} << "B";
+        QTest::newRow("filter") << "1003" << 3 << false << " and Fax_ID<'C'" << QStringList{"B!", "A"} << "B";
+        QTest::newRow("filter for all folders") << "1003" << 3 << true << " and title='Offer'"
+                                                << QStringList{"NEW", "C", "ELSEWHERE", "A"} << "NEW";
+    }
+
+    void savedFaxesChangeTheListTheyAreIn()
+    {
+        QFETCH(QString, folder);
+        QFETCH(int, kind);
+        QFETCH(bool, isNew);
+        QFETCH(QString, id);
+        const auto insert = [&](const QString &name, const QString &where, int day) {
+            const QString time = QString("2026-01-0%1 00:00:00").arg(day);
+            profile->InsertSentFax(
+                name, {{"folderID", where}, {"ModifyTime", time}, {"SendTime", time}, {"isReaded", "0"}});
+        };
+        insert("A", folder, 1);
+        insert("ELSEWHERE", "1006", 2);
+        insert("B", folder, 3);
+        insert("C", folder, 4);
+        mailbox->LoadFaxFolderTree();
+        mailbox->SelectFolder(folder);
+        mailbox->SelectRow(2);
+        insert("NEW", folder, 5);
+        Profile::Execute("UPDATE SendFax SET title='Changed' WHERE Fax_ID='B'");
+        mailbox->NotifySaveFax(kind, isNew, id);
+        QStringList rows;
+        for (int row = 1; row <= mailbox->RowCount(); ++row) {
+            const FaxRow &fax = mailbox->List().Row(row);
+            rows.append(fax.strID + (fax.Cell(5) == "Changed" ? "!" : ""));
+        }
+        QTEST(rows, "rows");
+        QTEST(mailbox->SelectedFaxes().join(','), "shown");
+        QCOMPARE(mailbox->List().Row(mailbox->SelectedRow()).strID, mailbox->SelectedFaxes().first());
+        if (kind != 3)
+            QCOMPARE(mailbox->SelectedNode()->lUnread, 4);
+    }
+
+    void savedFaxesChangeTheSummary()
+    {
+        Global().SwitchTo = false;
+        mailbox->NotifySaveFax(0, true, ""); // no folder is selected yet
+        mailbox->LoadFaxFolderTree();
+        profile->InsertSentFax("A", {{"folderID", "1002"}});
+        mailbox->NotifySaveFax(0, true, "");
+        QCOMPARE(mailbox->List().Row(2).Cell(4), "1");
+        mailbox->NotifySaveFax(1, false, "");
+        QCOMPARE(mailbox->RowCount(), 5);
+    }
+
+    void lastFaxTakenOutEmptiesThePreview()
+    {
+        profile->InsertReceivedFax("A");
+        mailbox->LoadFaxFolderTree();
+        mailbox->DeleteSpecItemFromGrid("A", false);
+        QCOMPARE(mailbox->SelectedRow(), 0);
+        mailbox->ReloadCurrentFolder(true);
+        mailbox->DeleteSpecItemFromGrid("A", true);
+        QCOMPARE(mailbox->RowCount() + mailbox->SelectedFaxes().size(), 0);
+        mailbox->DeleteSpecItemFromGrid("A", true);
+    }
+
     void bulkChangesAreNotFollowed()
     {
         mailbox->LoadFaxFolderTree();

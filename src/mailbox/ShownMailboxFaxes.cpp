@@ -1,0 +1,132 @@
+// What happens to single faxes of the list.
+
+#include "core/Globals.h"
+#include "mailbox/ShownMailbox.h"
+
+#include <QScopedValueRollback>
+
+#include <algorithm>
+
+namespace {
+
+enum SavedKind { savedDraft = 0, savedOutgoing = 1, savedSending = 2, savedFilter = 3 };
+
+} // namespace
+
+int ShownMailbox::GetFaxTable() const
+{
+    if (!selected || selected->Family == FolderFamily::Received)
+        return 0;
+    if (selected->Family != FolderFamily::Recyle)
+        return 1;
+    const int row = SelectedRow();
+    return row > 0 ? list.Row(row).lFaxTable : 0;
+}
+
+/// By the folder's icon: the branches of "Sent" list alike.
+int ShownMailbox::ModeOfSelected() const
+{
+    return selected->Family == FolderFamily::Sended ? 5 : GetListMode(selected->Family, {});
+}
+
+void ShownMailbox::ChangeRowText(int row, const QString &id, int kind)
+{
+    if (row < 1 || row > list.RowCount() || list.Row(row).bSummary)
+        return;
+    Guard("ChangeRowText", [&] { list.ReloadRow(row, id, kind); });
+}
+
+void ShownMailbox::DeleteSpecItemFromGrid(const QString &id, bool refresh)
+{
+    const int row = id.isEmpty() ? 0 : list.RowOf(id);
+    if (row == 0)
+        return;
+    {
+        const QScopedValueRollback<bool> reloading(bReloading, true);
+        list.Remove(row);
+    }
+    aSelected.removeAll(id);
+    if (strCurrent == id)
+        strCurrent.clear();
+    if (!refresh)
+        return;
+    SelectRowOrNone(std::min(row, list.RowCount()));
+    emit CommandsChanged();
+}
+
+// Faxes that changed hands
+
+void ShownMailbox::NotifySaveFax(int kind, bool isNew, const QString &id)
+{
+    if (!selected)
+        return;
+    switch (kind) {
+    case savedDraft:
+        NotifyDraft(isNew, id);
+        break;
+    case savedOutgoing:
+        NotifyOutgoing(isNew, id);
+        break;
+    case savedSending:
+        NotifySending(isNew, id);
+        break;
+    case savedFilter:
+        LoadGridItem(selected->strKey, ModeOfSelected(), id, isNew, true);
+        break;
+    default:
+        break;
+    }
+}
+
+void ShownMailbox::NotifyDraft(bool isNew, const QString &id)
+{
+    const int row = isNew ? 0 : list.RowOf(id);
+    if (selected->Family == FolderFamily::Root) {
+        ReloadCurrentFolder(true);
+    } else if (selected->Family == FolderFamily::Draft && row > 0) {
+        ChangeRowText(row, id, 1);
+        if (id == strCurrent)
+            Guard("LoadFaxPreview", [&] { preview.LoadFaxPreview(id, GetFaxTable()); }); // its pages, too
+        emit CommandsChanged();
+    } else if (selected->strKey == "1002") {
+        // A saved draft that is not listed has got another id: its old row goes when all are read again.
+        ReloadCurrentFolder(!isNew);
+    }
+    Recount({"1002"});
+}
+
+void ShownMailbox::NotifyOutgoing(bool isNew, const QString &id)
+{
+    // Only the fax itself leaves the list: a new one was never there, whatever row is selected.
+    if (selected->Family == FolderFamily::Draft && !isNew)
+        DeleteSpecItemFromGrid(id, true);
+    else if (selected->Family == FolderFamily::WaitSend)
+        ReloadCurrentFolder(false);
+    else if (selected->Family == FolderFamily::Root)
+        ReloadCurrentFolder(true);
+    Recount({"1002", "1003"});
+}
+
+void ShownMailbox::NotifySending(bool isNew, const QString &id)
+{
+    if (selected->Family == FolderFamily::Sended)
+        ReloadCurrentFolder(false);
+    else if (selected->Family == FolderFamily::Root)
+        ReloadCurrentFolder(true);
+    else if (!isNew)
+        DeleteSpecItemFromGrid(id, true);
+    Recount({"1003", "1005"});
+}
+
+/// Recounts folders and the selected one, in case it is a folder of the user's.
+void ShownMailbox::Recount(QStringList keys)
+{
+    if (selected->Family != FolderFamily::Root && !keys.contains(selected->strKey))
+        keys.append(selected->strKey);
+    Guard("SetFolderTreeText", [&] {
+        for (const QString &key : keys) {
+            if (FolderNode *node = folders.Find(key))
+                SetFolderTreeText(FolderTree::GetNotReadCount(*node, dates.Text()), node);
+        }
+    });
+}
