@@ -2,6 +2,9 @@
 
 #include "core/TiffTable.h"
 
+#include <QFile>
+#include <QSaveFile>
+
 #include <cstring>
 #include <memory>
 
@@ -137,4 +140,22 @@ PageBits FaxImage::LoadPage(const QString &path, int page, int rotation)
 bool FaxImage::HasSizePrefix(const QString &path)
 {
     return TiffFile(path).HasSizePrefix();
+}
+
+bool FaxImage::CopyWithoutSizePrefix(const QString &path, const QString &to)
+{
+    constexpr qint64 blockSize = 1 << 20;
+    QFile from(path);
+    if (!from.open(QIODevice::ReadOnly) ||
+        !from.seek(TiffFile(path).HasSizePrefix() ? TiffFile::PrefixSize : 0))
+        return false;
+    QSaveFile copy(to);
+    if (!copy.open(QIODevice::WriteOnly))
+        return false;
+    while (!from.atEnd()) {
+        const QByteArray block = from.read(blockSize);
+        if (block.isEmpty() || copy.write(block) != block.size())
+            return false;
+    }
+    return copy.commit();
 }

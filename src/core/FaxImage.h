@@ -36,4 +36,8 @@ PageBits LoadPage(const QString &path, int page, int rotation);
 /// True when the first four bytes of the file are its own size without them, in front of a TIFF.
 bool HasSizePrefix(const QString &path);
 
+/// Copies a file, without those four bytes if it has them; a file of the name `to` is replaced. False when
+/// that failed; there is no half copy then.
+bool CopyWithoutSizePrefix(const QString &path, const QString &to);
+
 } // namespace FaxImage

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr qint64 prefixSize = 4, pointerSize = 4;
+constexpr qint64 pointerSize = 4;
 constexpr uint32_t widest = 10000, highest = 50000;
 constexpr int mostPages = 5000;
 
@@ -186,14 +186,14 @@ TiffFile::TiffFile(const QString &path)
 
 bool TiffFile::FindStart()
 {
-    const QByteArray start = BytesAt(0, 2 * prefixSize);
+    const QByteArray start = BytesAt(0, 2 * PrefixSize);
     if (BeginsTiff(start))
         return true;
-    if (start.size() < 2 * prefixSize || !BeginsTiff(start.mid(prefixSize)))
+    if (start.size() < 2 * PrefixSize || !BeginsTiff(start.mid(PrefixSize)))
         return false;
-    if (qFromLittleEndian<qint32>(start.constData()) != file.size() - prefixSize)
+    if (qFromLittleEndian<qint32>(start.constData()) != file.size() - PrefixSize)
         return false;
-    lStart = prefixSize;
+    lStart = PrefixSize;
     return true;
 }
 

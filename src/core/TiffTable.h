@@ -18,6 +18,9 @@ struct TiffPage
 class TiffFile final
 {
 public:
+    /// Size bytes that may stand in front of a received file.
+    static constexpr qint64 PrefixSize = 4;
+
     explicit TiffFile(const QString &path);
 
     bool HasSizePrefix() const { return lStart > 0; }

@@ -18,4 +18,7 @@ public:
 
     /// Opens a composer on a fax file, not modal, owned by the main window.
     virtual void OpenComposer(const QString &faxFile) = 0;
+
+    /// Opens a composer on a draft of the mailbox, in the same way.
+    virtual void EditDraft(const QString &faxID) = 0;
 };

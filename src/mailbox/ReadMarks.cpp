@@ -149,6 +149,15 @@ void ReadMarks::ClickReadIcon(int row)
     });
 }
 
+void ReadMarks::MarkOpened(const QString &id, bool isSent)
+{
+    if (isSent)
+        SetRead("SendFax", "1", "Where Fax_ID='" + id + "'");
+    else if (MarkReceivedFaxRead(id))
+        emit ReceiptsQueued();
+    ShowMarks({id}, true);
+}
+
 void ReadMarks::OnMarkFaxTick()
 {
     const QString key = mailbox.SelectedFolder();

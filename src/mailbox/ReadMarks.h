@@ -23,6 +23,8 @@ public:
     void mnuUnRead();
     /// A click on the icon of an unread fax. Only Incoming itself and the Recycle bin ask and mark.
     void ClickReadIcon(int row);
+    /// The user has opened a fax of `SendFax` or `ReceiveFax`. Raises the errors of the database.
+    void MarkOpened(const QString &id, bool isSent);
     /// The fax on show has been so for the time that the user has set. Incoming itself is left alone: there
     /// reading is an act of the user, since the sender learns of it.
     void OnMarkFaxTick();

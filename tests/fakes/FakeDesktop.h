@@ -77,6 +77,7 @@ public:
         return !login || login();
     }
     void OpenComposer(const QString &faxFile) override { aComposers.append(faxFile); }
+    void EditDraft(const QString &) override {}
 
     int lCount = 1;
     int lLogins = 0;

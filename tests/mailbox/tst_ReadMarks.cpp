@@ -1,9 +1,12 @@
 #include "core/Globals.h"
 #include "fakes/FakePorts.h"
+#include "fixtures/FaxFile.h"
 #include "fixtures/Profile.h"
+#include "mailbox/FaxViewer.h"
 #include "mailbox/ReadMarks.h"
 #include "mailbox/ShownMailbox.h"
 
+#include <QDir>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -18,7 +21,11 @@ private slots:
     {
         profile = std::make_unique<Profile>();
         fakes = std::make_unique<FakePorts>();
+        fakes->folders.strRoot = profile->Root();
         mailbox = std::make_unique<ShownMailbox>(fakes->message, fakes->clock);
+        faxViewer = std::make_unique<FaxViewer>(*mailbox, fakes->ports,
+                                                [this](const QString &id) { drafts.append(id); });
+        drafts.clear();
         profile->InsertRow("FaxFolder", {{"Folder_ID", "SUB"},
                                          {"Folder_Name", "Letters"},
                                          {"Folder_Type", "1"},
@@ -28,6 +35,7 @@ private slots:
 
     void cleanup()
     {
+        faxViewer.reset();
         mailbox.reset();
         fakes.reset();
         profile.reset();
@@ -149,6 +157,57 @@ private slots:
         mailbox->Marks().OnMarkFaxTick();
     }
 
+    void openedFaxCountsAsRead()
+    {
+        const QString viewer = fakes->folders.Program() + "/VelmarBrowser.exe";
+        QVERIFY(QDir().mkpath(fakes->folders.Program()) && WriteTestFile(viewer, ""));
+        profile->InsertReceivedFax("R", {{"isReaded", "0"}, {"fileName", "R r.tif"}});
+        profile->InsertSentFax("S", {{"folderID", "1006"}, {"isReaded", "0"}, {"fileName", "S.tif"}});
+        profile->InsertSentFax("D", {{"folderID", "1002"}, {"isReaded", "0"}, {"fileName", ""}});
+        QVERIFY(FaxFile{.bSizePrefix = true}.Write(Global().strInputBoxPath + "R r.tif"));
+        QVERIFY(FaxFile().Write(Global().strOutputBoxPath + "S.tif"));
+        for (const char *folder : {"1000", "1001", "1006", "1002"}) { // the summary holds no fax
+            Open(folder);
+            faxViewer->mnuViewFax();
+            QVERIFY(QString(folder) == "1000" || mailbox->SelectedNode()->lUnread == 0);
+        }
+        QCOMPARE(Read("ReceiveFax", "R") + Read("SendFax", "S") + Read("SendFax", "D"), "111");
+        QCOMPARE(Queue(), QStringList("R"));
+        QCOMPARE(drafts, QStringList("D"));
+        const QString copy = Global().strOutputBoxPath + "tmp~R r.tif";
+        QCOMPARE(fakes->shell.aCalls.size(), 2);
+        QCOMPARE(fakes->shell.aCalls[0].strFile, viewer);
+        QCOMPARE(fakes->shell.aCalls[0].strVerb, "Open");
+        QCOMPARE(fakes->shell.aCalls[0].aParameters, QStringList({"/Brenmot", copy}));
+        QCOMPARE(fakes->shell.aCalls[1].aParameters,
+                 QStringList({"/Brenmot", Global().strOutputBoxPath + "S.tif"}));
+        QCOMPARE(ReadTestFile(copy), ReadTestFile(Global().strInputBoxPath + "R r.tif").mid(4));
+        QVERIFY(fakes->prompts.aBoxes.isEmpty());
+    }
+
+    void faxThatDoesNotOpenStaysUnread()
+    {
+        profile->InsertReceivedFax("R", {{"isReaded", "0"}, {"fileName", ""}});
+        Open("1001");
+        const auto complaint = [this] {
+            faxViewer->mnuViewFax();
+            return fakes->prompts.aBoxes.isEmpty() ? QString() : fakes->prompts.aBoxes.takeFirst().strText;
+        };
+        QCOMPARE(complaint(), "This fax has no file to open.");
+        Profile::Execute("UPDATE ReceiveFax SET FileName='R.tif'");
+        QVERIFY(complaint().contains("is missing"));
+        QVERIFY(FaxFile{.bSizePrefix = true}.Write(Global().strInputBoxPath + "R.tif"));
+        QVERIFY(complaint().contains("not installed"));
+        QVERIFY(QDir().mkpath(fakes->folders.Program()) &&
+                WriteTestFile(fakes->folders.Program() + "/VelmarBrowser.exe", ""));
+        fakes->shell.lResult = 32;
+        QVERIFY(complaint().contains("could not be started"));
+        Global().strOutputBoxPath = profile->Root() + "/nowhere/";
+        QVERIFY(complaint().contains("could not be copied"));
+        QCOMPARE(Read("ReceiveFax", "R"), "0");
+        QVERIFY(Queue().isEmpty());
+    }
+
 private:
     QString Read(const QString &table, const QString &id) const
     {
@@ -163,7 +222,9 @@ private:
 
     std::unique_ptr<Profile> profile;
     std::unique_ptr<FakePorts> fakes;
+    QStringList drafts;
     std::unique_ptr<ShownMailbox> mailbox;
+    std::unique_ptr<FaxViewer> faxViewer;
 };
 
 QTEST_GUILESS_MAIN(tst_ReadMarks)

@@ -97,3 +97,9 @@ void ClientProgram::OpenComposer(const QString &faxFile)
     ports.message.ShowMessage(
         tr("Faxes cannot be composed yet. The file stays where it is:\n%1").arg(faxFile), mbInformation);
 }
+
+void ClientProgram::EditDraft(const QString &)
+{
+    ports.message.ShowMessage(tr("Faxes cannot be composed yet. The draft stays where it is."),
+                              mbInformation);
+}

@@ -39,6 +39,7 @@ public:
     int Count() const override;
     bool LoginFromMainWindow() override;
     void OpenComposer(const QString &faxFile) override;
+    void EditDraft(const QString &faxID) override;
 
 private:
     MainStage &LoadMainStage();

@@ -14,6 +14,7 @@ MainStage::MainStage(Ports &ports, Forms &forms, std::function<void()> ended)
     , ended(std::move(ended))
     , mailbox(ports.message, ports.clock)
     , window(mailbox, ports.message)
+    , faxViewer(mailbox, ports, [&forms](const QString &id) { forms.EditDraft(id); })
     , outsideFile(ports.blocks, ports.instance)
     , server(ports, window, mailbox, forms, [this, &forms] { return outsideFile.Take(forms.Count()); })
     , progressWindow(server.progress, &window)
@@ -52,6 +53,7 @@ void MainStage::ConnectCommands()
     window.SetCommand("mnuSendReceive", [this] { server.runs.mnuSendReceive(); });
     window.SetCommand("mnuLoginServer", [this] { server.runs.mnuLoginServer(); });
     window.SetCommand("mnuLogoutServer", [this] { server.runs.mnuLogoutServer(); });
+    window.SetCommand("mnuViewFax", [this] { faxViewer.mnuViewFax(); });
     window.SetCommand("mnuSetPwd", [this] { SetPassword(); });
 }
 

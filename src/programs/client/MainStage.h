@@ -2,6 +2,7 @@
 
 #include "core/OutsideFile.h"
 #include "desktop/forms/frmMain.h"
+#include "mailbox/FaxViewer.h"
 #include "mailbox/ShownMailbox.h"
 #include "programs/client/ServerParts.h"
 #include "server/forms/frmProcess.h"
@@ -36,6 +37,7 @@ private:
     std::function<void()> ended;
     ShownMailbox mailbox;
     frmMain window;
+    FaxViewer faxViewer;
     OutsideFile outsideFile;
     ServerParts server;
     frmProcess progressWindow;
