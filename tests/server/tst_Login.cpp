@@ -1,14 +1,17 @@
-#include "core/Globals.h"
-#include "server/LoginTest.h"
-#include "server/UserProfile.h"
+#include "fixtures/LoginTest.h"
+#include "fixtures/OldDatabases.h"
+#include "fixtures/TestTable.h"
+#include "server/LoginReply.h"
 #include "server/wire/Frames.h"
-#include "server/wire/clsClient.h"
 
 #include <QDir>
 #include <QScopeGuard>
-#include <QTest>
+#include <QSignalSpy>
 
 #include <sys/stat.h>
+
+using Step = std::function<void()>;
+Q_DECLARE_METATYPE(Step)
 
 class tst_Login : public QObject, private LoginTest
 {
@@ -17,6 +20,29 @@ class tst_Login : public QObject, private LoginTest
 private slots:
     void init() { SetUp(); }
     void cleanup() { TearDown(); }
+
+    void repliesAreTold()
+    {
+        struct
+        {
+            QByteArray data;
+            LoginReply::Kind kind;
+            QString detail;
+        } rows[] = {{"Welcome\r\n1.6 beta\r\nTokyo", LoginReply::rplGreeting, "1.6 beta"}, // holds an "ok"
+                    {"Welcome", LoginReply::rplUnexpected, ""},
+                    {"Welcome!\r\n1.6 beta", LoginReply::rplOther, ""},
+                    {QByteArray("user\0ok", 7), LoginReply::rplAccepted, ""},
+                    {"OK\r\n14\r\nerr", LoginReply::rplRefused, "14"},
+                    {"ERR", LoginReply::rplUnexpected, ""},
+                    {"", LoginReply::rplOther, ""}};
+        for (const auto &row : rows) {
+            ClientReply reply;
+            reply.abData = row.data;
+            const LoginReply told = LoginReply::Classify(reply);
+            QCOMPARE(told.kind, row.kind);
+            QCOMPARE(told.strCode + told.strVersion, row.detail);
+        }
+    }
 
     void nobodyElseReadsWhatALoginMakes()
     {
@@ -45,7 +71,6 @@ private slots:
         QCOMPARE(Controls().strServer, "faxhost:9000");
         QCOMPARE(Controls().strAccount, "anna");
         QCOMPARE(Controls().aAccounts, (QStringList{"anna", "bert"}));
-        QCOMPARE(Controls().strPwd, "");
 
         login->Activate(); // a profile without a stored password is closed again
         QVERIFY(!Global().objDB->IsOpen());
@@ -96,27 +121,6 @@ private slots:
         QCOMPARE(Controls().strPwd, "typed");
     }
 
-    void missingInputIsAskedFor()
-    {
-        QList<LoginField> focused;
-        connect(login.get(), &Login::FocusRequested, this, [&](LoginField field) { focused.append(field); });
-        login->ClickLogin();
-        login->SetServer("s");
-        login->ClickLogin();
-        login->SetAccount("..");
-        login->ClickLogin();
-        login->SetAccount("a");
-        login->ClickLogin();
-        QCOMPARE(Prompts().Texts(),
-                 (QStringList{"Please specify a Velmar server. For example 192.168.1.5 or faxhost:8750",
-                              "Please specify a username.", "This username cannot be used.",
-                              "Please specify the password."}));
-        QCOMPARE(focused, (QList<LoginField>{LoginField::Server, LoginField::Account, LoginField::Account,
-                                             LoginField::Password}));
-        QVERIFY(IsReady());
-        QVERIFY(!fakes->sockets.Last());
-    }
-
     void offlineRefusals()
     {
         EnterAnna();
@@ -138,7 +142,13 @@ private slots:
                                                  "Failed to load user data: broken",
                                                  "Load user profile fails, cannot work offline.anna",
                                                  "User name or password incorrect"}));
-        QVERIFY(owner->aCalls.isEmpty());
+        Global().objDB->OpenDB(DatabasePath());
+        Profile::Execute("Drop Table Option");
+        login->ClickBrowse();
+        const QString start = "Application Error\nin VelmarClient.frmUserLogin.btnBrowse_Click at line ";
+        const QString text = Prompts().Texts().last();
+        QVERIFY2(text.startsWith(start) && text.mid(start.length()).toInt() > 0, qPrintable(text));
+        QVERIFY(IsReady() && owner->aCalls.isEmpty() && !Global().objDB->IsOpen());
     }
 
     void offlineOpensTheProfile()
@@ -149,23 +159,7 @@ private slots:
         QCOMPARE(owner->aCalls, (QStringList{"online 0 digest 0", "show", "close"}));
         QVERIFY(!login->CheckUserLogin());
         QCOMPARE(Global().MarkFax, 7);
-        QCOMPARE(Global().strUserName, "anna");
-        QVERIFY(Global().objDB->IsOpen());
-        QVERIFY(!fakes->sockets.Last());
-    }
-
-    void offlineFailureIsAnApplicationError()
-    {
-        EnterAnna();
-        Global().objDB->OpenDB(UserProfile::DatabaseFile(Global().strUserFolder));
-        Profile::Execute("Drop Table Option");
-        Fill("anna");
-        login->ClickBrowse();
-        QCOMPARE(Prompts().aBoxes.size(), 1);
-        const QString text = Prompts().Texts().first();
-        const QString start = "Application Error\nin VelmarClient.frmUserLogin.btnBrowse_Click at line ";
-        QVERIFY2(text.startsWith(start) && text.mid(start.length()).toInt() > 0, qPrintable(text));
-        QVERIFY(IsReady());
+        QVERIFY(Global().objDB->IsOpen() && !fakes->sockets.Last());
     }
 
     void exitClosesTheProfile()
@@ -178,6 +172,273 @@ private slots:
         login->ClickExit();
         QCOMPARE(owner->aCalls, QStringList{"close"});
         QVERIFY(!Global().objDB->IsOpen());
+    }
+
+    void serverTextBecomesHostAndPort()
+    {
+        using Case = std::pair<QString, std::pair<QString, int>>;
+        for (const auto &[text, expected] :
+             {Case{"192.168.1.5", {"192.168.1.5", 8750}}, Case{"faxhost:", {"faxhost", 0}},
+              Case{"faxhost:90:1", {"faxhost", 90}}}) {
+            Fill();
+            login->SetServer(text);
+            login->ClickLogin();
+            QCOMPARE(std::pair(Server().strHost, int(Server().lPort)), expected);
+            QCOMPARE(Global().strServerIP, expected.first);
+            login->ClickLogin(); // gives up
+        }
+    }
+
+    void firstLoginHandsTheClientOver()
+    {
+        Fill();
+        fakes->pump.Then([&] {
+            QCOMPARE(Controls().strLoginTip, "Connecting to faxhost:9000  ...");
+            QCOMPARE(Controls().strLoginCaption, "&Abort");
+            QVERIFY(!Controls().bBrowseEnabled && !Controls().bExitEnabled && !Controls().bInputEnabled);
+            QVERIFY(!fakes->sockets.Last());
+        });
+        login->ClickLogin();
+        QCOMPARE(fakes->clock.lMilliseconds, 1500);
+        Server().AcceptConnection();
+        QVERIFY(Server().aWrites.isEmpty());
+        Greet();
+        QCOMPARE(Server().TakeWrite(),
+                 Frames::FormA(Frames::cmdLogIn, "bert\r\n" + digestOfSecret.toLatin1()));
+        Server().FeedShort("OK\r\n");
+        QCOMPARE(owner->aCalls, (QStringList{"online 1 digest 0", "client", "show", "close"}));
+        QVERIFY(owner->client->IsConnected());
+        QCOMPARE(Global().strServerPort, "9000");
+        QCOMPARE(Setting("General", "ServerIP"), "faxhost:9000");
+        QCOMPARE(Profile::Values("Select MarkFax From Option"), QStringList{"5"});
+        // What happens on the connection now is the session's.
+        Server().CloseByServer();
+        fakes->timers.Advance(20000);
+        QVERIFY(Prompts().aBoxes.isEmpty());
+        QCOMPARE(owner->aCalls.size(), 4);
+    }
+
+    void clientLeavesInsideItsOwnEvent()
+    {
+        owner->onClose = [&] { login.release()->deleteLater(); };
+        ConnectToServer();
+        Accept();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(owner->client->IsConnected());
+        Server().Feed("more");
+    }
+
+    void abortedLoginIsOver()
+    {
+        Fill();
+        fakes->pump.Then([&] {
+            login->ClickLogin();
+            QVERIFY(!fakes->sockets.Last());
+            login->ClickLogin();
+        });
+        login->ClickLogin();
+        FakeSocket *first = fakes->sockets.Last();
+        QCOMPARE(first->lConnects, 1);
+        QCOMPARE(fakes->clock.lMilliseconds, 1510);
+        QCOMPARE(Controls().strLoginTag, "Cancel");
+        login->ClickLogin();
+        QCOMPARE(first->State(), Socket::sckClosed);
+        QVERIFY(IsReady());
+        login->ClickLogin();
+        QVERIFY(fakes->sockets.Last() != first);
+        first->RefuseConnection(); // too late to be heard
+        QVERIFY(Prompts().aBoxes.isEmpty());
+        QVERIFY(login->IsLoggingIn());
+    }
+
+    void connectedLoginCannotBeAborted()
+    {
+        ConnectToServer();
+        QVERIFY(Controls().strLoginTag.isEmpty() && !Controls().bLoginEnabled);
+        login->ClickLogin();
+        login->ClickBrowse();
+        QCOMPARE(Server().State(), Socket::sckConnected);
+        QCOMPARE(Server().lConnects, 1);
+        Server().FeedShort("OK\r\n"); // before the login it is no acceptance
+        QVERIFY(owner->aCalls.isEmpty() && Prompts().aBoxes.isEmpty());
+        Greet();
+        Greet();
+        QCOMPARE(Server().aWrites.size(), 1);
+    }
+
+    void windowThatClosesDuringTheWaitEndsIt()
+    {
+        Fill();
+        owner->onClose = [&] { login.release()->deleteLater(); };
+        fakes->pump.Then([&] { login->ClickExit(); }).Then([] {});
+        login->ClickLogin();
+        QCOMPARE(owner->aCalls, QStringList{"close"});
+        QVERIFY(!fakes->sockets.Last());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    void lostServerIsTold_data()
+    {
+        const TestTable<Step, bool, QStringList> row{"act", "isSilent", "told"};
+        const QString lost = "Failed to connect to Velmar server at: faxhost:9000\n"
+                             "Or client has exceeded max number of allowed connections.";
+        const QString version = "The desired communication protocol is version 1.6 beta\n"
+                                "Please install the newest version of Velmar Client";
+        const auto say = [this](const QByteArray &text) {
+            return [this, text] { Server().AcceptConnection(), Server().FeedShort(text); };
+        };
+        const Step greetLate = [this] {
+            Server().AcceptConnection();
+            fakes->timers.Advance(9990);
+            Greet();
+        };
+        row("refused", [this] { Server().RefuseConnection(); }, false, {lost});
+        row("closed", [this] { Server().AcceptConnection(), Server().CloseByServer(); }, false, {lost});
+        row("silent", [this] { Server().AcceptConnection(); }, true, {lost});
+        row("silent after the greeting", greetLate, true, {lost});
+        row("one line only", say("Welcome"), true, {"Unexpected data received from server!", lost});
+        row("another protocol", say("Welcome\r\n1.5\r\n"), false, {version});
+    }
+
+    void lostServerIsTold()
+    {
+        QFETCH(Step, act);
+        QFETCH(bool, isSilent);
+        QFETCH(QStringList, told);
+        Fill();
+        login->ClickLogin();
+        act();
+        if (isSilent) {
+            fakes->timers.Advance(9990);
+            QCOMPARE(Prompts().aBoxes.size(), told.size() - 1);
+            fakes->timers.Advance(10);
+        }
+        QCOMPARE(Prompts().Texts(), told);
+        QCOMPARE(Server().State(), Socket::sckClosed);
+        QCOMPARE(Controls().strLoginTip, told.last().startsWith("Failed") ? "Ready...." : "Ready...");
+        QVERIFY(IsReady());
+    }
+
+    void refusalIsToldAndLeavesNothing()
+    {
+        const std::pair<QByteArray, QStringList> refusals[] = {
+            {"1", {"User name or password incorrect"}},
+            {"2", {"Too many users logged in already."}},
+            {"12", {"The user has logged in."}},
+            {"14", {"The user is locked by Administrator"}},
+            {"99", {}}};
+        for (const auto &[code, told] : refusals) {
+            Prompts().aBoxes.clear();
+            ConnectToServer();
+            Greet();
+            const QSignalSpy focus(login.get(), &Login::FocusRequested);
+            Server().FeedShort("ERR\r\n" + code + "\r\n");
+            QCOMPARE(Prompts().Texts(), told);
+            QCOMPARE(focus.size(), 1);
+            QVERIFY(IsReady() && Server().State() == Socket::sckClosed);
+        }
+        QVERIFY(!QFileInfo::exists(Global().strAppDataPath + "bert"));
+        ConnectToServer();
+        Accept();
+        QVERIFY(login->CheckUserLogin());
+    }
+
+    void unusableDatabaseIsToldAndKept_data()
+    {
+        const TestTable<Step, QString> row{"spoil", "told"};
+        const auto change = [](const QString &sql) {
+            return [sql] { OldDatabases::Execute(DatabasePath(), sql); };
+        };
+        const Step damage = [] { QVERIFY(WriteTestFile(DatabasePath(), QByteArray(8192, 'x'))); };
+        const Step age = [this] {
+            QVERIFY(QFile::remove(DatabasePath()));
+            OldDatabases::Make(DatabasePath(), "2.5");
+            Prompts().aAnswers = {mbAnswerNo};
+        };
+        row("damaged", damage,
+            "Failed to load user anna's configuration. \nIf this problem still remains, please reinstall "
+            "Velmar Client|Invalid or incompatible user profile(Can not get Version).");
+        row("another version", change("Update DatabaseVersion Set Version='2.7'"),
+            "Unsupported database version: 2.7 , need version: 2.8");
+        row("upgrade declined", age,
+            "The Velmar Client will upgrade your database from version 2.5 to 2.8 automatically.\n"
+            "Please confirm, or press Cancel to exit.");
+    }
+
+    void unusableDatabaseIsToldAndKept()
+    {
+        QFETCH(Step, spoil);
+        EnterAnna();
+        spoil();
+        const QByteArray before = ReadTestFile(DatabasePath());
+        QVERIFY(login->Load());
+        login->Activate();
+        ConnectToServer("anna");
+        Accept();
+        QTEST(Prompts().Texts().join('|'), "told");
+        QVERIFY(IsReady() && Server().State() == Socket::sckClosed && owner->aCalls.isEmpty());
+        QVERIFY(!Global().objDB->IsOpen());
+        QCOMPARE(ReadTestFile(DatabasePath()), before);
+    }
+
+    void impossibleFoldersAreTold()
+    {
+        for (const QString blocked : {"bert", "bert/Database", "bert/InputBox"}) {
+            const QString file = Global().strAppDataPath + blocked;
+            QVERIFY(QDir().mkpath(QFileInfo(file).path()) && WriteTestFile(file, "in the folder's place"));
+            ConnectToServer();
+            Accept();
+            QVERIFY(IsReady() && Server().State() == Socket::sckClosed && !Global().objDB->IsOpen());
+            QVERIFY(QFile::remove(file));
+        }
+        QCOMPARE(Prompts().Texts(), QStringList(3, "Failed to save user profiles."));
+        Global().strAppDataPath = Global().strIniFile + '/';
+        QVERIFY(!login->Load());
+        QCOMPARE(Prompts().Texts().last(), "Cannot create working directory:\n" + Global().strAppDataPath);
+    }
+
+    void brokenSettingsFileDoesNotHinderTheLogin()
+    {
+        const QByteArray rubbish("\xff\xfe[[[\0==\r[General\n[anna]\nUserFolder", 35);
+        const QByteArray senseless =
+            "[UserList]\nTotalCount=2147483647\n1=../anna\n[anna]\nUserFolder=../../etc\n";
+        const QString database = DatabasePath();
+        for (const QByteArray &content : {rubbish, senseless, QByteArray()}) {
+            QFile::remove(Global().strIniFile);
+            QVERIFY(content.isEmpty() ? QDir().mkpath(Global().strIniFile + "/blocked")
+                                      : WriteTestFile(Global().strIniFile, content));
+            MakeLogin();
+            QVERIFY(login->Load());
+            login->Activate();
+            ConnectToServer("anna");
+            Accept();
+            QVERIFY(login->CheckUserLogin());
+            QCOMPARE(Global().objDB->DataBasePath(), database);
+            QCOMPARE(Prompts().aBoxes.size(), content.isEmpty() ? 1 : 0);
+            Global().objDB->CloseDB();
+        }
+        QCOMPARE(Prompts().Texts(), QStringList{"Failed to save user profiles."});
+    }
+
+    void loginFromTheMainWindowOnlyHandsOver()
+    {
+        EnterAnna("MarkFax", "5");
+        Global().objDB->OpenDB(DatabasePath());
+        MakeLogin(true);
+        QVERIFY(login->Load());
+        login->Activate();
+        QVERIFY(Controls().bFixed);
+        login->SetAccount("bert");
+        QCOMPARE(Controls().strAccount, "anna");
+        login->SetPassword("changed");
+        login->ClickLogin();
+        Server().AcceptConnection();
+        Accept();
+        QCOMPARE(owner->aCalls, (QStringList{"client", "close"}));
+        QVERIFY(login->CheckUserLogin());
+        QCOMPARE(Global().strPwdDigest, Frames::Md5Digest("changed"));
+        QVERIFY(Global().objDB->IsOpen());
+        QCOMPARE(Setting("anna", "AutoLogin"), "");
     }
 };
 

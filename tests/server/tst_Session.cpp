@@ -1,33 +1,195 @@
 #include "core/Globals.h"
+#include "core/ports/Timer.h"
 #include "fixtures/SessionBench.h"
+#include "fixtures/TestTable.h"
+#include "server/RunScope.h"
 #include "server/wire/clsClient.h"
-
-#include <QTest>
 
 #include <optional>
 
+using Script = std::function<void()>;
+Q_DECLARE_METATYPE(Script)
+Q_DECLARE_METATYPE(WaitEnd)
+
+/// No wait may hang (`IsStuck`), and no reply may answer a command that it was not meant for.
 class tst_Session : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void init() { bench.emplace(); }
+    void init()
+    {
+        bench.emplace();
+        aAnswers.clear();
+        session().SetHandler(pndVersions, [this](const ClientReply &reply) {
+            aAnswers.append(QString::fromLatin1(reply.abData));
+            if (reply.abData != "part")
+                session().SignalServerReply();
+        });
+    }
+
     void cleanup()
     {
         QVERIFY(!bench->ports.pump.IsStuck());
         bench.reset();
     }
 
+    void everyWaitEnds_data()
+    {
+        const TestTable<Script, WaitEnd, int> row{"script", "end", "milliseconds"};
+        const Script nothing = [] {}, reply = [this] { bench->SayShort("OK"); };
+        const Script cancel = [this] { session().CancelTransfer(); }, close = [this] { bench->Close(); };
+        const Script fail = [this] {
+            session().SetHandler(pndVersions, [](auto &) { Profile::Execute("Insert Into Nowhere"); });
+            bench->SayShort("OK");
+        };
+        const Script ignore = [this] { // nobody reads such replies
+            for (const int pending : {0, 3, 4, 20})
+                bench->Then([this, pending] { session().lPendingCommand = pending; }).SayShort("Welcome\r\n");
+        };
+        const Script part = [this] { bench->Silence(4000).SayShort("part"); };
+        const Script quit = [this] { bench->Then([this] { bench->ports.pump.Quit(); }); };
+        row("reply", reply, WaitEnd::Replied, 10);
+        row("silence", nothing, WaitEnd::Silent, 6000);
+        row("silence after a sign of life", part, WaitEnd::Silent, 10000);
+        row("no connection", cancel, WaitEnd::Closed, 0);
+        row("connection closes", close, WaitEnd::Closed, 10);
+        row("program quits", quit, WaitEnd::Quitting, 10);
+        row("handler fails", fail, WaitEnd::Failed, 10);
+        row("no handler", ignore, WaitEnd::Silent, 6000);
+    }
+
+    void everyWaitEnds()
+    {
+        QFETCH(Script, script);
+        QFETCH(int, milliseconds);
+        RunScope run(session());
+        script();
+        const WaitEnd end = AskVersions();
+        QTEST(end, "end");
+        QCOMPARE(Now(), milliseconds);
+        QVERIFY(session().bIsSocketBusy); // the run's own end clears it
+        // Whoever reads the state now still finds a connection: the run goes on.
+        QVERIFY(session().IsConnected() || end == WaitEnd::Closed);
+        QCOMPARE(session().IsOutOfStep(), end == WaitEnd::Silent);
+        QCOMPARE(session().HandlerError().isEmpty(), end != WaitEnd::Failed);
+    }
+
+    void nestedWaits()
+    {
+        // A signal wakes the newest only.
+        QStringList order;
+        bench->Then([&] {
+            session().WaitForServerReply();
+            order.append("inner");
+        });
+        bench->Then([&] { session().SignalServerReply(); }).Silence(100).Then([&] {
+            order.append("second signal");
+            session().SignalServerReply();
+        });
+        QCOMPARE(AskVersions(), WaitEnd::Replied);
+        QCOMPARE(order, QStringList({"inner", "second signal"}));
+        // A connection that is made anew ends the waits of the old one, a closed one ends all.
+        bench->Then([this] {
+            session().MarkOutOfStep();
+            session().ConnectToServer();
+        });
+        bench->AcceptConnection();
+        QCOMPARE(AskVersions(), WaitEnd::Closed);
+        QVERIFY(session().IsConnected());
+        bench->Then([this] { QCOMPARE(session().WaitForServerReply(), WaitEnd::Closed); }).Close();
+        QCOMPARE(AskVersions(), WaitEnd::Closed);
+        QVERIFY(Now() < 1000);
+    }
+
+    void boxInAHandlerStopsTheWatchdogOfItsOwnWaitOnly()
+    {
+        session().SetHandler(pndVersions, [this](const ClientReply &) {
+            bench->LetPass(60); // the user reads a box
+            QCOMPARE(session().WaitForServerReply(), WaitEnd::Silent);
+            session().SignalServerReply();
+        });
+        bench->SayShort("OK");
+        QCOMPARE(AskVersions(), WaitEnd::Replied);
+    }
+
+    void headerAnswerHasItsOwnLimit()
+    {
+        const QString file = Global().strOutputBoxPath + "F1.tif";
+        QVERIFY(WriteTestFile(file, "fax"));
+        bench->Then(
+            [this] { bench->Socket().DrainSends(); }); // the client now waits for the answer by itself
+        session().BeginCommand(pndUpload).SendFaxFile("header", file);
+        session().bUserLogout = true;
+        QCOMPARE(session().WaitForServerReply(), WaitEnd::Closed);
+        QVERIFY2(Now() >= 8000, qPrintable(QString::number(Now())));
+        QVERIFY(!session().IsConnected());
+    }
+
+    void lateReplyNeverAnswersTheNextCommand_data()
+    {
+        const TestTable<bool> row{"saysGoodBye"};
+        row("after a silence", false);
+        row("after a good-bye without a wait", true);
+    }
+
+    void lateReplyNeverAnswersTheNextCommand()
+    {
+        QFETCH(bool, saysGoodBye);
+        if (saysGoodBye)
+            session().LogOut();
+        else
+            QCOMPARE(AskVersions(), WaitEnd::Silent);
+        bench->Heard(); // the server's answer is late
+        bench->ForgetHeard();
+        session().bConnectRefused = true; // from an earlier attempt
+        bench->AcceptConnection().SayShort("new");
+        QCOMPARE(AskVersions(), WaitEnd::Replied);
+        QCOMPARE(aAnswers, QStringList("new"));
+        QCOMPARE(bench->Heard(), QStringList({"1 anna " + Global().strPwdDigest, "3"}));
+        QCOMPARE(bench->Socket().lConnects, 1);
+        QVERIFY(!session().bUserLogout && bench->ports.prompts.aBoxes.isEmpty());
+    }
+
+    void overrunReplyPutsTheConnectionOutOfStep()
+    {
+        bench->Say(QByteArray("\xff\xff\xff\xff", 4) + "rubbish");
+        session().BeginCommand(pndFaxList).GetNewFaxList();
+        QCOMPARE(session().WaitForServerReply(), WaitEnd::Failed);
+        QCOMPARE(bench->ports.prompts.Texts(), QStringList("Unexpected data received from server!"));
+        QVERIFY(session().IsOutOfStep());
+    }
+
+    void runsOwnTheConnection()
+    {
+        try {
+            RunScope owner(session());
+            session().SetIdleState(false);
+            {
+                const RunPermit permit(session());
+                RunScope called(session());
+                QVERIFY(called);
+                QVERIFY(!RunScope(session())); // a click during the called run's wait
+            }
+            QVERIFY(session().bIsSocketBusy && !bench->desktop.mainWindow.bEnabled);
+            Profile::Execute("Insert Into Nowhere");
+        } catch (const std::exception &) {
+        }
+        QVERIFY(!session().bIsSocketBusy && bench->desktop.mainWindow.bEnabled);
+        QVERIFY(session().CheckFaxTimer().IsEnabled());
+        bench->ports.pump.Quit();
+        QVERIFY(!RunScope(session()));
+    }
+
     void failedConnectionLeavesASocketThatIsClosed_data()
     {
-        QTest::addColumn<int>("answers"); // how far the server gets: connection, greeting
-        QTest::addColumn<QString>("then");
-        QTest::newRow("host does not answer") << 0 << "";
-        QTest::newRow("host refuses") << 0 << "refuse";
-        QTest::newRow("no greeting") << 1 << "";
-        QTest::newRow("no answer to the login") << 2 << "";
-        QTest::newRow("cancelled by the user") << 2 << "cancel";
-        QTest::newRow("greeting that comes too late for its wait") << 1 << "late";
+        const TestTable<int, QString> row{"answers", "then"}; // how far the server gets: connection, greeting
+        row("host does not answer", 0, "");
+        row("host refuses", 0, "refuse");
+        row("no greeting", 1, "");
+        row("no answer to the login", 2, "");
+        row("cancelled by the user", 2, "cancel");
+        row("greeting that comes too late for its wait", 1, "late");
     }
 
     void failedConnectionLeavesASocketThatIsClosed()
@@ -133,6 +295,12 @@ private slots:
 
 private:
     Session &session() { return bench->session; }
+    /// Asks for the versions and waits.
+    WaitEnd AskVersions()
+    {
+        session().BeginCommand(pndVersions).GetContactVersion();
+        return session().WaitForServerReply();
+    }
     void CountReplies(PendingCommand pending)
     {
         session().SetHandler(pending, [this](const ClientReply &reply) {
@@ -142,8 +310,10 @@ private:
         });
         lReplies = 0;
     }
+    qint64 Now() const { return bench->ports.clock.lMilliseconds; }
 
     std::optional<SessionBench> bench;
+    QStringList aAnswers; ///< to `GetContactVersion`
     int lReplies = 0;
 };
 

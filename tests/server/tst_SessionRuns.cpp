@@ -1,14 +1,14 @@
 #include "core/Globals.h"
 #include "core/ports/Timer.h"
 #include "fixtures/SessionBench.h"
+#include "fixtures/TestTable.h"
 #include "server/AddressSync.h"
 #include "server/FaxUpload.h"
+#include "server/Polling.h"
 #include "server/RunScope.h"
 #include "server/SessionRuns.h"
 #include "server/wire/Frames.h"
 #include "server/wire/clsClient.h"
-
-#include <QTest>
 
 #include <optional>
 
@@ -44,6 +44,7 @@ struct Bench : SessionBench
     SessionRuns runs{ports.ports,
                      {session, progress, sync, upload, download, status, desktop.mainWindow, desktop.mailbox,
                       desktop.forms}};
+    Polling polling{ports.ports, session, download, desktop.forms, {}};
 };
 } // namespace
 
@@ -86,22 +87,14 @@ private slots:
 
     void activation_data()
     {
-        QTest::addColumn<bool>("online");
-        QTest::addColumn<bool>("connected");
-        QTest::addColumn<QString>("cutShort");
-        QTest::addColumn<QString>("done"); // synchronisations, uploads, states, composers, heard
-        QTest::newRow("sends and receives") << true << true << ""
-                                            << "1 1 2 1 6";
-        QTest::newRow("synchronises only") << true << false << ""
-                                           << "1 0 1 1 ";
-        QTest::newRow("offline") << false << true << ""
-                                 << "0 0 0 1 ";
-        QTest::newRow("server refuses") << true << true << "refused"
-                                        << "1 0 0 0 ";
-        QTest::newRow("error") << true << true << "error"
-                               << "1 0 0 1 ";
-        QTest::newRow("closed meanwhile") << true << true << "closed"
-                                          << "1 1 1 0 "; // nothing is heard
+        const TestTable<bool, bool, QString, QString> row{"online", "connected", "cutShort", "done"};
+        // Done: synchronisations, uploads, states, composers, heard
+        row("sends and receives", true, true, "", "1 1 2 1 6");
+        row("synchronises only", true, false, "", "1 0 1 1 ");
+        row("offline", false, true, "", "0 0 0 1 ");
+        row("server refuses", true, true, "refused", "1 0 0 0 ");
+        row("error", true, true, "error", "1 0 0 1 ");
+        row("closed meanwhile", true, true, "closed", "1 1 1 0 "); // nothing is heard
     }
 
     void activation()
@@ -164,12 +157,10 @@ private slots:
 
     void logOffAtClose_data()
     {
-        QTest::addColumn<bool>("connected");
-        QTest::addColumn<bool>("answered");
-        QTest::addColumn<int>("milliseconds");
-        QTest::newRow("answer") << true << true << 1010;
-        QTest::newRow("no answer") << true << false << 5000;
-        QTest::newRow("no way to connect") << false << false << 5000;
+        const TestTable<bool, bool, int> row{"connected", "answered", "milliseconds"};
+        row("answer", true, true, 1010);
+        row("no answer", true, false, 5000);
+        row("no way to connect", false, false, 5000);
     }
 
     void logOffAtClose()
@@ -202,7 +193,75 @@ private slots:
         QCOMPARE(bench->ports.prompts.Texts(), QStringList("Failed to connect to Velmar Server."));
     }
 
+    void fetchesWhenTheMinutesAreOver()
+    {
+        Global().CheckFax = 2;
+        Poll(119);
+        QCOMPARE(bench->Heard(), QStringList());
+        bench->Silence(1500).SayLong("OK\r\n");
+        Poll(2);
+        QCOMPARE(bench->Heard(), QStringList("6"));
+        QVERIFY(!bench->progress.IsLoaded());
+    }
+
+    void neverFetches()
+    {
+        for (const int minutes : {0, 1, 2}) { // never, not while offline, and not while busy
+            Global().CheckFax = minutes;
+            bench->session.bOnline = minutes != 1;
+            bench->session.bIsSocketBusy = minutes == 2;
+            Poll(200);
+            QVERIFY(bench->Heard().isEmpty() && bench->session.lCheckTicks == 0);
+        }
+        bench->session.bIsSocketBusy = false;
+    }
+
+    void fetchWaitsUntilOtherWindowsHaveClosed()
+    {
+        bench->desktop.forms.lCount = 2;
+        Poll(90);
+        QCOMPARE(bench->Heard(), QStringList());
+        bench->desktop.forms.lCount = 1;
+        bench->Silence(1500).SayLong("OK\r\n");
+        Poll(2);
+        QCOMPARE(bench->Heard(), QStringList("6"));
+    }
+
+    /// Neither the fetch nor the idle logout may come between a command and its reply.
+    void commandUnderWayIsLeftAlone()
+    {
+        Global().DisconnectTime = 1;
+        Poll(57);
+        bench->session.BeginCommand(pndVersions).GetContactVersion();
+        QCOMPARE(bench->session.WaitForServerReply(), WaitEnd::Silent);
+        QCOMPARE(bench->Heard(), QStringList("3"));
+    }
+
+    void idleUserIsLoggedOutAndComesBackSilently()
+    {
+        Global().CheckFax = 2;
+        Global().DisconnectTime = 1;
+        Poll(60);
+        QCOMPARE(bench->Heard(), QStringList());
+        Poll(30);
+        QCOMPARE(bench->Heard(), QStringList("2")); // once, though the server does not close
+        QVERIFY(bench->session.bUserLogout && bench->session.bOnline);
+        bench->ForgetHeard();
+        Poll(29);
+        bench->Silence(1500).AcceptConnection().SayLong("OK\r\n");
+        Poll(50);
+        QCOMPARE(bench->Heard(), QStringList({"1 anna " + Global().strPwdDigest, "6"}));
+        QVERIFY(!bench->session.bUserLogout);
+    }
+
 private:
+    /// So many seconds with the clock of the periodic fetch running.
+    void Poll(int seconds)
+    {
+        bench->session.CheckFaxTimer().SetEnabled(true);
+        bench->Live(seconds);
+    }
+
     std::optional<Bench> bench;
 };
 

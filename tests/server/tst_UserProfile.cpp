@@ -1,32 +1,17 @@
-#include "core/Globals.h"
-#include "core/SettingsFile.h"
-#include "fakes/FakePorts.h"
-#include "fixtures/Profile.h"
-#include "server/UserProfile.h"
+#include "fixtures/LoginTest.h"
 #include "server/wire/Frames.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QTest>
 
-class tst_UserProfile : public QObject
+class tst_UserProfile : public QObject, private LoginTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        profile = std::make_unique<Profile>(Profile::NoOptionRow);
-        fakes = std::make_unique<FakePorts>();
-        fakes->folders.strRoot = profile->Root();
-        Global().objDB->CloseDB();
-    }
-
-    void cleanup()
-    {
-        fakes.reset();
-        profile.reset();
-    }
+    void init() { SetUp(); }
+    void cleanup() { TearDown(); }
 
     void firstLoginRunsOnTheDefaults()
     {
@@ -118,6 +103,7 @@ private slots:
     void hugeAccountCountIsMended()
     {
         EnterAnna();
+        QCOMPARE(UserProfile::FindUserFolder("ANNA"), Global().strAppDataPath + "anna/"); // the same account
         Set("UserList", "TotalCount", "2147483647");
         QCOMPARE(UserProfile::KnownAccounts(), QStringList{"anna"});
         QVERIFY(UserProfile(fakes->ports).Save(Entry("bert")));
@@ -137,19 +123,6 @@ private slots:
         QCOMPARE(ReadTestFile(Global().strHeaderPath + "General.GNI"), "ours");
         QCOMPARE(ReadTestFile(Global().strHeaderPath + "Compact.GNI"), "the user's");
         QVERIFY(!QFileInfo::exists(Global().strHeaderPath + "Detailed.GNI"));
-    }
-
-    void otherDatabaseVersionClosesTheProfile()
-    {
-        EnterAnna();
-        UserProfile user(fakes->ports);
-        QVERIFY(user.Open(UserProfile::FindUserFolder("anna")));
-        Profile::Execute("Update DatabaseVersion Set Version='2.7'");
-        QVERIFY(!user.Save(Entry("anna")));
-        QCOMPARE(fakes->prompts.Texts(),
-                 QStringList{"Unsupported database version: 2.7 , need version: 2.8"});
-        QVERIFY(!user.IsOpen());
-        QVERIFY(!Global().objDB->IsOpen());
     }
 
     void unfinishedDatabaseIsNoProfile()
@@ -183,24 +156,6 @@ private:
     {
         return {account, "secret", false, remember, autoLogin};
     }
-    static QString Setting(const QString &section, const QString &key)
-    {
-        return ReadIniValue(section, key, Global().strIniFile);
-    }
-    static void Set(const QString &section, const QString &key, const QString &value)
-    {
-        QVERIFY(WriteIniValue(section, key, value, Global().strIniFile));
-    }
-    /// Enters "anna", whose database the fixture has made, as a known account.
-    static void EnterAnna(const QString &entry = "anna")
-    {
-        Set("UserList", "TotalCount", "1");
-        Set("UserList", "1", entry);
-        Set(entry, "UserFolder", Global().strAppDataPath + "anna/");
-    }
-
-    std::unique_ptr<Profile> profile;
-    std::unique_ptr<FakePorts> fakes;
 };
 
 QTEST_GUILESS_MAIN(tst_UserProfile)

@@ -93,8 +93,13 @@ private slots:
     {
         bench->mainWindow.setEnabled(false);
         QCOMPARE(form->windowHandle()->transientParent(), bench->mainWindow.windowHandle());
-        QTest::mouseClick(Find<QPushButton>("btnCancelOperate"), Qt::LeftButton);
+        progress->SetWindowMode(true, {});
+        auto *button = Find<QPushButton>("btnCancelOperate");
+        QCOMPARE(button->text(), "&Close"); // and still cancels
+        QTest::mouseClick(button, Qt::LeftButton);
+        // The signal comes last: whoever it wakes finds the abort noted and the connection closed.
         QCOMPARE(bench->owner.aCalls, QStringList({"cancel", "menu on", "enable", "abort", "signal"}));
+        QVERIFY(progress->IsLoaded() && !progress->IsSyncMode());
     }
 
     void closingActsLikeTheButton()
@@ -105,6 +110,35 @@ private slots:
         progress->Show();
         QTest::keyClick(form, Qt::Key_Escape);
         QVERIFY(bench->owner.aCalls == QStringList({"enable", "abort"}) && !form->isVisible());
+    }
+
+    void animationRunsWhileConnectedAndBelowTheEnd()
+    {
+        QSignalSpy frames(progress, &Progress::FrameChanged);
+        progress->SetTotal(2);
+        progress->AddRow("file");
+        progress->ChangePos2(0, 1, 100);
+        QVERIFY(!progress->IsAnimated());
+        progress->ChangePos2(0, 1, 99);
+        bench->fakes.timers.Advance(700);
+        QStringList shown;
+        for (const QList<QVariant> &frame : frames)
+            shown.append(frame.constFirst().toString());
+        QCOMPARE(shown.join(' '), QString("1 2 3 4 5 6 1"));
+        bench->owner.bConnected = false;
+        progress->ChangePos2(5, 1, 99);
+        QVERIFY(!progress->IsAnimated() && progress->Frame() == 6);
+    }
+
+    void synchronisationKeepsOneRow()
+    {
+        progress->SetWindowMode(true, "first");
+        QCOMPARE(progress->Rows(), QList<ProgressRow>({{"", "first", ""}}));
+        progress->ChangePos(40);
+        QCOMPARE(progress->Rows(),
+                 QList<ProgressRow>({{"imgProcessing", "Syncing public contacts: 40%", ""}}));
+        progress->ChangePos(100);
+        QCOMPARE(progress->Rows(), QList<ProgressRow>({{"imgOK", "Syncing public contacts: 100%", ""}}));
     }
 
 private:

@@ -1,10 +1,10 @@
+#include "core/Globals.h"
 #include "fakes/FakePorts.h"
 #include "fixtures/Profile.h"
 #include "server/forms/frmSetUserPwd.h"
 #include "server/wire/Frames.h"
 
 #include <QLineEdit>
-#include <QPushButton>
 #include <QTest>
 
 class tst_frmSetUserPwd : public QObject
@@ -12,45 +12,54 @@ class tst_frmSetUserPwd : public QObject
     Q_OBJECT
 
 private slots:
-    void refusedPasswordKeepsTheWindowOpenAndTheRightOneCloses()
+    void refusedInputKeepsTheWindowOpenAndTheRightOneCloses()
     {
         const Profile profile;
         FakePorts fakes;
-        bool stays = false, accepts = false;
+        QStringList asked;
+        bool accepts = false, connected = false;
         frmSetUserPwd form(
             fakes.ports,
-            [&](const QString &, const QString &) {
+            [&](const QString &oldPassword, const QString &newPassword) {
                 form.close(); // not while the server is asked
-                stays = form.isVisible() && !form.isEnabled();
+                asked += {oldPassword, newPassword, form.isVisible() && !form.isEnabled() ? "stays" : "gone"};
                 return accepts;
             },
-            [] { return true; });
-        const auto edit = [&form](const char *name) { return form.findChild<QLineEdit *>(name); };
-        const auto typeAll = [&edit](const QString &confirmation) {
-            for (const auto &[name, text] :
-                 {std::pair("txtOldPwd", QString("secret")), std::pair("txtNewPwd", QString("12345")),
-                  std::pair("txtPwdConfirm", confirmation)}) {
-                QCOMPARE(edit(name)->echoMode(), QLineEdit::Password);
-                edit(name)->clear();
-                QTest::keyClicks(edit(name), text);
-            }
-        };
+            [&] { return connected; });
         form.show();
         QVERIFY(QTest::qWaitForWindowActive(&form));
-        QCOMPARE(form.focusWidget(), edit("txtOldPwd"));
-        typeAll("1234");
-        QTest::keyClick(form.focusWidget(), Qt::Key_Return);
-        QCOMPARE(form.focusWidget(), edit("txtNewPwd"));
-        typeAll("12345");
-        QTest::keyClick(&form, Qt::Key_Return);
-        QCOMPARE(fakes.prompts.Texts().last(), "The password you gave is incorrect.");
-        QVERIFY(stays && form.isVisible() && form.isEnabled());
-        QCOMPARE(form.focusWidget(), edit("txtOldPwd"));
+        QCOMPARE(form.focusWidget()->objectName(), "txtOldPwd");
+        // Types the three and presses Enter: the field that has the focus then, and what is told.
+        const auto enter = [&](const QStringList &typed) {
+            fakes.prompts.aBoxes.clear();
+            for (int i = 0; i < 3; ++i) {
+                auto *edit =
+                    form.findChild<QLineEdit *>(QStringList{"txtOldPwd", "txtNewPwd", "txtPwdConfirm"}[i]);
+                edit->clear();
+                QTest::keyClicks(edit, typed[i]);
+                if (edit->echoMode() != QLineEdit::Password)
+                    return QString("readable");
+            }
+            QTest::keyClick(&form, Qt::Key_Return);
+            return (form.isVisible() ? form.focusWidget()->objectName() : "closed") + '|' +
+                   fakes.prompts.Texts().join('|');
+        };
+        QCOMPARE(enter({"", "12345", "12345"}), "txtOldPwd|Current password cannot be left blank.");
+        QCOMPARE(enter({"old", "abcd", "ABCD"}),
+                 "txtNewPwd|New password and confirm password do not match. ");
+        QCOMPARE(enter({"old", "abc", "abc"}), "txtNewPwd|Password is too short");
+        QVERIFY(asked.isEmpty());
+        QCOMPARE(enter({"old", "1234", "1234"}), "txtOldPwd|"); // the session tells of a lost connection
+        connected = true;
+        QCOMPARE(enter({"old", "1234", "1234"}), "txtOldPwd|The password you gave is incorrect.");
+        QVERIFY(form.isVisible() && form.isEnabled());
+        QCOMPARE(Profile::Value("Select Pwd From Option"), QString());
         accepts = true;
-        QTest::keyClick(&form, Qt::Key_Return);
-        QVERIFY(!form.isVisible());
+        QCOMPARE(enter({"old", "1234", "1234"}), "closed|");
         QCOMPARE(form.result(), int(QDialog::Accepted));
-        QCOMPARE(Profile::Value("Select Pwd From Option"), Frames::Md5Digest("12345"));
+        QCOMPARE(asked.mid(6), (QStringList{"old", "1234", "stays"}));
+        QCOMPARE(Profile::Value("Select Pwd From Option"), Frames::Md5Digest("1234"));
+        QCOMPARE(Global().strPwdDigest, Frames::Md5Digest("1234"));
         form.show();
         QTest::keyClick(&form, Qt::Key_Escape);
         QVERIFY(!form.isVisible());

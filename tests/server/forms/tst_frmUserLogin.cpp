@@ -1,7 +1,5 @@
-#include "core/Globals.h"
-#include "server/LoginTest.h"
+#include "fixtures/LoginTest.h"
 #include "server/forms/frmUserLogin.h"
-#include "server/wire/clsClient.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -54,22 +52,18 @@ private slots:
         QCOMPARE(Global().strUserName, "carl");
     }
 
-    void escapeAndButtonAbortFirst()
+    void escapeAbortsFirstAndThenCloses()
     {
         Open();
         TypeAll();
-        fakes->pump.Then([&] { QTest::mouseClick(Button("btnLogin"), Qt::LeftButton); });
+        fakes->pump.Then([&] { QTest::keyClick(form.get(), Qt::Key_Escape); });
         QTest::mouseClick(Button("btnLogin"), Qt::LeftButton);
         QCOMPARE(Button("btnLogin")->text(), "&Login");
         QCOMPARE(Tip(), "Ready ...");
-        QVERIFY(Edit("txtPwd")->isEnabled());
-        fakes->pump.Then([&] { QTest::keyClick(form.get(), Qt::Key_Escape); });
-        QTest::mouseClick(Button("btnLogin"), Qt::LeftButton);
-        QVERIFY(form->isVisible());
+        QVERIFY(form->isVisible() && Edit("txtPwd")->isEnabled());
         fakes->pump.Then([&] { form->close(); }); // ends the login too
         QTest::mouseClick(Button("btnLogin"), Qt::LeftButton);
-        QVERIFY(!form->isVisible() && !form->CheckUserLogin());
-        QVERIFY(!fakes->sockets.Last());
+        QVERIFY(!form->isVisible() && !form->CheckUserLogin() && !fakes->sockets.Last());
         Open();
         QTest::keyClick(form.get(), Qt::Key_Escape);
         QVERIFY(!form->isVisible());
@@ -99,16 +93,25 @@ private slots:
         QVERIFY(!Server().TakeWrite().contains("BBB")); // digested as typed text
     }
 
-    void missingInputGetsTheFocus()
+    void missingInputIsAskedForAndGetsTheFocus()
     {
         Open();
-        QTest::mouseClick(Button("btnLogin"), Qt::LeftButton);
-        QCOMPARE(Prompts().Texts(), QStringList{"Please specify the password."});
-        QCOMPARE(form->focusWidget(), Edit("txtPwd"));
-        Edit("txtServer")->clear();
-        emit Edit("txtServer")->textEdited({});
-        QTest::mouseClick(Button("btnLogin"), Qt::LeftButton);
-        QCOMPARE(form->focusWidget(), Edit("txtServer"));
+        const auto asksFor = [this](const QString &text, QWidget *widget) {
+            QTest::mouseClick(Button("btnLogin"), Qt::LeftButton);
+            return Prompts().Texts().last() == text && form->focusWidget() == widget;
+        };
+        QVERIFY(asksFor("Please specify the password.", Edit("txtPwd")));
+        Account()->lineEdit()->selectAll();
+        QTest::keyClicks(Account(), "..");
+        QVERIFY(asksFor("This username cannot be used.", Account()));
+        QTest::keyClick(Account(), Qt::Key_Backspace);
+        QTest::keyClick(Account(), Qt::Key_Backspace);
+        QVERIFY(asksFor("Please specify a username.", Account()));
+        Edit("txtServer")->selectAll();
+        QTest::keyClick(Edit("txtServer"), Qt::Key_Delete);
+        QVERIFY(asksFor("Please specify a Velmar server. For example 192.168.1.5 or faxhost:8750",
+                        Edit("txtServer")));
+        QVERIFY(IsReady() && !fakes->sockets.Last());
     }
 
     void loginFromTheMainWindowAsksForThePasswordOnly()
