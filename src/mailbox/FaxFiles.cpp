@@ -3,6 +3,10 @@
 #include "core/Globals.h"
 #include "core/Utilities.h"
 #include "mailbox/FaxRow.h"
+#include "mailbox/FolderTree.h"
+
+#include <QDir>
+#include <QSet>
 
 #include <filesystem>
 #include <system_error>
@@ -21,6 +25,23 @@ QString FindInAnotherCase(const QString &folder, const QString &name)
             return folder + candidate;
     }
     return {};
+}
+
+QString BoxFolder(bool isSent)
+{
+    return isSent ? Global().strOutputBoxPath : Global().strInputBoxPath;
+}
+
+/// Names in the row of each of the faxes; empty for a row without one.
+QStringList ReadFileNames(const QStringList &ids, bool isSent)
+{
+    const QString sql = isSent ? "Select FileName From SendFax Where Fax_ID in("
+                               : "Select FileName From ReceiveFax Where Fax_ID in(";
+    const auto row = Global().objDB->SelectEx(sql + QuoteIds(ids) + ")");
+    QStringList names;
+    while (row->Next())
+        names.append(GetBareName(UnescapeText(row->Text(0))));
+    return names;
 }
 
 } // namespace
@@ -43,8 +64,7 @@ QString FindFileOfFax(const QString &id, bool isSent)
     const auto row = Global().objDB->SelectEx(sql + id + "'");
     if (!row->Next())
         return {};
-    return FindFaxFile(isSent ? Global().strOutputBoxPath : Global().strInputBoxPath,
-                       UnescapeText(row->Text(0)));
+    return FindFaxFile(BoxFolder(isSent), UnescapeText(row->Text(0)));
 }
 
 bool FaxFileExists(const QString &id, QString *fileList, bool isSent)
@@ -55,4 +75,22 @@ bool FaxFileExists(const QString &id, QString *fileList, bool isSent)
     if (fileList)
         *fileList += path + ",";
     return true;
+}
+
+bool DoFaxFilesExist(const QStringList &ids, bool isSent)
+{
+    const QStringList names = ids.isEmpty() ? QStringList() : ReadFileNames(ids, isSent);
+    if (names.size() < ids.size() || names.contains(QString()))
+        return false;
+    const QString folder = BoxFolder(isSent);
+    QSet<QString> inAnotherCase;
+    for (const QString &name : names) {
+        if (!FileExists(folder + name))
+            inAnotherCase.insert(name.toCaseFolded());
+    }
+    if (inAnotherCase.isEmpty())
+        return true;
+    for (const QString &name : QDir(folder).entryList(QDir::Files, QDir::Unsorted))
+        inAnotherCase.remove(name.toCaseFolded());
+    return inAnotherCase.isEmpty();
 }

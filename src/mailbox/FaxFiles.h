@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 // Where the files of the faxes stand.
 
@@ -15,3 +16,7 @@ QString FindFileOfFax(const QString &id, bool isSent);
 /// True when the fax has a row in its table and its file exists; then the full path and a "," are appended to
 /// `fileList`, when there is one. Raises the errors of the database.
 bool FaxFileExists(const QString &id, QString *fileList, bool isSent);
+
+/// `FaxFileExists` for many faxes of one table at once: true when it holds for all. One pass over the table
+/// and at most one over the folder.
+bool DoFaxFilesExist(const QStringList &ids, bool isSent);

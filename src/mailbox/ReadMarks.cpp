@@ -3,15 +3,13 @@
 #include "core/Globals.h"
 #include "core/Message.h"
 #include "core/RaisedError.h"
+#include "core/TransactionScope.h"
 #include "core/Utilities.h"
 #include "mailbox/ShownMailbox.h"
-
-#include <QSet>
 
 namespace {
 
 constexpr int lReceived = 0;
-constexpr int lSent = 1;
 
 void SetRead(const QString &table, const QString &value, const QString &condition)
 {
@@ -44,9 +42,11 @@ bool MarkReceivedFaxRead(const QString &id)
             return false;
         hasReceipt = ReadsAsTrue(row->Text(1));
     }
+    TransactionScope reading(*Global().objDB);
     Global().objDB->Execute("UPDATE ReceiveFax SET IsReaded='1' WHERE Fax_ID='" + id + "'");
     if (!hasReceipt)
         QueueReceipt(id);
+    reading.Commit();
     return true;
 }
 
@@ -87,24 +87,10 @@ void ReadMarks::Guard(const QString &routine, const std::function<void()> &run)
     }
 }
 
-QStringList ReadMarks::SelectedIds(int faxTable) const
-{
-    const QStringList &chosen = mailbox.SelectedFaxes();
-    const QSet<QString> wanted(chosen.begin(), chosen.end());
-    QStringList ids;
-    for (int row = 1; row <= mailbox.List().RowCount(); ++row) {
-        const FaxRow &fax = mailbox.List().Row(row);
-        if (fax.lFaxTable == faxTable && wanted.contains(fax.strID))
-            ids.append(fax.strID);
-    }
-    return ids;
-}
-
 void ReadMarks::mnuHadRead()
 {
     Guard("mnuHadRead", [this] {
-        const QStringList received = SelectedIds(lReceived);
-        const QStringList sent = SelectedIds(lSent);
+        const auto [received, sent] = mailbox.GetGridSelectedID();
         if (!received.isEmpty() && MarkReceivedAsked(received))
             ShowMarks(received, true);
         SetRead("SendFax", true, sent);
@@ -117,16 +103,19 @@ bool ReadMarks::MarkReceivedAsked(const QStringList &ids)
     const QString question = tr("Are you sure want to mark these fax as read?");
     if (message.ShowMessage(question, mbYesNo + mbQuestion) != mbAnswerYes)
         return false;
+    TransactionScope batch(*Global().objDB);
     SetRead("ReceiveFax", true, ids);
-    NotifyReceiptRead(ids);
+    const bool hasNew = QueueReceipts(ids);
+    batch.Commit();
+    if (hasNew)
+        emit ReceiptsQueued();
     return true;
 }
 
 void ReadMarks::mnuUnRead()
 {
     Guard("mnuUnRead", [this] {
-        const QStringList received = SelectedIds(lReceived);
-        const QStringList sent = SelectedIds(lSent);
+        const auto [received, sent] = mailbox.GetGridSelectedID();
         SetRead("ReceiveFax", false, received);
         SetRead("SendFax", false, sent);
         ShowMarks(received + sent, false);
@@ -137,13 +126,17 @@ void ReadMarks::ClickReadIcon(int row)
 {
     const QString key = mailbox.SelectedFolder();
     const FaxRow fax = mailbox.List().Row(row);
-    if ((key != "1001" && key != "1008") || fax.bRead || fax.lFaxTable != lReceived)
+    if ((key != "1001" && key != "1008") || fax.bRead)
         return;
     const QString question = tr("Are you sure want to mark this fax as read?");
-    if (message.ShowMessage(question, mbYesNo + mbQuestion) != mbAnswerYes)
+    if (message.ShowMessage(question, mbYesNo + mbQuestion) != mbAnswerYes) {
+        mailbox.List().SetHoveredRow(0);
         return;
+    }
     Guard("MarkReceivedFaxRead", [&] {
-        if (MarkReceivedFaxRead(fax.strID))
+        if (fax.lFaxTable != lReceived) // in the Recycle bin: nobody waits for its receipt
+            SetRead("SendFax", true, {fax.strID});
+        else if (MarkReceivedFaxRead(fax.strID))
             emit ReceiptsQueued();
         ShowMarks({fax.strID}, true);
     });

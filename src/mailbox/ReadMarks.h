@@ -35,7 +35,6 @@ signals:
 
 private:
     void Guard(const QString &routine, const std::function<void()> &run);
-    QStringList SelectedIds(int faxTable) const;
     bool MarkReceivedAsked(const QStringList &ids);
     void ShowMarks(const QStringList &ids, bool read);
     void NotifyReceiptRead(const QStringList &ids);

@@ -60,6 +60,14 @@ public:
     const QStringList &SelectedFaxes() const { return aSelected; }
     /// Row of the fax on show, from 1; 0 for none.
     int SelectedRow() const;
+    /// The selected faxes by their table, in the order of the list. Tells when the file of one is missing.
+    /// Raises the errors of the database.
+    struct GridSelection
+    {
+        QStringList aReceived;
+        QStringList aSent;
+    };
+    GridSelection GetGridSelectedID();
     /// The table of the selected fax: 0 `ReceiveFax`, 1 `SendFax`.
     int GetFaxTable() const;
     /// Reads a fax again and shows it in that row. `kind` is the list mode, 1 to 7.
@@ -86,6 +94,8 @@ signals:
     void FaxSelected(const QString &id);
     /// Commands that depend on the folder or the selection have to be looked at again.
     void CommandsChanged();
+    /// A selected fax has no file: there is nothing to send again.
+    void FaxFileMissing();
     void DatesChanged();
     void StatusChanged();
 

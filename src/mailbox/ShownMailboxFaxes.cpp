@@ -1,9 +1,11 @@
 // What happens to single faxes of the list.
 
 #include "core/Globals.h"
+#include "mailbox/FaxFiles.h"
 #include "mailbox/ShownMailbox.h"
 
 #include <QScopedValueRollback>
+#include <QSet>
 
 #include <algorithm>
 
@@ -21,6 +23,20 @@ int ShownMailbox::GetFaxTable() const
         return 1;
     const int row = SelectedRow();
     return row > 0 ? list.Row(row).lFaxTable : 0;
+}
+
+ShownMailbox::GridSelection ShownMailbox::GetGridSelectedID()
+{
+    const QSet<QString> chosen(aSelected.begin(), aSelected.end());
+    GridSelection selection;
+    for (int row = 1; row <= list.RowCount(); ++row) {
+        const FaxRow &fax = list.Row(row);
+        if (chosen.contains(fax.strID))
+            (fax.lFaxTable == 0 ? selection.aReceived : selection.aSent).append(fax.strID);
+    }
+    if (!DoFaxFilesExist(selection.aReceived, false) || !DoFaxFilesExist(selection.aSent, true))
+        emit FaxFileMissing();
+    return selection;
 }
 
 /// By the folder's icon: the branches of "Sent" list alike.

@@ -7,6 +7,7 @@
 #include "mailbox/ShownMailbox.h"
 
 #include <QDir>
+#include <QFile>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -74,6 +75,28 @@ private slots:
         QCOMPARE(mailbox->List().UnreadCount(), 1);
     }
 
+    void missingFileOfASelectedFaxIsTold()
+    {
+        for (const char *id : {"A", "B"}) {
+            profile->InsertReceivedFax(id);
+            profile->InsertSentFax(QString("S") + id, {{"RecyleID", "1008"}, {"fileName", ""}});
+        }
+        QVERIFY(WriteTestFile(Global().strInputBoxPath + "A.tif", "x"));
+        QVERIFY(WriteTestFile(Global().strInputBoxPath + "b.TIF", "x"));
+        Open("1001");
+        QSignalSpy missing(mailbox.get(), &ShownMailbox::FaxFileMissing);
+        mailbox->SelectFaxes({"A", "B"}, "A");
+        QCOMPARE(mailbox->GetGridSelectedID().aReceived.size(), 2);
+        QCOMPARE(missing.size(), 0); // the case of a name does not matter
+        QVERIFY(QFile::remove(Global().strInputBoxPath + "A.tif"));
+        mailbox->Marks().mnuUnRead();
+        QCOMPARE(missing.size(), 1);
+        mailbox->SelectFolder("1008");
+        mailbox->SelectFaxes({"SA"}, "SA");
+        QCOMPARE(mailbox->GetGridSelectedID().aSent, QStringList("SA"));
+        QCOMPARE(missing.size(), 2);
+    }
+
     void unreadLeavesTheQueuedReceipt()
     {
         profile->InsertReceivedFax("A", {{"isReaded", "0"}});
@@ -99,6 +122,13 @@ private slots:
         QCOMPARE(Queue(), QStringList({"A", "B"}));
         QCOMPARE(Read("ReceiveFax", "A") + Read("ReceiveFax", "B") + Read("ReceiveFax", "C"), "110");
         QCOMPARE(fakes->prompts.aBoxes.size(), 3);
+        profile->InsertSentFax("S", {{"isReaded", "0"}, {"RecyleID", "1008"}, {"ModifyTime", "2024-01-01"}});
+        Profile::Execute("DELETE FROM ReceiveFax");
+        Open("1008");
+        fakes->prompts.aAnswers = {mbAnswerYes};
+        mailbox->Marks().ClickReadIcon(1);
+        QCOMPARE(Read("SendFax", "S"), "1");
+        QCOMPARE(Queue(), QStringList({"A", "B"}));
     }
 
     void readFaxQueuesItsReceiptOnce()

@@ -53,6 +53,9 @@ frmMain::frmMain(ShownMailbox &shownMailbox, Message &messageBox, QWidget *paren
     SetUpActions();
     SetUpOwnCommands();
     connect(&mailbox, &ShownMailbox::CommandsChanged, this, &frmMain::SetGridCommands);
+    connect(&mailbox, &ShownMailbox::FaxFileMissing, this, [this] {
+        Apply({{"mnuInterResend", false}, {"tbResend", false}});
+    });
     connect(&mailbox, &ShownMailbox::StatusChanged, this, &frmMain::ShowStatus);
     SetCommMenu(false);
     SetGridCommands();
