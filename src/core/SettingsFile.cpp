@@ -126,6 +126,12 @@ bool CanBeWritten(const QString &name, const QString &forbidden)
     return !trimmed.isEmpty();
 }
 
+bool IsKeyName(const QString &key)
+{
+    const QString trimmed = key.trimmed();
+    return CanBeWritten(key, QStringLiteral("=")) && !trimmed.startsWith(';') && !trimmed.startsWith('[');
+}
+
 /// The value up to its first line break: what follows would be a line of its own.
 QString FirstLine(const QString &value)
 {
@@ -162,15 +168,22 @@ void SetLine(QList<QByteArray> &lines, const QString &section, const QString &ke
 bool WriteIniValue(const QString &section, const QString &key, const QString &value, const QString &file,
                    const QString &programFolder)
 {
-    if (!CanBeWritten(section, QStringLiteral("]")) || !CanBeWritten(key, QStringLiteral("=")) ||
-        key.trimmed().startsWith(';') || key.trimmed().startsWith('['))
+    return WriteIniValues(section, {{key, value}}, FileOrDefault(file, programFolder));
+}
+
+bool WriteIniValues(const QString &section, const QList<std::pair<QString, QString>> &values,
+                    const QString &file)
+{
+    std::optional<QList<QByteArray>> lines = ReadLines(file);
+    if (!lines || !CanBeWritten(section, QStringLiteral("]")))
         return false;
-    const QString path = FileOrDefault(file, programFolder);
-    std::optional<QList<QByteArray>> lines = ReadLines(path);
-    if (!lines)
-        return false;
-    SetLine(*lines, section, key, value);
-    return SaveLines(path, *lines);
+    const QList<QByteArray> before = *lines;
+    for (const auto &[key, value] : values) {
+        if (!IsKeyName(key))
+            return false;
+        SetLine(*lines, section, key, value);
+    }
+    return *lines == before || SaveLines(file, *lines);
 }
 
 QString ReadIniValue(const QString &section, const QString &key, const QString &file,

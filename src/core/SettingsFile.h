@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QList>
 #include <QString>
+
+#include <utility>
 
 /// INI files as the system's profile routines read them: keys and sections without regard to case, the first
 /// match wins, values trimmed, 254 characters at most. The file is UTF-8.
@@ -10,6 +13,10 @@
 /// `programFolder`.
 bool WriteIniValue(const QString &section, const QString &key, const QString &value, const QString &file,
                    const QString &programFolder = {});
+/// Sets several values, key and value each, in one step; all or none. A file that holds them already is left
+/// alone.
+bool WriteIniValues(const QString &section, const QList<std::pair<QString, QString>> &values,
+                    const QString &file);
 /// The value; empty for a missing file, section or key.
 QString ReadIniValue(const QString &section, const QString &key, const QString &file,
                      const QString &programFolder = {});

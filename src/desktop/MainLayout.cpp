@@ -30,6 +30,7 @@ void ForEachKey(MainLayout &layout, const NumberField &number, const FlagField &
     pane("picPreview", layout.picPreview);
     flag("picPreview_IsVisible", layout.bPreviewVisible);
     flag("historyPlane_IsVisible", layout.bHistoryVisible);
+    number("tbClient_Style", layout.lToolBarStyle);
 }
 
 std::optional<int> ToCoordinate(const QString &text)
@@ -64,20 +65,17 @@ MainLayout ReadMainLayout(const QString &section, const QString &file)
 
 bool WriteMainLayout(const MainLayout &layout, const QString &section, const QString &file)
 {
-    bool isStored = true;
-    const auto write = [&](const QString &key, const QString &value) {
-        isStored = WriteIniValue(section, key, value, file) && isStored;
-    };
+    QList<std::pair<QString, QString>> values;
     MainLayout copy = layout;
     ForEachKey(
         copy,
         [&](const QString &key, std::optional<int> &value) {
             if (value)
-                write(key, QString::number(*value));
+                values.append({key, QString::number(*value)});
         },
         [&](const QString &key, std::optional<bool> &value) {
             if (value)
-                write(key, *value ? "True" : "False");
+                values.append({key, *value ? "True" : "False"});
         });
-    return isStored;
+    return WriteIniValues(section, values, file);
 }

@@ -27,6 +27,7 @@ struct MainLayout
     std::optional<bool> bAddressbookVisible;
     std::optional<bool> bPreviewVisible;
     std::optional<bool> bHistoryVisible;
+    std::optional<int> lToolBarStyle; ///< a `Qt::ToolButtonStyle`
 };
 
 /// Missing values, and such that cannot be a size of a screen, stay open.

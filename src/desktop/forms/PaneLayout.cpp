@@ -4,6 +4,7 @@
 #include <QMainWindow>
 #include <QScreen>
 #include <QSplitter>
+#include <QToolBar>
 
 #include <algorithm>
 
@@ -56,6 +57,9 @@ void PaneLayout::Restore(const MainLayout &layout)
     panes.tvAddressbook->setVisible(layout.bAddressbookVisible.value_or(!panes.tvAddressbook->isHidden()));
     panes.picPreview->setVisible(layout.bPreviewVisible.value_or(!panes.picPreview->isHidden()));
     panes.frmeHistory->setVisible(layout.bHistoryVisible.value_or(!panes.frmeHistory->isHidden()));
+    if (layout.lToolBarStyle && *layout.lToolBarStyle >= Qt::ToolButtonIconOnly &&
+        *layout.lToolBarStyle <= Qt::ToolButtonTextUnderIcon)
+        panes.tbClient->setToolButtonStyle(static_cast<Qt::ToolButtonStyle>(*layout.lToolBarStyle));
 }
 
 void PaneLayout::PlaceWindow(const MainLayout &layout)
@@ -86,9 +90,10 @@ MainLayout PaneLayout::Collect() const
 {
     const QMainWindow &window = *panes.window;
     MainLayout layout;
-    layout.lState = window.isMinimized()   ? MainLayout::Minimised
-                    : window.isMaximized() ? MainLayout::Maximised
-                                           : MainLayout::Normal;
+    const bool fillsScreen = window.isMaximized() || window.isFullScreen();
+    layout.lState = window.isMinimized() ? MainLayout::Minimised
+                    : fillsScreen        ? MainLayout::Maximised
+                                         : MainLayout::Normal;
     if (layout.lState == MainLayout::Normal)
         layout.Main = {window.x(), window.y(), window.width(), window.height()};
     layout.tvFolder = RectOf(panes.tvFolder);
@@ -98,6 +103,7 @@ MainLayout PaneLayout::Collect() const
     layout.bAddressbookVisible = !panes.tvAddressbook->isHidden();
     layout.bPreviewVisible = !panes.picPreview->isHidden();
     layout.bHistoryVisible = !panes.frmeHistory->isHidden();
+    layout.lToolBarStyle = panes.tbClient->toolButtonStyle();
     return layout;
 }
 

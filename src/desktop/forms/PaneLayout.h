@@ -6,6 +6,7 @@
 
 class QMainWindow;
 class QSplitter;
+class QToolBar;
 class QWidget;
 
 /// Reads the places of the main window's panes off the screen, and puts them back.
@@ -23,6 +24,7 @@ public:
         QWidget *list;
         QWidget *picPreview;
         QWidget *frmeHistory;
+        QToolBar *tbClient;
     };
 
     explicit PaneLayout(const Panes &windowPanes)

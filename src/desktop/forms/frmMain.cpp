@@ -1,14 +1,15 @@
 #include "desktop/forms/frmMain.h"
 
 #include "controls/HintedTreeView.h"
-#include "controls/Icons.h"
 #include "controls/PageCanvas.h"
 #include "core/Globals.h"
 #include "core/Message.h"
 #include "core/RaisedError.h"
 #include "desktop/About.h"
 #include "desktop/Leftovers.h"
+#include "desktop/forms/CommandActions.h"
 #include "desktop/forms/PaneLayout.h"
+#include "desktop/forms/StatusPanels.h"
 #include "mailbox/ShownMailbox.h"
 #include "mailbox/forms/AddressPane.h"
 #include "mailbox/forms/DateBar.h"
@@ -17,28 +18,11 @@
 #include "mailbox/forms/PreviewPane.h"
 #include "ui_frmMain.h"
 
+#include <QActionGroup>
 #include <QCloseEvent>
-#include <QLabel>
-#include <QLocale>
 #include <QMenu>
-#include <QProgressBar>
 #include <QScopedValueRollback>
 #include <QTimer>
-
-namespace {
-
-/// Commands that are enabled without regard to the mailbox and the session.
-bool IsFreeCommand(const QString &name)
-{
-    static const QStringList dependent = [] {
-        QStringList names = CommandStates::SetCommMenu(true, {}).keys();
-        names += CommandStates::SetGridCommands({}).keys();
-        return names;
-    }();
-    return !dependent.contains(name);
-}
-
-} // namespace
 
 frmMain::frmMain(ShownMailbox &shownMailbox, Message &messageBox, QWidget *parent)
     : QMainWindow(parent)
@@ -47,16 +31,11 @@ frmMain::frmMain(ShownMailbox &shownMailbox, Message &messageBox, QWidget *paren
     , ui(std::make_unique<Ui::frmMain>())
 {
     ui->setupUi(this);
+    setContextMenuPolicy(Qt::NoContextMenu); // the one that Qt has would hide the tool bar
+    panels = new StatusPanels(*ui->stbInfo);
     PlacePanes();
-    SetUpStatusBar();
-    MakeGridMenu();
-    SetUpActions();
-    SetUpOwnCommands();
-    connect(&mailbox, &ShownMailbox::CommandsChanged, this, &frmMain::SetGridCommands);
-    connect(&mailbox, &ShownMailbox::FaxFileMissing, this, [this] {
-        Apply({{"mnuInterResend", false}, {"tbResend", false}});
-    });
-    connect(&mailbox, &ShownMailbox::StatusChanged, this, &frmMain::ShowStatus);
+    SetUpCommands();
+    ConnectPanes();
     SetCommMenu(false);
     SetGridCommands();
 }
@@ -80,6 +59,7 @@ void frmMain::PlacePanes()
     layout->addWidget(listPane);
     ui->picHSource_2->addWidget(upper);
     ui->picHSource_2->addWidget(picPreview);
+    ui->picSource->setMinimumWidth(ui->picVSource->Clearance());
     ui->picVSource->setStretchFactor(0, 0);
     ui->picVSource->setStretchFactor(1, 1);
     ui->picHSource_2->setStretchFactor(0, 2);
@@ -87,122 +67,34 @@ void frmMain::PlacePanes()
     ui->picVSource->setSizes({220, 804});
     ui->picHSource_2->setSizes({230, 370});
     tvAddressbook->hide();
-    paneLayout = std::make_unique<PaneLayout>(PaneLayout::Panes{this, ui->picVSource, ui->picSource,
-                                                                ui->picHSource_2, tvFolder, tvAddressbook,
-                                                                upper, picPreview, frmeHistory});
+    paneLayout = std::make_unique<PaneLayout>(
+        PaneLayout::Panes{this, ui->picVSource, ui->picSource, ui->picHSource_2, tvFolder, tvAddressbook,
+                          upper, picPreview, frmeHistory, ui->tbClient});
     QWidget::setTabOrder(tvFolder, tvAddressbook);
     tvFolder->setFocus();
 }
 
-void frmMain::SetUpStatusBar()
-{
-    labToday = new QLabel(this);
-    labTotals = new QLabel(this);
-    labTotals->setObjectName("labTotals");
-    labTotals->setMinimumWidth(fontMetrics().horizontalAdvance(QString(22, ' ')));
-    labServer = new QLabel(this);
-    labServer->setObjectName("labServer");
-    pbTotal = new QProgressBar(this);
-    pbTotal->setMaximumWidth(140);
-    pbTotal->setAccessibleName(tr("Progress of the transfer"));
-    auto *welcome = new QLabel(tr("Welcome to Velmar Client, please press F1 for Help"), this);
-    welcome->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // the panels come first
-    ui->stbInfo->addWidget(welcome, 1);
-    for (QWidget *panel : {static_cast<QWidget *>(pbTotal), static_cast<QWidget *>(labToday),
-                           static_cast<QWidget *>(labTotals), static_cast<QWidget *>(labServer)})
-        ui->stbInfo->addPermanentWidget(panel);
-    for (QLabel *label : {labTotals, labServer})
-        label->setTextFormat(Qt::PlainText);
-    SetTotalPercent(-1);
-    SetServerPanel(tr("Offline"));
-    ShowToday();
-}
-
-void frmMain::ShowToday()
-{
-    const QLocale locale;
-    const QDate today = QDate::currentDate();
-    labToday->setText(tr(" Today : ") + locale.toString(today, QLocale::ShortFormat) + "  " +
-                      locale.dayName(today.dayOfWeek()) + " ");
-}
-
-void frmMain::ShowStatus()
-{
-    labTotals->setText(mailbox.StatusText());
-}
-
 // Commands
 
-/// The menu of the list: each item is a command of the menu bar under another name. Of two commands with the
-/// same mnemonic, the first keeps it.
-void frmMain::MakeGridMenu()
+void frmMain::SetUpCommands()
 {
-    auto *menu = new QMenu(this);
-    menu->setObjectName("GridRightMenu");
-    QStringList letters;
-    for (const QString &name : CommandStates::GetRightMenu()) {
-        const QString item = CommandStates::GetMenuOfTool(name);
-        if (item.isEmpty()) {
-            menu->addSeparator();
-            continue;
-        }
-        const auto *command = findChild<QAction *>(item);
-        QString text = command->text();
-        const QString letter = text.mid(text.indexOf('&') + 1, 1).toLower();
-        if (letters.contains(letter))
-            text.remove('&');
-        letters.append(letter);
-        QAction *action = menu->addAction(text);
-        action->setObjectName(name);
-        action->setToolTip(command->toolTip());
-    }
-}
-
-void frmMain::SetUpActions()
-{
-    for (QAction *action : findChildren<QAction *>()) {
-        const QString name = action->objectName();
-        const QString command = CommandStates::GetMenuOfTool(name);
-        const QString menuItem = command.isEmpty() ? name : command;
-        if (name.startsWith("tb"))
-            action->setIcon(Icons::Get(name));
-        else if (!menuItem.startsWith("mnu") || name.startsWith("mnuFaxview_"))
-            continue;
-        action->setEnabled(false);
-        connect(action, &QAction::triggered, this, [this, menuItem] { RunCommand(menuItem); });
-    }
-    const QMap<QString, QString> menuIcons{
-        {"mnuNewFax", "tbNewFax"},
-        {"mnuPrint", "tbPrintFax"},
-        {"mnuFaxProperty", "tbFaxProperty"},
-        {"mnuEditDelete", "tbDeleteFax"},
-        {"mnuFindFax", "tbFindFax"},
-        {"mnuRefresh", "mnuRefresh"},
-        {"mnuSendReceive", "tbSendReceive"},
-        {"mnuSend", "tbSendFax"},
-        {"mnuReceive", "tbReceiveFax"},
-        {"mnuInterResend", "tbResend"},
-        {"mnuNewContact", "tbNewContact"},
-        {"mnuFindContact", "tbFindContact"},
-        {"mnuLoginServer", "mnuLoginServer"},
-        {"mnuLogoutServer", "mnuLogoutServer"},
-        {"mnuOption", "mnuOption"},
-
-    };
-    for (auto it = menuIcons.begin(); it != menuIcons.end(); ++it)
-        findChild<QAction *>(it.key())->setIcon(Icons::Get(it.value()));
+    commands = std::make_unique<CommandActions>(
+        *this, [this](const QString &name, const CommandActions::Routine &run) { RunGuarded(name, run); });
     ui->mnuPage->addActions(picPreview->PageActions());
+    SetUpToolBar();
+    SetUpOwnCommands();
 }
 
 void frmMain::SetUpOwnCommands()
 {
-    SetCommand("mnuExit", [this] { close(); });
+    SetCommand("mnuExit", [this] { Unload(); });
     SetCommand("mnuRefresh", [this] { mailbox.ReloadCurrentFolder(true); });
     SetCommand("mnuSelectAll", [this] { listPane->SelectAll(); });
     SetCommand("mnuReverseSel", [this] { listPane->ReverseSelection(); });
     SetCommand("mnuHadRead", [this] { mailbox.Marks().mnuHadRead(); });
     SetCommand("mnuUnRead", [this] { mailbox.Marks().mnuUnRead(); });
     SetCommand("mnuNextPane", [this] { GoToNextPane(); });
+    SetCommand("mnuMoveBorder", [this] { MoveNextBorder(); });
     SetCommand("mnuPreview", [this] { paneLayout->SetVisible(picPreview, ui->mnuPreview->isChecked()); });
     SetCommand("mnuHistory", [this] { paneLayout->SetVisible(frmeHistory, ui->mnuHistory->isChecked()); });
     SetCommand("mnuViewAddressBook",
@@ -210,29 +102,47 @@ void frmMain::SetUpOwnCommands()
     SetCommand("mnuAbout", [this] {
         message.ShowMessage(GetAboutText(QCoreApplication::applicationVersion()), mbInformation);
     });
-    const auto view = [this] {
-        if (ui->mnuViewFax->isEnabled())
-            RunCommand("mnuViewFax");
-    };
+}
+
+/// The styles of the tool bar stand in the view menu, and in the tool bar's own.
+void frmMain::SetUpToolBar()
+{
+    auto *styles = new QActionGroup(this);
+    const QMap<QString, Qt::ToolButtonStyle> styleOf{{"mnuToolBarIcons", Qt::ToolButtonIconOnly},
+                                                     {"mnuToolBarTextUnder", Qt::ToolButtonTextUnderIcon},
+                                                     {"mnuToolBarTextBeside", Qt::ToolButtonTextBesideIcon}};
+    for (auto it = styleOf.begin(); it != styleOf.end(); ++it) {
+        auto *action = findChild<QAction *>(it.key());
+        styles->addAction(action);
+        const Qt::ToolButtonStyle style = it.value();
+        SetCommand(it.key(), [this, style] { ui->tbClient->setToolButtonStyle(style); });
+        connect(ui->tbClient, &QToolBar::toolButtonStyleChanged, action,
+                [action, style](Qt::ToolButtonStyle shown) { action->setChecked(shown == style); });
+        action->setChecked(ui->tbClient->toolButtonStyle() == style);
+    }
+    ui->tbClient->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(ui->tbClient, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint &place) { ui->mnuToolBar->popup(ui->tbClient->mapToGlobal(place)); });
+}
+
+void frmMain::ConnectPanes()
+{
+    connect(&mailbox, &ShownMailbox::CommandsChanged, this, &frmMain::SetGridCommands);
+    connect(&mailbox, &ShownMailbox::FaxFileMissing, this, [this] {
+        commands->Apply({{"mnuInterResend", false}, {"tbResend", false}});
+    });
+    connect(&mailbox, &ShownMailbox::StatusChanged, this,
+            [this] { panels->SetTotals(mailbox.StatusText()); });
+    const auto view = [this] { commands->Trigger("mnuViewFax"); };
     connect(listPane, &ListPane::ViewRequested, this, view);
-    connect(listPane, &ListPane::MenuRequested, this,
-            [this](const QPoint &place) { findChild<QMenu *>("GridRightMenu")->popup(place); });
     connect(picPreview, &PreviewPane::ViewRequested, this, view);
+    connect(listPane, &ListPane::MenuRequested, this,
+            [this](const QPoint &place) { commands->GridMenu().popup(place); });
 }
 
 void frmMain::SetCommand(const QString &name, std::function<void()> run)
 {
-    commands.insert(name, std::move(run));
-    if (IsFreeCommand(name))
-        wanted.insert(name, true);
-    Apply(wanted);
-}
-
-void frmMain::RunCommand(const QString &name)
-{
-    const auto run = commands.value(name);
-    if (run)
-        RunGuarded(name, run);
+    commands->SetCommand(name, std::move(run));
 }
 
 /// Commands begin at an event: what they raise ends here.
@@ -245,22 +155,9 @@ void frmMain::RunGuarded(const QString &routine, const std::function<void()> &ru
     }
 }
 
-void frmMain::Apply(const CommandStates::States &states)
-{
-    for (auto it = states.begin(); it != states.end(); ++it)
-        wanted.insert(it.key(), it.value());
-    for (QAction *action : findChildren<QAction *>()) {
-        const QString name = action->objectName();
-        const QString command = CommandStates::GetMenuOfTool(name);
-        const QString menuItem = command.isEmpty() ? name : command;
-        if (wanted.contains(menuItem))
-            action->setEnabled(wanted.value(menuItem) && commands.contains(menuItem));
-    }
-}
-
 void frmMain::SetCommMenu(bool enabled)
 {
-    Apply(CommandStates::SetCommMenu(enabled, mailbox.SelectedFolder()));
+    commands->Apply(CommandStates::SetCommMenu(enabled, mailbox.SelectedFolder()));
 }
 
 CommandStates::GridInput frmMain::ReadGridInput() const
@@ -281,7 +178,7 @@ CommandStates::GridInput frmMain::ReadGridInput() const
 
 void frmMain::SetGridCommands()
 {
-    Apply(CommandStates::SetGridCommands(ReadGridInput()));
+    commands->Apply(CommandStates::SetGridCommands(ReadGridInput()));
 }
 
 void frmMain::GoToNextPane()
@@ -299,12 +196,27 @@ void frmMain::GoToNextPane()
     }
 }
 
+/// The borders get the arrow keys in turn.
+void frmMain::MoveNextBorder()
+{
+    const QList<PaneSplitter *> borders{ui->picVSource, ui->picHSource_2, ui->picSource};
+    int current = -1;
+    for (int i = 0; i < borders.size(); ++i) {
+        if (borders.at(i)->handle(1)->hasFocus())
+            current = i;
+    }
+    for (int step = 1; step <= borders.size(); ++step) {
+        if (borders.at((current + step) % static_cast<int>(borders.size()))->TakeKeyboard())
+            return;
+    }
+}
+
 // The window
 
 void frmMain::Load()
 {
     LoadControlPostion();
-    mailbox.LoadFaxFolderTree();
+    RunGuarded("frmMain Load", [this] { mailbox.LoadFaxFolderTree(); });
     show();
 }
 
@@ -315,6 +227,18 @@ void frmMain::LoadControlPostion()
     ui->mnuViewAddressBook->setChecked(!tvAddressbook->isHidden());
     ui->mnuPreview->setChecked(!picPreview->isHidden());
     ui->mnuHistory->setChecked(!frmeHistory->isHidden());
+}
+
+/// Closes for good, from the tray too.
+void frmMain::Unload()
+{
+    bUnloading = true;
+    close();
+}
+
+bool frmMain::MayHideInTray() const
+{
+    return Global().CloseToTray && hasTrayIcon && hasTrayIcon();
 }
 
 /// A layout that cannot be stored keeps nobody from closing: the next start shows the last one.
@@ -328,6 +252,11 @@ void frmMain::closeEvent(QCloseEvent *event)
 {
     if (bClosing) {
         event->ignore();
+        return;
+    }
+    if (!bUnloading && MayHideInTray()) {
+        event->ignore();
+        hide();
         return;
     }
     const QScopedValueRollback<bool> isClosing(bClosing, true);
@@ -361,13 +290,12 @@ void frmMain::Raise()
 
 void frmMain::SetServerPanel(const QString &text)
 {
-    labServer->setText(text);
+    panels->SetServer(text);
 }
 
 void frmMain::SetTotalPercent(int percent)
 {
-    pbTotal->setVisible(percent >= 0);
-    pbTotal->setValue(qBound(0, percent, 100));
+    panels->SetTotalPercent(percent);
 }
 
 void frmMain::SetBusyPointer(bool busy)
@@ -394,5 +322,8 @@ void frmMain::changeEvent(QEvent *event)
 {
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::ActivationChange && isActiveWindow())
-        ShowToday();
+        panels->ShowToday();
+    // Queued: a window does not hide well while it is still being minimised.
+    if (event->type() == QEvent::WindowStateChange && isMinimized() && MayHideInTray())
+        QTimer::singleShot(0, this, &QWidget::hide);
 }

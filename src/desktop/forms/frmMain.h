@@ -4,23 +4,22 @@
 #include "desktop/MainWindow.h"
 
 #include <QMainWindow>
-#include <QMap>
+#include <QPointer>
 #include <QString>
 
 #include <functional>
 #include <memory>
 
 class AddressPane;
+class CommandActions;
 class DateBar;
 class FolderPane;
 class ListPane;
 class Message;
 class PaneLayout;
 class PreviewPane;
-class QAction;
-class QLabel;
-class QProgressBar;
 class ShownMailbox;
+class StatusPanels;
 
 namespace Ui {
 class frmMain;
@@ -51,6 +50,8 @@ public:
     void SetSessionState(std::function<SessionState()> provider) { sessionState = std::move(provider); }
     /// Runs once, after the window has first been shown.
     void SetFirstActivation(std::function<void()> run) { firstActivation = std::move(run); }
+    /// Tells whether a tray icon can bring the window back: only then it may hide.
+    void SetTrayState(std::function<bool()> provider) { hasTrayIcon = std::move(provider); }
     /// Runs as the window closes, after the layout was stored: the place to log off.
     void SetClosing(std::function<void()> run) { closing = std::move(run); }
 
@@ -63,7 +64,7 @@ public:
     bool IsActive() const override { return isActiveWindow(); }
     void SetEnabled(bool enabled) override;
     void Raise() override;
-    void Unload() override { close(); }
+    void Unload() override;
     void SetCommMenu(bool enabled) override;
     void SetGridCommands() override;
     void SetServerPanel(const QString &text) override;
@@ -77,21 +78,19 @@ protected:
 
 private:
     void PlacePanes();
-    void SetUpActions();
+    void SetUpCommands();
     void SetUpOwnCommands();
-    void SetUpStatusBar();
-    void ShowToday();
-    void ShowStatus();
+    void SetUpToolBar();
+    void ConnectPanes();
     void GoToNextPane();
-    void MakeGridMenu();
+    void MoveNextBorder();
 
-    void RunCommand(const QString &name);
     void RunGuarded(const QString &routine, const std::function<void()> &run);
-    void Apply(const CommandStates::States &states);
     CommandStates::GridInput ReadGridInput() const;
 
     void LoadControlPostion();
     void StoreLayout();
+    bool MayHideInTray() const;
 
     ShownMailbox &mailbox;
     Message &message;
@@ -101,17 +100,15 @@ private:
     DateBar *frmeHistory;
     ListPane *listPane;
     PreviewPane *picPreview;
-    QLabel *labToday;
-    QLabel *labTotals;
-    QLabel *labServer;
-    QProgressBar *pbTotal;
-    QMap<QString, std::function<void()>> commands;
-    CommandStates::States wanted; ///< states as they would be if every command had its routine
+    StatusPanels *panels;
+    std::unique_ptr<CommandActions> commands;
     std::unique_ptr<PaneLayout> paneLayout;
     std::function<SessionState()> sessionState;
     std::function<void()> firstActivation;
     std::function<void()> closing;
-    QWidget *focusBefore = nullptr; ///< what had the focus as the window was disabled
+    std::function<bool()> hasTrayIcon;
+    QPointer<QWidget> focusBefore; ///< what had the focus as the window was disabled
     bool bShownOnce = false;
+    bool bUnloading = false; ///< the program ends: no hiding in the tray
     bool bClosing = false;
 };

@@ -7,6 +7,7 @@
 #include "desktop/Forms.h"
 #include "server/forms/frmSetUserPwd.h"
 
+#include <QCoreApplication>
 #include <QScopeGuard>
 
 MainStage::MainStage(Ports &ports, Forms &forms, std::function<void()> ended)
@@ -15,6 +16,7 @@ MainStage::MainStage(Ports &ports, Forms &forms, std::function<void()> ended)
     , mailbox(ports.message, ports.clock)
     , window(mailbox, ports.message)
     , faxViewer(mailbox, ports, [&forms](const QString &id) { forms.EditDraft(id); })
+    , help(ports, QCoreApplication::applicationVersion())
     , outsideFile(ports.blocks, ports.instance)
     , server(ports, window, mailbox, forms, [this, &forms] { return outsideFile.Take(forms.Count()); })
     , progressWindow(server.progress, &window)
@@ -24,6 +26,7 @@ MainStage::MainStage(Ports &ports, Forms &forms, std::function<void()> ended)
         return frmMain::SessionState{server.session.bIsSocketBusy, server.session.bOnline};
     });
     window.SetFirstActivation([this] { server.runs.ActivateFirst(); });
+    window.SetTrayState([this] { return server.notifier.HasTrayIcon(); });
     window.SetClosing([this] { LogOff(); });
     ConnectCommands();
     ConnectReading();
@@ -55,6 +58,9 @@ void MainStage::ConnectCommands()
     window.SetCommand("mnuLogoutServer", [this] { server.runs.mnuLogoutServer(); });
     window.SetCommand("mnuViewFax", [this] { faxViewer.mnuViewFax(); });
     window.SetCommand("mnuSetPwd", [this] { SetPassword(); });
+    window.SetCommand("mnuShowHelp", [this] { help.mnuShowHelp(); });
+    window.SetCommand("mnuHelp_Website", [this] { help.mnuHelp_Website(); });
+    window.SetCommand("mnuSupport", [this] { help.mnuSupport(); });
 }
 
 void MainStage::Show()

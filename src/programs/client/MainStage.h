@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/OutsideFile.h"
+#include "desktop/HelpCommands.h"
 #include "desktop/forms/frmMain.h"
 #include "mailbox/FaxViewer.h"
 #include "mailbox/ShownMailbox.h"
@@ -25,7 +26,7 @@ public:
     /// Loads the folders and shows the window.
     void Show();
     bool IsLoaded() const { return bLoaded; }
-    void Close() { window.close(); }
+    void Close() { window.Unload(); }
 
 private:
     void ConnectCommands();
@@ -38,6 +39,7 @@ private:
     ShownMailbox mailbox;
     frmMain window;
     FaxViewer faxViewer;
+    HelpCommands help;
     OutsideFile outsideFile;
     ServerParts server;
     frmProcess progressWindow;
