@@ -52,8 +52,8 @@ bool MarkReceivedFaxRead(const QString &id)
 
 bool QueueReceipts(const QStringList &ids)
 {
-    bool needQueue = false;
     try {
+        bool needQueue = false;
         QStringList found;
         const auto row = Global().objDB->SelectEx(
             "Select Fax_ID,IsSendedReceipt FROM ReceiveFax WHERE Fax_ID in (" + QuoteIds(ids) + ")");
@@ -64,12 +64,14 @@ bool QueueReceipts(const QStringList &ids)
                 found.append(row->Text(0));
         }
         row->Close();
+        TransactionScope transaction(*Global().objDB);
         for (const QString &id : found)
             QueueReceipt(id);
+        transaction.Commit();
     } catch (const RaisedError &) {
         return false;
     }
-    return needQueue;
+    return true;
 }
 
 ReadMarks::ReadMarks(ShownMailbox &shownMailbox, Message &messageBox)

@@ -30,7 +30,7 @@ public:
     void OnMarkFaxTick();
 
 signals:
-    /// There is something to tell the server.
+    /// There may be something to tell the server.
     void ReceiptsQueued();
 
 private:
@@ -47,6 +47,6 @@ private:
 /// unknown. Raises the errors of the database.
 bool MarkReceivedFaxRead(const QString &id);
 
-/// Queues the receipts of received faxes that wait for one. True when there is a new one. An error leaves the
-/// rest unqueued: a receipt is no reason to disturb a reader.
+/// Queues the receipts of received faxes that wait for one. False when an error has left them unqueued: a
+/// receipt is no reason to disturb a reader.
 bool QueueReceipts(const QStringList &ids);

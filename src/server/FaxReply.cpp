@@ -19,15 +19,21 @@ QStringList FaxReply::Fields(const QByteArray &data)
     return lines.size() > 1 ? lines[1].split(QChar(0)) : QStringList();
 }
 
-QString FaxReply::QuotedIds(const QString &list, int marker)
+QStringList FaxReply::Ids(const QString &list, int marker)
 {
-    QStringList quoted;
+    QStringList ids;
     for (const QString &element : EscapeText(list).split(';')) {
         const QString id = element.mid(marker);
         if (!id.isEmpty())
-            quoted.append('\'' + id + '\'');
+            ids.append(id);
     }
-    return quoted.join(',');
+    return ids;
+}
+
+QString FaxReply::QuotedIds(const QString &list, int marker)
+{
+    const QStringList ids = Ids(list, marker);
+    return ids.isEmpty() ? QString() : '\'' + ids.join("','") + '\'';
 }
 
 QString FaxReply::SentFolder(int kind)

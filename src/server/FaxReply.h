@@ -30,7 +30,9 @@ constexpr int lLeastFields = 12;
 /// Fields of line 1; an empty list when there is no such line.
 QStringList Fields(const QByteArray &data);
 
-/// "'id1','id2'" of a list of ids, escaped; `marker` characters of each are left out. Empty for no ids.
+/// The ids of a list, escaped; `marker` characters of each are left out.
+QStringList Ids(const QString &list, int marker);
+/// The same as "'id1','id2'"; empty for no ids.
 QString QuotedIds(const QString &list, int marker);
 
 /// Folder of a sent fax with that status.

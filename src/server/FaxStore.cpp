@@ -4,26 +4,37 @@
 #include "core/Utilities.h"
 #include "server/FaxReply.h"
 
+#include <QHash>
+
+#include <functional>
+
 namespace {
+/// The names in the order of the ids, which is that of the fax's receipts; a query keeps no order. Rows hold
+/// two names and the id; ids without a row are left out.
+QString NamesOf(const QStringList &ids, const QString &sql,
+                const std::function<QString(const QString &, const QString &)> &show)
+{
+    QHash<QString, QString> names;
+    const auto rows = Global().objDB->SelectEx(sql);
+    while (rows->Next())
+        names.insert(rows->Text(2), show(rows->Text(0), rows->Text(1)));
+    QString list;
+    for (const QString &id : ids)
+        list += names.value(id);
+    return list;
+}
+
 /// "Name(Fax);" of each contact, with the number in the place of an empty name.
 QString ContactNames(const QString &list)
 {
     const QString ids = FaxReply::QuotedIds(list, 0);
     if (ids.isEmpty())
         return {};
-    QString names;
-    const auto rows =
-        Global().objDB->SelectEx(QStringLiteral("Select Name,Fax From Contacts Where Id in(%1)").arg(ids));
-    while (rows->Next()) {
-        const QString name = rows->Text(0).isEmpty() ? rows->Text(1) : rows->Text(0);
-        names += name + '(' + rows->Text(1) + ");";
-    }
-    return names;
-}
-
-QString UserName(const clsStatement &row)
-{
-    return row.Text(0).isEmpty() ? row.Text(1) : row.Text(0);
+    return NamesOf(FaxReply::Ids(list, 0),
+                   QStringLiteral("Select Name,Fax,ID From Contacts Where Id in(%1)").arg(ids),
+                   [](const QString &name, const QString &number) {
+                       return (name.isEmpty() ? number : name) + '(' + number + ");";
+                   });
 }
 
 /// "UserName[LoginName];" of each user of the server.
@@ -32,12 +43,11 @@ QString UserNames(const QString &list)
     const QString ids = FaxReply::QuotedIds(list, 1);
     if (ids.isEmpty())
         return {};
-    QString names;
-    const auto rows = Global().objDB->SelectEx(
-        QStringLiteral("Select UserName,LoginName From UserList Where Id in(%1)").arg(ids));
-    while (rows->Next())
-        names += UserName(*rows) + '[' + rows->Text(1) + "];";
-    return names;
+    return NamesOf(FaxReply::Ids(list, 1),
+                   QStringLiteral("Select UserName,LoginName,ID From UserList Where Id in(%1)").arg(ids),
+                   [](const QString &name, const QString &login) {
+                       return (name.isEmpty() ? login : name) + '[' + login + "];";
+                   });
 }
 
 QString ResenderName(const QString &id)

@@ -33,7 +33,7 @@ void AddOptions(QCommandLineParser &parser)
         {"script", "Replaces single replies as the file says.", "file"},
         {"max-users", "How many users may be logged in; 0 for no limit.", "number", "0"},
         {"line-seconds", "How long the simulated line takes for a fax.", "number", "3"},
-        {"deliver", "Puts the fax files into the user's mailbox and ends.", "user"},
+        {"deliver", "Puts the fax files into the mailboxes of the users and ends.", "user,user"},
         {"copies", "How many times to deliver each file.", "number", "1"},
         {"add-user", "Adds an account, or replaces its password, and ends.", "name"},
         {"lock", "Locks the account that is added."},

@@ -18,7 +18,7 @@ struct CommandLine
     ServerSettings settings;
     QString strDataFolder;
     bool bSeedDemo = false;
-    QString strLogin;    ///< of the account to add or to deliver to
+    QString strLogin;    ///< of the account to add, or of those to deliver to, with "," between
     QString strPassword; ///< of the account to add
     bool bLock = false;
     QStringList aFiles; ///< to deliver

@@ -5,11 +5,11 @@
 
 class Store;
 
-/// Puts fax files into a user's mailbox.
+/// Puts fax files into mailboxes.
 namespace Delivery {
 
-/// `copies` faxes of each file, each with an id of its own. Raises `ServerError` for an unknown user or
-/// a file that is no TIFF; then nothing is delivered.
-void Deliver(Store &store, const QString &login, const QStringList &files, int copies);
+/// `copies` faxes of each file, each with an id of its own, and each distributed to all of the users. Raises
+/// `ServerError` for an unknown user or a file that is no TIFF; then nothing is delivered.
+void Deliver(Store &store, const QStringList &logins, const QStringList &files, int copies);
 
 } // namespace Delivery

@@ -204,6 +204,7 @@ void Office::AddIncoming()
         const bool isForBoth =
             document.strName == "contract" || document.strName == "pricelist" || document.strName == "order";
         if (isForBoth) {
+            fax.strDistribution = Accounts::NewID();
             fax.strUsers += strBen + ';';
             const QString read = document.Time().addSecs(5400).toString(strTimeForm);
             fax.strReceipts = document.strName == "pricelist" ? ",0;" + read + ",1;" : ",0;,0;";

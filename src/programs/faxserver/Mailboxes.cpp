@@ -9,7 +9,7 @@ namespace {
 
 const QByteArray abColumns =
     "ID, Owner, Kind, IsWaiting, File, Size, Sender, Title, Pages, Level, Remark, FaxTime, Contacts, Users, "
-    "Typed, Resender, Receipts, EndTime, DueTime";
+    "Typed, Resender, Receipts, EndTime, DueTime, Distribution";
 
 Fax FaxOf(const Statement &row)
 {
@@ -33,6 +33,7 @@ Fax FaxOf(const Statement &row)
     fax.strReceipts = row.Text(16);
     fax.strEndTime = row.Text(17);
     fax.strDueTime = row.Text(18);
+    fax.strDistribution = row.Text(19);
     return fax;
 }
 
@@ -48,8 +49,17 @@ Mailboxes::Mailboxes(Database &database, const QString &filesFolder)
         "CREATE TABLE IF NOT EXISTS Fax (ID TEXT PRIMARY KEY, Owner TEXT, Kind INTEGER, IsWaiting INTEGER, "
         "File TEXT, Size INTEGER, Sender TEXT, Title TEXT, Pages INTEGER, Level INTEGER, Remark TEXT, "
         "FaxTime TEXT, Contacts TEXT, Users TEXT, Typed TEXT, Resender TEXT, Receipts TEXT, EndTime TEXT, "
-        "DueTime TEXT)");
+        "DueTime TEXT, Distribution TEXT)");
+    AddDistribution();
     objDatabase.Run("CREATE INDEX IF NOT EXISTS FaxByOwner ON Fax (Owner, IsWaiting)");
+}
+
+/// A data folder of an earlier version has no such column.
+void Mailboxes::AddDistribution()
+{
+    if (!objDatabase.Query("SELECT 1 FROM pragma_table_info('Fax') WHERE name = 'Distribution'").Next())
+        objDatabase.Run("ALTER TABLE Fax ADD COLUMN Distribution TEXT");
+    objDatabase.Run("CREATE INDEX IF NOT EXISTS FaxByDistribution ON Fax (Distribution)");
 }
 
 QString Mailboxes::PathOf(const QString &file) const
@@ -60,11 +70,12 @@ QString Mailboxes::PathOf(const QString &file) const
 void Mailboxes::Insert(const Fax &fax)
 {
     static const QByteArray sql = "INSERT INTO Fax (" + abColumns +
-                                  ") VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
-    objDatabase.Run(sql.constData(), {fax.strID, fax.strOwner, fax.lKind, int(fax.bWaiting), fax.strFile,
-                                      fax.lSize, fax.strSender, fax.strTitle, fax.lPages, fax.lLevel,
-                                      fax.strRemark, fax.strTime, fax.strContacts, fax.strUsers, fax.strTyped,
-                                      fax.strResender, fax.strReceipts, fax.strEndTime, fax.strDueTime});
+                                  ") VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
+    objDatabase.Run(sql.constData(), {fax.strID,       fax.strOwner,   fax.lKind,      int(fax.bWaiting),
+                                      fax.strFile,     fax.lSize,      fax.strSender,  fax.strTitle,
+                                      fax.lPages,      fax.lLevel,     fax.strRemark,  fax.strTime,
+                                      fax.strContacts, fax.strUsers,   fax.strTyped,   fax.strResender,
+                                      fax.strReceipts, fax.strEndTime, fax.strDueTime, fax.strDistribution});
 }
 
 QList<Fax> Mailboxes::Select(const QByteArray &condition, const QVariantList &values) const
@@ -109,13 +120,14 @@ void Mailboxes::MarkRead(const QString &owner, const QString &id, const QString 
     const std::optional<Fax> fax = Find(owner, id);
     if (!fax)
         return;
+    const qsizetype user = fax->strUsers.split(';', Qt::SkipEmptyParts).indexOf(owner);
+    const qsizetype place = fax->strContacts.count(';') + user; // the contacts stand in front of the users
     QStringList entries = fax->strReceipts.split(';');
-    const qsizetype place =
-        fax->strContacts.count(';') + fax->strUsers.split(';', Qt::SkipEmptyParts).indexOf(owner);
-    if (!fax->strUsers.contains(owner) || place >= entries.size() || !entries[place].endsWith(",0"))
+    if (user < 0 || place >= entries.size() || !entries[place].endsWith(",0"))
         return;
     entries[place] = time + ",1";
-    objDatabase.Run("UPDATE Fax SET Receipts = ? WHERE ID = ?", {entries.join(';'), id});
+    objDatabase.Run("UPDATE Fax SET Receipts = ? WHERE ID = ? OR (Distribution = ? AND Distribution <> '')",
+                    {entries.join(';'), id, fax->strDistribution});
 }
 
 void Mailboxes::SettleLine(const QString &now)

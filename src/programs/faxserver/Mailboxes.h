@@ -41,6 +41,9 @@ struct Fax
     QString strReceipts; ///< per recipient a read time, a comma and 1 or 0
     QString strEndTime;  ///< when sending ended
     QString strDueTime;  ///< when the simulated line will have sent it
+    /// The same for all copies of a received fax that several accounts have got: who reads his copy shows in
+    /// the receipts of all. Empty for the only one.
+    QString strDistribution;
 };
 
 struct HistoryRange
@@ -68,7 +71,8 @@ public:
     QList<Fax> History(const QString &owner, const HistoryRange &range) const;
     /// Nothing of these waits any more.
     void Acknowledge(const QString &owner, const QStringList &ids);
-    /// Turns the receipt entry of the owner into "read at this time", if there is one.
+    /// Turns the receipt entry of the owner into "read at this time", in all copies of the fax, if there is
+    /// one that is still unread.
     void MarkRead(const QString &owner, const QString &id, const QString &time);
 
     /// Sends what the simulated line has finished with by now.
@@ -78,6 +82,7 @@ public:
     bool Resend(const QString &owner, const QString &id, const QString &due);
 
 private:
+    void AddDistribution();
     QList<Fax> Select(const QByteArray &condition, const QVariantList &values) const;
 
     Database &objDatabase;

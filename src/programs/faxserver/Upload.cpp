@@ -102,6 +102,7 @@ void Upload::DeliverInside(const Fax &fax)
         copy.strOwner = account.strID;
         copy.lKind = kindReceived;
         copy.bWaiting = true;
+        copy.strDistribution = fax.strID;
         copy.strReceipts = QString(",0;").repeated(recipients);
         objStore.mailboxes.Insert(copy);
     }

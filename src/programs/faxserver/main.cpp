@@ -42,7 +42,7 @@ int Run(const CommandLine &line)
         AddUser(store, line);
         return 0;
     case CommandLine::taskDeliver:
-        Delivery::Deliver(store, line.strLogin, line.aFiles, line.lCopies);
+        Delivery::Deliver(store, line.strLogin.split(','), line.aFiles, line.lCopies);
         return 0;
     case CommandLine::taskServe:
         break;
