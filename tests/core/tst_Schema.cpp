@@ -4,10 +4,10 @@
 #include "fakes/FakePorts.h"
 #include "fixtures/OldDatabases.h"
 #include "fixtures/Profile.h"
+#include "fixtures/TestTable.h"
 
 #include <QDir>
 #include <QFile>
-#include <QTest>
 
 #include <csignal>
 
@@ -92,11 +92,7 @@ private slots:
 
     void unsuitableVersionIsRefused_data()
     {
-        QTest::addColumn<QString>("schema");
-        QTest::addColumn<QString>("change");
-        QTest::addColumn<QString>("text");
-        const auto row = [](const char *tag, const QString &schema, const QString &change,
-                            const QString &text) { QTest::newRow(tag) << schema << change << text; };
+        const TestTable<QString, QString, QString> row{"schema", "change", "text"};
         const QString setVersion = "Update DatabaseVersion Set Version='%1'";
         const QString invalid = "Invalid or incompatible user profile.";
         const QString noVersion = "Invalid or incompatible user profile(Can not get Version).";
@@ -119,9 +115,9 @@ private slots:
 
     void upgradeKeepsRowsAndBackup_data()
     {
-        QTest::addColumn<QString>("success");
-        QTest::newRow("1.0") << "Upgrade database version 1.0 to 2.8 succefully!";
-        QTest::newRow("2.5") << "Upgrade 2.5 to 2.8 succefully!";
+        const TestTable<QString> row{"success"};
+        row("1.0", "Upgrade database version 1.0 to 2.8 succefully!");
+        row("2.5", "Upgrade 2.5 to 2.8 succefully!");
     }
 
     void upgradeKeepsRowsAndBackup()
@@ -152,16 +148,11 @@ private slots:
 
     void stoppedUpgradeLeavesTheOldFile_data()
     {
-        QTest::addColumn<QString>("version");
-        QTest::addColumn<QString>("obstacle");
-        QTest::addColumn<long>("answer");
-        const QString none;
-        QTest::newRow("step from 1.0") << "1.0"
-                                       << "Create Table ReceiptQueue(Fax_ID TEXT)" << long(mbAnswerYes);
-        QTest::newRow("step from 2.5") << "2.5"
-                                       << "Alter Table SendFax Add sSndReserve3" << long(mbAnswerYes);
-        QTest::newRow("no room for the backup") << "2.5" << none << long(mbAnswerYes);
-        QTest::newRow("box not shown") << "2.5" << none << long(mbAnswerOK);
+        const TestTable<QString, QString, long> row{"version", "obstacle", "answer"};
+        row("step from 1.0", "1.0", "Create Table ReceiptQueue(Fax_ID TEXT)", mbAnswerYes);
+        row("step from 2.5", "2.5", "Alter Table SendFax Add sSndReserve3", mbAnswerYes);
+        row("no room for the backup", "2.5", {}, mbAnswerYes);
+        row("box not shown", "2.5", {}, mbAnswerOK);
     }
 
     void stoppedUpgradeLeavesTheOldFile()

@@ -1,7 +1,6 @@
 #include "core/SettingsFile.h"
 #include "fixtures/Profile.h"
-
-#include <QTest>
+#include "fixtures/TestTable.h"
 
 class tst_SettingsFile final : public QObject
 {
@@ -16,11 +15,7 @@ private slots:
 
     void readsAsTheProfileRoutinesDo_data()
     {
-        QTest::addColumn<QByteArray>("section");
-        QTest::addColumn<QString>("value");
-        const auto row = [](const char *tag, const QByteArray &section, const QString &value) {
-            QTest::newRow(tag) << section << value;
-        };
+        const TestTable<QByteArray, QString> row{"section", "value"};
         row("case and blanks", " \t sErVeR =  a b \t\r\n", "a b");
         row("first key wins", "Server=1\nServer=2\n[General]\nServer=3", "1");
         row("key in the second of two sections", "Other=1\n[General]\nServer=2\n", "2");
@@ -42,11 +37,7 @@ private slots:
 
     void writeChangesOneLineOnly_data()
     {
-        QTest::addColumn<QByteArray>("before");
-        QTest::addColumn<QByteArray>("after");
-        const auto row = [](const char *tag, const QByteArray &before, const QByteArray &after) {
-            QTest::newRow(tag) << before << after;
-        };
+        const TestTable<QByteArray, QByteArray> row{"before", "after"};
         row("no file contents", "", "[General]\nServer=new\n");
         row("replaces in place", "; top\n[A]\nServer=1\n\n[general]\nB=2\n server = old\n;c\nC=3\n",
             "; top\n[A]\nServer=1\n\n[general]\nB=2\nServer=new\n;c\nC=3\n");

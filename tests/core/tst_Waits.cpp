@@ -3,9 +3,29 @@
 #include "core/Utilities.h"
 #include "core/clsWaitableTimer.h"
 #include "fakes/FakePorts.h"
+#include "fixtures/TestTable.h"
 
 #include <QTemporaryDir>
-#include <QTest>
+
+#include <functional>
+#include <stdexcept>
+
+namespace {
+/// Runs events while a box stands, as a real one does.
+class BusyPrompts final : public Prompts
+{
+public:
+    long Show(const QString &text, long flags, const QString &title) override
+    {
+        aShown.append(QString("%1|%2|%3").arg(text, QString::number(flags), title));
+        if (whileOpen)
+            whileOpen();
+        return mbAnswerYes;
+    }
+    QStringList aShown;
+    std::function<void()> whileOpen;
+};
+} // namespace
 
 class tst_Waits final : public QObject
 {
@@ -17,6 +37,22 @@ private slots:
         folder = std::make_unique<QTemporaryDir>();
         fakes = std::make_unique<FakePorts>();
         fakes->folders.strRoot = folder->path();
+    }
+
+    void secondBoxIsNotShownWhileOneStands()
+    {
+        BusyPrompts prompts;
+        Message message(prompts);
+        long second = 0;
+        prompts.whileOpen = [&] { second = message.ShowMessage("Second", mbYesNo); };
+        QCOMPARE(message.ShowMessage("First"), long(mbAnswerYes));
+        QCOMPARE(second, long(mbAnswerOK));
+        prompts.whileOpen = [] { throw std::runtime_error("no display"); };
+        QVERIFY_THROWS_EXCEPTION(std::runtime_error, message.ShowMessage("Third"));
+        prompts.whileOpen = nullptr;
+        QCOMPARE(message.ShowMessage("Really?", mbYesNo + mbQuestion, "Delete"), long(mbAnswerYes));
+        QCOMPARE(prompts.aShown,
+                 (QStringList{"First|0|Velmar Client", "Third|0|Velmar Client", "Really?|36|Delete"}));
     }
 
     void timerRunsEventsUntilItsTimeOrItsCancel()
@@ -46,12 +82,10 @@ private slots:
 
     void printerIsWaitedForUntilItIsDone_data()
     {
-        QTest::addColumn<QString>("end");
-        QTest::addColumn<bool>("result");
-        QTest::addColumn<int>("time");
-        QTest::newRow("done") << "2" << true << 4000;
-        QTest::newRow("failed") << "3" << false << 4000;
-        QTest::newRow("given up") << "1" << false << 10000;
+        const TestTable<QString, bool, int> row{"end", "result", "time"};
+        row("done", "2", true, 4000);
+        row("failed", "3", false, 4000);
+        row("given up", "1", false, 10000);
     }
 
     void printerIsWaitedForUntilItIsDone()
