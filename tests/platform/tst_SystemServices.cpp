@@ -1,13 +1,16 @@
 #include "fakes/FakePorts.h"
 #include "fixtures/Profile.h"
+#include "fixtures/TestTable.h"
+#include "platform/CanberraSound.h"
 #include "platform/DesktopShell.h"
+#include "platform/SystemFolders.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
-#include <QTest>
 
-/// The programs that are started are small scripts that write down their folder and arguments.
-class tst_DesktopShell : public QObject
+/// Folders, sound, and the programs that are started: small scripts that write down folder and arguments.
+class tst_SystemServices : public QObject
 {
     Q_OBJECT
 
@@ -25,20 +28,16 @@ private slots:
 
     void argumentsAreNeverReadByAShell_data()
     {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<QStringList>("parameters");
-        QTest::addColumn<QStringList>("started");
+        const TestTable<QString, QStringList, QStringList> row{"file", "parameters", "started"};
         const QString companion = root.filePath("program/Companion.exe"), hard = root.filePath(hardName);
         const QString opener = root.filePath("path/xdg-open"),
                       mail = "mailto:a@example.com?body=Version%201.0";
-        QTest::newRow("viewer") << companion << QStringList{"/Brenmot", hard}
-                                << QStringList{"Companion.exe", "/Brenmot", hard};
-        QTest::newRow("several") << companion << QStringList{"one", "two words", "", "\"three\""}
-                                 << QStringList{"Companion.exe", "one", "two words", "", "\"three\""};
-        QTest::newRow("document") << hard << QStringList() << QStringList{"xdg-open", hard};
-        QTest::newRow("foreign program, not run")
-            << opener << QStringList() << QStringList{"xdg-open", opener};
-        QTest::newRow("address") << mail << QStringList() << QStringList{"xdg-open", mail};
+        row("viewer", companion, {"/Brenmot", hard}, {"Companion.exe", "/Brenmot", hard});
+        row("several", companion, {"one", "two words", "", "\"three\""},
+            {"Companion.exe", "one", "two words", "", "\"three\""});
+        row("document", hard, {}, {"xdg-open", hard});
+        row("foreign program, not run", opener, {}, {"xdg-open", opener});
+        row("address", mail, {}, {"xdg-open", mail});
     }
 
     void argumentsAreNeverReadByAShell()
@@ -64,6 +63,30 @@ private slots:
         QVERIFY(Open(root.filePath(hardName)) < 33);
     }
 
+    void foldersFollowTheEnvironment()
+    {
+        qputenv("XDG_DATA_HOME", "/srv/data/");
+        qputenv("XDG_CONFIG_HOME", "/srv/config");
+        qunsetenv("VELMAR_DATA_HOME");
+        QCOMPARE(SystemFolders().CommonAppData(), "/srv/data");
+        QCOMPARE(SystemFolders().UserAppData(), "/srv/config");
+        qputenv("VELMAR_DATA_HOME", "/srv/velmar//common/");
+        QCOMPARE(SystemFolders().CommonAppData(), "/srv/velmar/common");
+    }
+
+    void soundWithoutDeviceNeitherBlocksNorFails()
+    {
+        const QString noise = root.filePath("noise.wav");
+        QVERIFY(WriteTestFile(noise, "no sound at all"));
+        QElapsedTimer passed;
+        passed.start();
+        CanberraSound sound;
+        sound.Play(root.filePath("missing.wav"));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("noise.wav was not played"));
+        sound.Play(noise);
+        QVERIFY2(passed.elapsed() < 5000, qPrintable(QString::number(passed.elapsed())));
+    }
+
 private:
     void WriteProgram(const QString &name, const QByteArray &text)
     {
@@ -86,5 +109,5 @@ private:
     FakeFolders folders;
 };
 
-QTEST_GUILESS_MAIN(tst_DesktopShell)
-#include "tst_DesktopShell.moc"
+QTEST_GUILESS_MAIN(tst_SystemServices)
+#include "tst_SystemServices.moc"
