@@ -21,40 +21,16 @@ ClientUnderTest::~ClientUnderTest()
 
 bool ClientUnderTest::LogIn(const LoginChoice &choice)
 {
-    return RunLogin([&](Login &login) {
-        login.SetServer(choice.strServer);
-        login.SetAccount(choice.strAccount);
-        login.SetPassword(choice.strPassword);
-        login.SetRememberPwd(choice.bRememberPwd);
-        login.SetAutoLogin(choice.bAutoLogin);
-        login.ClickLogin();
-    });
-}
-
-bool ClientUnderTest::WorkOffline(const LoginChoice &choice)
-{
-    return RunLogin([&](Login &login) {
-        login.SetAccount(choice.strAccount);
-        login.SetPassword(choice.strPassword);
-        login.ClickBrowse();
-    });
-}
-
-bool ClientUnderTest::StartLogin()
-{
-    return RunLogin([](Login &) {});
-}
-
-bool ClientUnderTest::RunLogin(const std::function<void(Login &)> &act)
-{
     bLoginClosed = false;
     Login login(ports, *this, bMainLoaded);
     if (!login.Load())
         return false;
     login.Activate();
-    act(login);
+    login.SetServer(choice.strServer);
+    login.SetAccount(choice.strAccount);
+    login.SetPassword(choice.strPassword);
+    login.ClickLogin();
     WaitUntil([&] { return bLoginClosed || !login.IsLoggingIn(); }, 30000);
-    lastControls = login.Controls();
     return bLoginClosed;
 }
 
@@ -67,21 +43,12 @@ bool ClientUnderTest::WaitUntil(const std::function<bool()> &condition, int mill
     return condition();
 }
 
-QStringList ClientUnderTest::ProgressRows() const
-{
-    QStringList rows;
-    for (const ProgressRow &row : progress.Rows())
-        rows.append(row.strFile + QLatin1Char(' ') + row.strState);
-    return rows;
-}
-
-QStringList ClientUnderTest::StoredIds(const QString &table) const
+QStringList ClientUnderTest::StoredIds() const
 {
     QStringList found;
-    const auto statement =
-        Global().objDB->SelectEx(QStringLiteral("Select Fax_ID From %1 Order By Fax_ID").arg(table));
-    while (statement->Next())
-        found.append(statement->Text(0));
+    const auto rows = Global().objDB->SelectEx("Select Fax_ID From ReceiveFax Order By Fax_ID");
+    while (rows->Next())
+        found.append(rows->Text(0));
     return found;
 }
 

@@ -24,8 +24,6 @@ struct LoginChoice
     QString strServer;
     QString strAccount = QStringLiteral("anna");
     QString strPassword = QStringLiteral("anna");
-    bool bRememberPwd = false;
-    bool bAutoLogin = false;
 };
 
 /// The client without its windows: the real logic over real sockets, timers and files, the desktop faked.
@@ -41,22 +39,11 @@ public:
     /// Shows a login window and presses Login. Returns when the window has closed or is ready again; true in
     /// the first case.
     bool LogIn(const LoginChoice &choice);
-    /// Opens the profile offline; true when the window has closed.
-    bool WorkOffline(const LoginChoice &choice);
-    /// Starts as a user does who has a remembered or automatic login: shows the window and waits.
-    bool StartLogin();
-    /// Shows the window, does what a user would, and waits like `LogIn`.
-    bool RunLogin(const std::function<void(Login &)> &act);
-    /// The controls of the latest login window as it was left.
-    const LoginControls &LastControls() const { return lastControls; }
-
     /// Turns the real event loop until the condition holds; false after `milliseconds`.
     bool WaitUntil(const std::function<bool()> &condition, int milliseconds = 10000);
 
-    /// Rows of the progress window as "InputBox/ID.tif Completed".
-    QStringList ProgressRows() const;
-    /// Ids of all rows of the table, sorted.
-    QStringList StoredIds(const QString &table = QStringLiteral("ReceiveFax")) const;
+    /// Ids of all received faxes, sorted.
+    QStringList StoredIds() const;
 
     // LoginOwner
     bool IsMainWindowLoaded() const override { return bMainLoaded; }
@@ -93,7 +80,6 @@ public:
                       desktop.mailbox, desktop.forms}};
 
 private:
-    LoginControls lastControls;
     bool bMainLoaded = false;
     bool bLoginClosed = false;
 };

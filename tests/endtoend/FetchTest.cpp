@@ -1,39 +1,27 @@
 #include "endtoend/FetchTest.h"
 
 #include "core/Globals.h"
+#include "fixtures/Profile.h"
 #include "server/wire/clsClient.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QFileInfo>
 
 namespace {
-
 constexpr int lLongestRun = 30000; // milliseconds
-
-QByteArray ReadFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
-
-} // namespace
 
 bool FetchTest::Begin(const QStringList &files, const QByteArray &script, int timerFactor)
 {
     return server.AddUser("anna", "anna") && (files.isEmpty() || server.Deliver("anna", files)) &&
-           server.Start(script) && Restart(timerFactor, true);
+           server.Start(script) && Restart(timerFactor);
 }
 
-bool FetchTest::Restart(int timerFactor, bool isNewMachine)
+bool FetchTest::Restart(int timerFactor)
 {
     client.reset();
-    if (isNewMachine)
-        home = std::make_unique<QTemporaryDir>();
-    client = std::make_unique<ClientUnderTest>(home->path(), timerFactor);
-    LoginChoice choice;
-    choice.strServer = server.Address();
-    return client->LogIn(choice);
+    client = std::make_unique<ClientUnderTest>(home.path(), timerFactor);
+    return client->LogIn({server.Address()});
 }
 
 QStringList FetchTest::ThreeFaxes()
@@ -44,24 +32,13 @@ QStringList FetchTest::ThreeFaxes()
 QString FetchTest::MakeFax(const QString &name, int pages, int bytes)
 {
     const QString path = server.MakeFax(name, pages, bytes);
-    delivered[QFileInfo(name).completeBaseName()] = ReadFile(path);
+    delivered[QFileInfo(name).completeBaseName()] = ReadTestFile(path);
     return path;
 }
 
 bool FetchTest::Fetch()
 {
     return RunIsOver([this] { client->download.mnuReceive(); });
-}
-
-bool FetchTest::FetchHistory()
-{
-    return RunIsOver([this] {
-        if (!client->session.ConnectToServer())
-            return;
-        const QString range = QStringLiteral("1900-01-01;2100-01-01") + QChar(0) + QStringLiteral("1;1;1;1");
-        client->session.BeginCommand(pndFaxList).GetHistoryList(range);
-        client->download.ReceiveFaxes(false, true, true, true);
-    });
 }
 
 bool FetchTest::RunIsOver(const std::function<void()> &run)
@@ -99,7 +76,7 @@ QStringList FetchTest::WholeFaxes() const
     QStringList titles;
     const auto rows = Global().objDB->SelectEx("Select Title,FileName From ReceiveFax Order By Title");
     while (rows->Next()) {
-        const QByteArray file = ReadFile(Global().strInputBoxPath + rows->Text(1));
+        const QByteArray file = ReadTestFile(Global().strInputBoxPath + rows->Text(1));
         const bool isWhole = !file.isEmpty() && file == delivered.value(rows->Text(0));
         titles.append(isWhole ? rows->Text(0) : QString("broken"));
     }

@@ -15,8 +15,8 @@ public:
     /// The server begins with the files delivered to "anna" and with the script; true when it runs and the
     /// client is logged in. Ticks of the client's timers are shorter by `timerFactor`.
     bool Begin(const QStringList &files, const QByteArray &script = {}, int timerFactor = 1);
-    /// Ends the program and starts it again: with the same data, or as on another machine.
-    bool Restart(int timerFactor = 1, bool isNewMachine = false);
+    /// Ends the program and starts it again with the same data.
+    bool Restart(int timerFactor = 1);
     /// Three faxes of 30 KB.
     QStringList ThreeFaxes();
     QString MakeFax(const QString &name, int pages = 1, int bytes = 0);
@@ -24,15 +24,13 @@ public:
     /// One run of "Receive". True when it ended in time and left nothing behind that a next run or the user
     /// would stumble over.
     bool Fetch();
-    /// The run behind the history window; the server's history is asked for all times and kinds.
-    bool FetchHistory();
 
     /// Progress states such as "Completed", in the order of the rows.
     QStringList States() const;
     /// Titles of the stored faxes whose file is, byte for byte, the delivered one; "broken" for any other.
     QStringList WholeFaxes() const;
 
-    std::unique_ptr<QTemporaryDir> home;
+    QTemporaryDir home;
     TrialServer server;
     std::unique_ptr<ClientUnderTest> client;
 

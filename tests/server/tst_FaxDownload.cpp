@@ -78,8 +78,8 @@ private slots:
         QVERIFY(WriteTestFile(Global().strInputBoxPath + "F1.tif", "left by a crash, longer than the fax"));
         QByteArrayList fields = FaxFields("F1");
         fields[0] = "O'Neil";
-        fields[7] = "c2;c1;x'y";
-        fields[8] = "Uu2;Uu1;";
+        fields[7] = "c1;c2;x'y";
+        fields[8] = "Uu1;Uu2;";
         fields[9] = "D'Arcy";
         fields[10] = "u1";
         Offer({"F1|9"});
@@ -92,11 +92,31 @@ private slots:
                             "FaxLevel||'|'||Remark||'|'||receiveTime||'|'||ReceiveUser||'|'||Resender||'|'||"
                             "FolderID||'|'||RecyleID||'|'||isreaded||'|'||IsSendedReceipt||'|'||"
                             "ReturnReceipts From ReceiveFax"),
-            QStringList("F1|O~$@~Neil|Offer|F1.tif|2|1|a remark|2024-01-31 09:00:00|555-2(555-2);"
-                        "Ann(555-1);carl[carl];Bert~$@~s[bert];D~$@~Arcy|Bert~$@~s(bert)|1001||0|False|"));
+            QStringList("F1|O~$@~Neil|Offer|F1.tif|2|1|a remark|2024-01-31 09:00:00|Ann(555-1);"
+                        "555-2(555-2);Bert~$@~s[bert];carl[carl];D~$@~Arcy|Bert~$@~s(bert)|1001||0|False|"));
         QCOMPARE(bench->progress.ButtonTag(), QString("Close"));
         QCOMPARE(bench->progress.Bar(), 100);
         QCOMPARE(desktop().mainWindow.aTotalPercents, QList<int>({56, 100, -1}));
+    }
+
+    void historyPutsEachKindInItsPlace()
+    {
+        const QByteArrayList offer{"F1|9|9", "F2|9|3", "F3|9|4", "F4|9|2"};
+        Offer(offer);
+        for (const char *id : {"F1", "F2", "F3", "F4"})
+            Send(id);
+        bench->SayShort("OK");
+        Receive(false, true);
+        QCOMPARE(Profile::Values("Select Fax_ID||' '||FolderID From ReceiveFax"), QStringList("F1 1001"));
+        QCOMPARE(Profile::Values("Select Fax_ID||' '||FolderID||' '||ModifyTime From SendFax"),
+                 (QStringList{"F2 1005 24-01-31", "F3 1006 24-01-31", "F4 1007 24-01-31"}));
+        QCOMPARE(ReadTestFile(Global().strInputBoxPath + "F1.tif"), QByteArray("fax bytes"));
+        QCOMPARE(ReadTestFile(Global().strOutputBoxPath + "F2.tif"), QByteArray("fax bytes"));
+        Offer(offer);
+        bench->SayShort("OK");
+        Receive(false, true);
+        QCOMPARE(States(), QString("InputBox/F1 Exists, Outputbox/F2 Exists, Outputbox/F3 Exists, "
+                                   "Outputbox/F4 Exists"));
     }
 
     // The file would come next, on a connection that nobody reads.
