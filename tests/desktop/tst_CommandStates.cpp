@@ -1,5 +1,9 @@
 #include "desktop/CommandStates.h"
+#include "desktop/HelpCommands.h"
+#include "fakes/FakePorts.h"
+#include "fixtures/Profile.h"
 
+#include <QTemporaryDir>
 #include <QTest>
 
 using CommandStates::GridInput;
@@ -100,6 +104,31 @@ private slots:
         QCOMPARE(items.size() - items.count(QString()), 14);
         for (const QString &item : items)
             QCOMPARE(CommandStates::GetMenuOfTool(item).isEmpty(), item.isEmpty());
+    }
+
+    void helpIsOpenedOrItsAbsenceSaid()
+    {
+        FakePorts fakes;
+        QTemporaryDir folder;
+        fakes.folders.strRoot = folder.path();
+        HelpCommands help(fakes.ports, "1.0 & more");
+        help.mnuShowHelp();
+        QVERIFY(fakes.shell.aCalls.isEmpty());
+        QVERIFY(fakes.prompts.Texts().value(0).contains("/program/VelmarServer.CHM"));
+        QVERIFY(QDir(folder.path()).mkdir("program"));
+        QVERIFY(WriteTestFile(folder.filePath("program/VelmarServer.CHM"), "help"));
+        help.mnuShowHelp();
+        help.mnuHelp_Website();
+        help.mnuSupport();
+        QCOMPARE(fakes.prompts.aBoxes.size(), 1);
+        QCOMPARE(fakes.shell.aCalls.size(), 3);
+        QCOMPARE(fakes.shell.aCalls.at(0).strFile, folder.filePath("program/VelmarServer.CHM"));
+        QCOMPARE(fakes.shell.aCalls.at(0).strVerb, "Open");
+        QVERIFY(fakes.shell.aCalls.at(2).strFile.endsWith(
+            "&body=Velmar%20Client%201.0%20%26%20more%0D%0A%0D%0A"));
+        fakes.shell.lResult = 31;
+        help.mnuHelp_Website();
+        QVERIFY(fakes.prompts.Texts().last().contains("https://"));
     }
 };
 

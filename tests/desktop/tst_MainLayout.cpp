@@ -51,13 +51,13 @@ private slots:
     void keysStandInTheirOrder()
     {
         const PaneRect pane{1, 2, 3, 4};
-        QVERIFY(WriteMainLayout({pane, 0, pane, pane, pane, pane, true, true, true}, "emma",
+        QVERIFY(WriteMainLayout({pane, 0, pane, pane, pane, pane, true, true, true, 3}, "emma",
                                 folder.filePath("new.ini")));
         const QString text = QString::fromUtf8(ReadTestFile(folder.filePath("new.ini")));
-        QCOMPARE(text.count('='), 24);
+        QCOMPARE(text.count('='), 25);
         qsizetype at = 0;
         for (const char *key : {"Main_Left", "Main_State", "tvAddressbook_IsVisible", "picPreview_IsVisible",
-                                "historyPlane_IsVisible"}) {
+                                "historyPlane_IsVisible", "tbClient_Style"}) {
             QVERIFY2(text.indexOf(key, at) >= 0, key);
             at = text.indexOf(key, at);
         }

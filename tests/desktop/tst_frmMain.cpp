@@ -8,6 +8,7 @@
 #include "fixtures/Profile.h"
 #include "mailbox/ShownMailbox.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QLabel>
 #include <QLineEdit>
@@ -16,6 +17,7 @@
 #include <QScreen>
 #include <QSplitter>
 #include <QTest>
+#include <QToolBar>
 #include <QToolButton>
 #include <QTreeView>
 
@@ -204,17 +206,26 @@ private slots:
         QVERIFY(!window->isVisible());
     }
 
-    void everythingHasAName()
+    void everythingHasANameForAScreenReader()
     {
-        for (const QToolButton *button : Get<QWidget>("picPreview").findChildren<QToolButton *>()) {
-            QVERIFY2(!button->accessibleName().isEmpty(), qPrintable(button->objectName()));
-            QVERIFY2(!button->toolTip().isEmpty(), qPrintable(button->objectName()));
+        Command("mnuViewAddressBook").trigger();
+        for (const QWidget *widget : window->findChildren<QWidget *>()) {
+            const bool isControl =
+                widget->focusPolicy() != Qt::NoFocus || qobject_cast<const QToolButton *>(widget);
+            const QAccessibleInterface *face =
+                QAccessible::queryAccessibleInterface(const_cast<QWidget *>(widget));
+            if (isControl && widget->isVisible() && face)
+                QVERIFY2(!face->text(QAccessible::Name).isEmpty(), qPrintable(NameOf(widget)));
         }
-        for (const char *name : {"tvFolder", "tvAddressbook", "grdFaxList", "picPreviewImage", "cmbYear"})
-            QVERIFY2(!Get<QWidget>(name).accessibleName().isEmpty(), name);
+        for (const QAction *action : window->findChildren<QAction *>()) {
+            if (!action->objectName().startsWith("mnu") && !action->objectName().startsWith("tb"))
+                continue;
+            QVERIFY2(!action->text().isEmpty() && !action->toolTip().isEmpty(),
+                     qPrintable(action->objectName()));
+        }
     }
 
-    void mnemonicsDoNotClash()
+    void mnemonicsAndShortcutsDoNotClash()
     {
         const auto check = [](const QList<QAction *> &actions, const QString &menu) {
             QStringList seen;
@@ -229,16 +240,124 @@ private slots:
         check(window->menuBar()->actions(), "menu bar");
         for (const QMenu *menu : window->findChildren<QMenu *>())
             check(menu->actions(), menu->objectName());
+        QMap<QKeySequence, QString> owners;
+        for (const QAction *action : window->findChildren<QAction *>()) {
+            for (const QKeySequence &keys : action->shortcuts()) {
+                QVERIFY2(!owners.contains(keys), qPrintable(action->objectName() + " and " +
+                                                            owners.value(keys) + ": " + keys.toString()));
+                owners.insert(keys, action->objectName());
+            }
+        }
     }
 
-    void windowOfALargerScreenFits()
+    void popupShowsTheKeysOfItsCommands()
     {
+        for (const QAction *action : Get<QMenu>("GridRightMenu").actions()) {
+            const QAction *item = action->isSeparator()
+                                      ? nullptr
+                                      : &Command(CommandStates::GetMenuOfTool(action->objectName()));
+            if (item)
+                QCOMPARE(action->text().section('\t', 1),
+                         item->shortcut().toString(QKeySequence::NativeText));
+        }
+    }
+
+    void tabKeyReachesEveryPane()
+    {
+        QStringList order;
+        for (const QWidget *widget = &Get<QWidget>("tvFolder"); !order.contains(widget->objectName());
+             widget = widget->nextInFocusChain()) {
+            if (widget->focusPolicy() & Qt::TabFocus && widget->isVisible() && widget->isEnabled())
+                order.append(widget->objectName());
+            else
+                continue;
+        }
+        QCOMPARE(order.first(), "tvFolder");
+        const QStringList panes{"tvFolder", "cmbYear", "grdFaxList", "txtSender", "picPreviewImage"};
+        order.removeIf([&](const QString &name) { return !panes.contains(name); });
+        QCOMPARE(order, panes);
+    }
+
+    void oddSettingsGiveAWindowThatCanBeUsed_data()
+    {
+        QTest::addColumn<QString>("value");
+        for (const char *value : {"9000", "-9000", "1", "0", "many"})
+            QTest::newRow(value) << value;
+    }
+
+    void oddSettingsGiveAWindowThatCanBeUsed()
+    {
+        QFETCH(QString, value);
         window->close();
-        for (const char *key : {"Main_Width", "Main_Height"})
-            QVERIFY(WriteIniValue("anna", key, "9000", Global().strIniFile));
+        for (const char *pane : {"Main", "tvFolder", "tvAddressbook", "grdFaxList", "picPreview"}) {
+            for (const char *side : {"_Left", "_Top", "_Width", "_Height"})
+                QVERIFY(WriteIniValue("anna", QString(pane) + side, value, Global().strIniFile));
+        }
+        QVERIFY(WriteIniValue("anna", "tvAddressbook_IsVisible", "True", Global().strIniFile));
+        QVERIFY(WriteIniValue("anna", "tbClient_Style", value, Global().strIniFile));
         OpenWindow();
-        const QSize room = window->screen()->availableSize();
+        const QRect room = window->screen()->availableGeometry();
         QVERIFY(window->width() <= room.width() && window->height() <= room.height());
+        QVERIFY(room.intersects(window->geometry()));
+        for (const char *pane : {"tvFolder", "tvAddressbook", "grdFaxList", "picPreview"}) {
+            const QWidget &shown = Get<QWidget>(pane);
+            QVERIFY2(shown.width() >= 133 && shown.height() >= 33, pane);
+            const int bottom = shown.mapTo(window.get(), QPoint(0, shown.height())).y();
+            QVERIFY2(bottom <= Get<QWidget>("stbInfo").y(), pane);
+        }
+    }
+
+    void draggedBorderKeepsClearOfTheEdges()
+    {
+        auto &splitter = Get<QSplitter>("picHSource_2");
+        const int before = Get<QWidget>("picPreview").height();
+        const QPoint grip = splitter.handle(1)->rect().center();
+        QTest::mousePress(splitter.handle(1), Qt::LeftButton, {}, grip);
+        QTest::mouseMove(splitter.handle(1), grip + QPoint(0, 2000));
+        QCOMPARE(Get<QWidget>("picPreview").height(), before); // only a strip moves
+        QTest::mouseRelease(splitter.handle(1), Qt::LeftButton, {}, grip + QPoint(0, 2000));
+        QVERIFY(Get<QWidget>("picPreview").height() < before);
+        const int clear = Get<QWidget>("picPreview").height();
+        QVERIFY(clear >= 2000 * window->logicalDpiY() / 1440);
+        Command("mnuMoveBorder").trigger();
+        Command("mnuMoveBorder").trigger();
+        QVERIFY(splitter.handle(1)->hasFocus());
+        QTest::keyClick(splitter.handle(1), Qt::Key_Up);
+        QVERIFY(Get<QWidget>("picPreview").height() > clear);
+        QTest::keyClick(splitter.handle(1), Qt::Key_Escape);
+        QVERIFY(Get<QTreeView>("tvFolder").hasFocus());
+    }
+
+    void hidesOnlyWhereATrayIconBringsItBack()
+    {
+        Global().CloseToTray = true;
+        bool hasIcon = false;
+        int closings = 0;
+        window->SetTrayState([&] { return hasIcon; });
+        window->SetClosing([&] { ++closings; });
+        window->showMinimized();
+        QTest::qWait(0);
+        QVERIFY(window->isVisible());
+        window->showNormal();
+        hasIcon = true;
+        window->showMinimized();
+        QTRY_VERIFY(!window->isVisible());
+        window->Raise();
+        QVERIFY(window->isVisible() && !window->isMinimized());
+        window->close();
+        QVERIFY(!window->isVisible());
+        QCOMPARE(closings, 0);
+        Command("mnuExit").trigger();
+        QCOMPARE(closings, 1);
+    }
+
+    void toolBarStyleComesBack()
+    {
+        Command("mnuToolBarTextBeside").trigger();
+        window->close();
+        OpenWindow();
+        QCOMPARE(Get<QToolBar>("tbClient").toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
+        QVERIFY(Command("mnuToolBarTextBeside").isChecked());
     }
 
 private:
@@ -249,6 +368,12 @@ private:
         if (!found)
             qFatal("no %s", qPrintable(name));
         return *found;
+    }
+    static QString NameOf(const QObject *object)
+    {
+        QString name =
+            object->objectName().isEmpty() ? object->metaObject()->className() : object->objectName();
+        return object->parent() ? NameOf(object->parent()) + "/" + name : name;
     }
     QAction &Command(const QString &name) const { return Get<QAction>(name); }
     void OpenWindow()

@@ -140,7 +140,8 @@ private slots:
         QVERIFY(!MarkReceivedFaxRead(""));
         QCOMPARE(Queue(), QStringList("A"));
         QCOMPARE(Profile::Value("SELECT IsSendedReceipt FROM ReceiveFax"), "-1");
-        QVERIFY(!QueueReceipts({"A"}));
+        QVERIFY(QueueReceipts({"A"}));
+        QCOMPARE(Queue(), QStringList("A"));
         profile->InsertReceivedFax("SENT", {{"isReaded", "0"}, {"IsSendedReceipt", "True"}});
         QVERIFY(MarkReceivedFaxRead("SENT"));
         QCOMPARE(Queue(), QStringList("A"));
@@ -153,8 +154,10 @@ private slots:
         profile->InsertReceivedFax("C", {{"IsSendedReceipt", "-1"}});
         QVERIFY(QueueReceipts({"A", "B", "C"}));
         QCOMPARE(Queue(), QStringList({"B", "C"}));
+        profile->InsertReceivedFax("D", {{"IsSendedReceipt", "False"}});
         Profile::Execute("DROP TABLE ReceiptQueue");
-        QVERIFY(!QueueReceipts({"B"}));
+        QVERIFY(!QueueReceipts({"D"}));
+        QCOMPARE(Profile::Value("SELECT IsSendedReceipt FROM ReceiveFax WHERE Fax_ID='D'"), "False");
     }
 
     void tickLeavesIncomingAlone()

@@ -348,6 +348,27 @@ private slots:
         QVERIFY(receipts.startsWith(copy + '\1') && receipts.endsWith(",1;,0;\r\n"));
     }
 
+    void readingShowsInAllCopiesOfTheFax()
+    {
+        QVERIFY(server->AddUser("ben", "ben"));
+        QVERIFY(server->Deliver("ben,anna", {strFax}, 2));
+        StartWithFaxes(1);
+        RawClient anna(*server), ben(*server);
+        QCOMPARE(anna.LogIn("anna", abAnna), abOk);
+        QCOMPARE(ben.LogIn("ben", abBen), abOk);
+        const QByteArrayList mine = anna.List(), his = ben.List();
+        QCOMPARE(mine.size(), 3);
+        QCOMPARE(his.size(), 2);
+        anna.Ask(Counted(19, mine[0] + ';'));
+        anna.Ask(Counted(19, his[1] + ';')); // not hers to read
+        QByteArray states = ben.Ask(Counted(20, his[0] + ';' + his[1] + ';' + mine[0] + ';'));
+        QVERIFY(states.contains(his[0] + "\1,0;") && states.endsWith(",1;\r\n" + his[1] + "\1,0;,0;\r\n"));
+        ben.Ask(Counted(19, his[0] + ';'));
+        states = anna.Ask(Counted(20, mine[0] + ';'));
+        QCOMPARE(states.count(",1;"), 2);
+        QVERIFY(anna.Ask(Counted(20, mine[2] + ';')).endsWith("\1,0;\r\n"));
+    }
+
     void historyFollowsRangeAndFlags()
     {
         StartWithFaxes(2);

@@ -78,8 +78,8 @@ private slots:
         QVERIFY(WriteTestFile(Global().strInputBoxPath + "F1.tif", "left by a crash, longer than the fax"));
         QByteArrayList fields = FaxFields("F1");
         fields[0] = "O'Neil";
-        fields[7] = "c1;c2;x'y";
-        fields[8] = "Uu1;Uu2;";
+        fields[7] = "c2;c1;x'y";
+        fields[8] = "Uu2;Uu1;";
         fields[9] = "D'Arcy";
         fields[10] = "u1";
         Offer({"F1|9"});
@@ -92,8 +92,8 @@ private slots:
                             "FaxLevel||'|'||Remark||'|'||receiveTime||'|'||ReceiveUser||'|'||Resender||'|'||"
                             "FolderID||'|'||RecyleID||'|'||isreaded||'|'||IsSendedReceipt||'|'||"
                             "ReturnReceipts From ReceiveFax"),
-            QStringList("F1|O~$@~Neil|Offer|F1.tif|2|1|a remark|2024-01-31 09:00:00|Ann(555-1);"
-                        "555-2(555-2);Bert~$@~s[bert];carl[carl];D~$@~Arcy|Bert~$@~s(bert)|1001||0|False|"));
+            QStringList("F1|O~$@~Neil|Offer|F1.tif|2|1|a remark|2024-01-31 09:00:00|555-2(555-2);"
+                        "Ann(555-1);carl[carl];Bert~$@~s[bert];D~$@~Arcy|Bert~$@~s(bert)|1001||0|False|"));
         QCOMPARE(bench->progress.ButtonTag(), QString("Close"));
         QCOMPARE(bench->progress.Bar(), 100);
         QCOMPARE(desktop().mainWindow.aTotalPercents, QList<int>({56, 100, -1}));
