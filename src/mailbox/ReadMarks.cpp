@@ -22,10 +22,11 @@ void SetRead(const QString &table, bool read, const QStringList &ids)
         SetRead(table, read ? "1" : "0", "where Fax_ID in(" + QuoteIds(ids) + ")");
 }
 
+/// Queues first: should that fail, the fax still waits for its receipt.
 void QueueReceipt(const QString &id)
 {
-    Global().objDB->Execute("UPDATE ReceiveFax SET IsSendedReceipt='-1' Where Fax_ID='" + id + "'");
     Global().objDB->Execute("INSERT INTO ReceiptQueue(Fax_ID,FaxType) VALUES('" + id + "','2')");
+    Global().objDB->Execute("UPDATE ReceiveFax SET IsSendedReceipt='-1' Where Fax_ID='" + id + "'");
 }
 
 } // namespace
@@ -64,10 +65,8 @@ bool QueueReceipts(const QStringList &ids)
                 found.append(row->Text(0));
         }
         row->Close();
-        TransactionScope transaction(*Global().objDB);
         for (const QString &id : found)
             QueueReceipt(id);
-        transaction.Commit();
     } catch (const RaisedError &) {
         return false;
     }
@@ -105,13 +104,18 @@ bool ReadMarks::MarkReceivedAsked(const QStringList &ids)
     const QString question = tr("Are you sure want to mark these fax as read?");
     if (message.ShowMessage(question, mbYesNo + mbQuestion) != mbAnswerYes)
         return false;
-    TransactionScope batch(*Global().objDB);
-    SetRead("ReceiveFax", true, ids);
-    const bool hasNew = QueueReceipts(ids);
-    batch.Commit();
-    if (hasNew)
-        emit ReceiptsQueued();
+    MarkReceived(ids);
     return true;
+}
+
+void ReadMarks::MarkReceived(const QStringList &ids)
+{
+    TransactionScope reading(*Global().objDB);
+    SetRead("ReceiveFax", true, ids);
+    const bool isQueued = QueueReceipts(ids);
+    reading.Commit();
+    if (isQueued)
+        emit ReceiptsQueued();
 }
 
 void ReadMarks::mnuUnRead()
@@ -163,20 +167,12 @@ void ReadMarks::OnMarkFaxTick()
     if (fax.bRead || (key == "1008" && fax.lFaxTable == lReceived))
         return;
     Guard("tmrMarkFax", [&] {
-        if (mailbox.GetFaxTable() == lReceived) {
-            SetRead("ReceiveFax", "1", "Where Fax_ID='" + fax.strID + "'");
-            NotifyReceiptRead({fax.strID});
-        } else {
+        if (mailbox.GetFaxTable() == lReceived)
+            MarkReceived({fax.strID});
+        else
             SetRead("SendFax", "1", "Where Fax_ID='" + fax.strID + "'");
-        }
         ShowMarks({fax.strID}, true);
     });
-}
-
-void ReadMarks::NotifyReceiptRead(const QStringList &ids)
-{
-    if (QueueReceipts(ids))
-        emit ReceiptsQueued();
 }
 
 void ReadMarks::ShowMarks(const QStringList &ids, bool read)

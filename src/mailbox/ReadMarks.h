@@ -37,7 +37,7 @@ private:
     void Guard(const QString &routine, const std::function<void()> &run);
     bool MarkReceivedAsked(const QStringList &ids);
     void ShowMarks(const QStringList &ids, bool read);
-    void NotifyReceiptRead(const QStringList &ids);
+    void MarkReceived(const QStringList &ids);
 
     ShownMailbox &mailbox;
     Message &message;

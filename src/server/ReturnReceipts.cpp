@@ -100,7 +100,7 @@ void ReturnReceipts::HandleReceiptAck(const ClientReply &reply)
 
 // After reading
 
-void ReturnReceipts::FlushQueue()
+void ReturnReceipts::NotifyReceiptRead()
 {
     bFlushDue = true;
     if (!CanSend())
@@ -119,7 +119,7 @@ void ReturnReceipts::FlushQueue()
 void ReturnReceipts::OnCheckFaxTick()
 {
     if (bFlushDue)
-        FlushQueue();
+        NotifyReceiptRead();
 }
 
 bool ReturnReceipts::CanSend() const

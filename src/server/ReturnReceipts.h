@@ -31,10 +31,10 @@ public:
     /// Asks for the states of all faxes with a recipient who has not read them yet.
     void RequestReceiptStates(bool &sent);
 
-    /// Sends what is queued, if the client is connected. While another run owns the connection, or there is
-    /// none, the queue is kept and sent when there is a free one. Shows no error: a receipt is no reason to
-    /// disturb a reader.
-    void FlushQueue();
+    /// The user has read a fax: sends what is queued, if the client is connected. While another run owns the
+    /// connection, or there is none, the queue is kept and sent when there is a free one. Shows no error: a
+    /// receipt is no reason to disturb a reader.
+    void NotifyReceiptRead();
 
 private:
     void OnCheckFaxTick();

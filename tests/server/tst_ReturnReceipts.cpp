@@ -87,7 +87,7 @@ private slots:
         QFETCH(const QByteArray, answer);
         Queue({"A", "B", "it's", "C"});
         bench->SayShort(answer);
-        bench->receipts.FlushQueue();
+        bench->receipts.NotifyReceiptRead();
         QCOMPARE(bench->Heard(), QStringList("19 \6   A;B;C;")); // length and ids
         Profile::Execute("DELETE FROM ReceiptQueue WHERE Fax_ID='it''s'");
         QTEST(Queued().join(' '), "left");
@@ -103,7 +103,7 @@ private slots:
             {&session.bIsSocketBusy, true}, {&session.bOnline, false}, {&session.bUserLogout, true}};
         for (const auto &[flag, value] : obstacles) {
             *flag = value;
-            bench->receipts.FlushQueue();
+            bench->receipts.NotifyReceiptRead();
             bench->Live(3);
             QVERIFY(bench->Heard().isEmpty() && Queued().size() == 1);
             *flag = !value;
@@ -117,7 +117,7 @@ private slots:
         bench->Live(2);
         QVERIFY(Queued().isEmpty());
         QCOMPARE(bench->Heard().size(), 1);
-        bench->receipts.FlushQueue();
+        bench->receipts.NotifyReceiptRead();
         QCOMPARE(bench->Heard().size(), 1); // nothing to tell
     }
 
@@ -130,7 +130,7 @@ private slots:
         Queue(ids);
         for (const int first : {0, 40, 80})
             AnswerNext("OK\r\n" + ids.mid(first, 40).join(';').toLatin1() + ";\r\n");
-        bench->receipts.FlushQueue();
+        bench->receipts.NotifyReceiptRead();
         bench->Live(5);
         QVERIFY(Queued().isEmpty());
         QCOMPARE(bench->Heard().size(), 3);
@@ -143,9 +143,9 @@ private slots:
         bench->Silence(200).Then([this] {
             QVERIFY(bench->desktop.mainWindow.bBusyPointer && bench->desktop.mainWindow.bEnabled);
             Queue({"B"});
-            bench->receipts.FlushQueue(); // read meanwhile
+            bench->receipts.NotifyReceiptRead(); // read meanwhile
         });
-        bench->receipts.FlushQueue();
+        bench->receipts.NotifyReceiptRead();
         QCOMPARE(Queued(), QStringList({"A", "B"}));
         QVERIFY(bench->session.IsOutOfStep());
         When([this] { return bench->Socket().lConnects > 0; },

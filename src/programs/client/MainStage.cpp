@@ -47,7 +47,7 @@ void MainStage::ConnectReading()
     });
     // Queued: the click or tick that has read the fax ends first, since sending the receipt takes its time.
     QObject::connect(&mailbox.Marks(), &ReadMarks::ReceiptsQueued, &server.receipts,
-                     &ReturnReceipts::FlushQueue, Qt::QueuedConnection);
+                     &ReturnReceipts::NotifyReceiptRead, Qt::QueuedConnection);
 }
 
 void MainStage::ConnectCommands()
