@@ -11,6 +11,8 @@
 #include <QRegularExpression>
 #include <QSvgRenderer>
 
+#include <array>
+
 /// The pictures of a static library are dropped unless somebody asks for them.
 static void InitPictures()
 {
@@ -21,20 +23,24 @@ namespace {
 
 /// The colour in the files that stands for the text colour of the desktop.
 constexpr char strInk[] = "#57606a";
+constexpr char strMark[] = "\"#fff\""; ///< the mark on a filled shape
+constexpr std::array aAccents{"#2f7bd1", "#2c974b", "#d1342f", "#c77700"};
+constexpr int lBrighter = 130; // percent
 constexpr double dDisabledOpacity = 0.4;
 
 class SymbolEngine final : public QIconEngine
 {
 public:
-    SymbolEngine(QString imageKey, QByteArray picture)
+    SymbolEngine(QString imageKey, QByteArray picture, bool isInMenu)
         : strKey(std::move(imageKey))
         , abPicture(std::move(picture))
+        , bInMenu(isInMenu)
     {
     }
 
     void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State) override
     {
-        QSvgRenderer renderer(Inked(mode));
+        QSvgRenderer renderer(Inked(IsOnHighlight(mode)));
         painter->save();
         painter->setOpacity(mode == QIcon::Disabled ? dDisabledOpacity : 1.0);
         renderer.render(painter, rect);
@@ -43,9 +49,9 @@ public:
 
     QPixmap pixmap(const QSize &size, QIcon::Mode mode, QIcon::State state) override
     {
-        const QString name =
-            QString("velmar %1 %2 %3 %4")
-                .arg(strKey, InkName(mode), QString::number(mode), QString::number(size.width()));
+        const QString name = QString(bInMenu ? "velmar menu %1 %2 %3 %4" : "velmar %1 %2 %3 %4")
+                                 .arg(strKey, InkName(IsOnHighlight(mode)), QString::number(mode),
+                                      QString::number(size.width()));
         QPixmap pixmap;
         if (QPixmapCache::find(name, &pixmap))
             return pixmap;
@@ -67,35 +73,48 @@ public:
     bool isNull() override { return false; }
 
 private:
-    /// On a selection everything is drawn in its text colour: no accent reads on all highlights.
-    QByteArray Inked(QIcon::Mode mode) const
+    /// A menu draws the item under the pointer as active, on the highlight.
+    bool IsOnHighlight(QIcon::Mode mode) const
+    {
+        return mode == QIcon::Selected || (bInMenu && mode == QIcon::Active);
+    }
+
+    /// On a highlight everything is drawn in its text colour: no accent reads on all of them.
+    QByteArray Inked(bool onHighlight) const
     {
         QString picture = QString::fromLatin1(abPicture);
         static const QRegularExpression anyColor("#[0-9a-f]{6}");
-        if (mode == QIcon::Selected)
-            picture.replace(anyColor, InkName(mode));
+        if (onHighlight)
+            picture.replace(anyColor, InkName(true))
+                .replace(strMark, '"' + QGuiApplication::palette().color(QPalette::Highlight).name() + '"');
         else
-            picture.replace(strInk, InkName(mode));
+            Brighten(picture.replace(strInk, InkName(false)));
         return picture.toLatin1();
     }
 
-    static QString InkName(QIcon::Mode mode)
+    /// The accents are made for light; dark wants them brighter.
+    static void Brighten(QString &picture)
     {
-        const bool isSelected = mode == QIcon::Selected;
+        if (QGuiApplication::palette().color(QPalette::Window).lightness() > 127)
+            return;
+        for (const char *accent : aAccents)
+            picture.replace(accent, QColor(accent).lighter(lBrighter).name());
+    }
+
+    static QString InkName(bool onHighlight)
+    {
         return QGuiApplication::palette()
-            .color(isSelected ? QPalette::HighlightedText : QPalette::WindowText)
+            .color(onHighlight ? QPalette::HighlightedText : QPalette::WindowText)
             .name();
     }
 
     QString strKey;
     QByteArray abPicture;
+    bool bInMenu;
 };
 
-} // namespace
-
-QIcon Icons::Get(const QString &imageKey)
+QIcon GetFrom(QHash<QString, QIcon> &icons, const QString &imageKey, bool isInMenu)
 {
-    static QHash<QString, QIcon> icons;
     if (imageKey.isEmpty())
         return {};
     const auto known = icons.constFind(imageKey);
@@ -105,6 +124,20 @@ QIcon Icons::Get(const QString &imageKey)
     QFile file(":/icons/" + imageKey + ".svg");
     QIcon icon;
     if (file.open(QIODevice::ReadOnly))
-        icon = QIcon(new SymbolEngine(imageKey, file.readAll()));
+        icon = QIcon(new SymbolEngine(imageKey, file.readAll(), isInMenu));
     return *icons.insert(imageKey, icon);
+}
+
+} // namespace
+
+QIcon Icons::Get(const QString &imageKey)
+{
+    static QHash<QString, QIcon> icons;
+    return GetFrom(icons, imageKey, false);
+}
+
+QIcon Icons::GetForMenu(const QString &imageKey)
+{
+    static QHash<QString, QIcon> icons;
+    return GetFrom(icons, imageKey, true);
 }

@@ -9,5 +9,7 @@ namespace Icons {
 
 /// The icon of an image key, such as "imgReceived"; a null icon for an unknown or empty one.
 QIcon Get(const QString &imageKey);
+/// The same for an item of a menu, which must be readable on the highlight.
+QIcon GetForMenu(const QString &imageKey);
 
 } // namespace Icons

@@ -13,9 +13,12 @@ const QMap<QString, QString> &MenuIcons()
 {
     static const QMap<QString, QString> icons{
         {"mnuNewFax", "tbNewFax"},
+        {"mnuSaveAs", "mnuSaveAs"},
         {"mnuPrint", "tbPrintFax"},
         {"mnuFaxProperty", "tbFaxProperty"},
         {"mnuEditDelete", "tbDeleteFax"},
+        {"mnuResume", "mnuResume"},
+        {"mnuMoveFax", "mnuMoveFax"},
         {"mnuHadRead", "imgReaded"},
         {"mnuUnRead", "imgNotRead"},
         {"mnuFindFax", "tbFindFax"},
@@ -29,6 +32,7 @@ const QMap<QString, QString> &MenuIcons()
         {"mnuLoginServer", "mnuLoginServer"},
         {"mnuLogoutServer", "mnuLogoutServer"},
         {"mnuOption", "mnuOption"},
+        {"mnuShowHelp", "mnuShowHelp"},
     };
     return icons;
 }
@@ -108,7 +112,8 @@ void CommandActions::SetIcons()
 {
     for (auto it = actions.cbegin(); it != actions.cend(); ++it) {
         const QString name = it.value()->objectName();
-        it.value()->setIcon(Icons::Get(name.startsWith("tb") ? name : MenuIcons().value(it.key())));
+        it.value()->setIcon(name.startsWith("tb") ? Icons::Get(name)
+                                                  : Icons::GetForMenu(MenuIcons().value(it.key())));
     }
 }
 

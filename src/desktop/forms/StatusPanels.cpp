@@ -11,6 +11,7 @@ namespace {
 
 constexpr int lTotalsWidth = 22; // blanks
 constexpr int lTotalWidth = 140;
+constexpr int lPanelMargin = 4;
 /// Not one long wait for midnight: a computer that sleeps through it would show yesterday.
 constexpr int lTodayInterval = 60 * 1000;
 
@@ -22,6 +23,7 @@ StatusPanels::StatusPanels(QStatusBar &bar)
 {
     auto *welcome = new QLabel(tr("Welcome to Velmar Client, please press F1 for Help"), &bar);
     welcome->setObjectName("labWelcome");
+    welcome->setContentsMargins(lPanelMargin, 0, 0, 0);
     welcome->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // the panels come first
     bar.addWidget(welcome, 1);
     pbTotal->setObjectName("pbTotal");
@@ -43,9 +45,13 @@ StatusPanels::StatusPanels(QStatusBar &bar)
 
 QLabel *StatusPanels::AddPanel(QStatusBar &bar, const char *name)
 {
+    auto *border = new QFrame(&bar);
+    border->setFrameStyle(QFrame::VLine | QFrame::Sunken);
+    bar.addPermanentWidget(border);
     auto *panel = new QLabel(&bar);
     panel->setObjectName(name);
     panel->setTextFormat(Qt::PlainText);
+    panel->setContentsMargins(lPanelMargin, 0, lPanelMargin, 0);
     bar.addPermanentWidget(panel);
     return panel;
 }

@@ -82,7 +82,7 @@ void PreviewPane::SetUpButtons()
     const auto follow = [this](QToolButton *button, const QString &actionName) {
         auto *action = findChild<QAction *>(actionName);
         action->setIcon(Icons::Get(button->objectName()));
-        action->setIconVisibleInMenu(!action->isCheckable()); // there the check mark shows instead
+        action->setIconVisibleInMenu(false); // it would not read on the highlight of a menu
         button->setDefaultAction(action);
         button->setIconSize({20, 20});
         button->setAccessibleName(action->text().remove('&'));
@@ -94,8 +94,6 @@ void PreviewPane::SetUpButtons()
     follow(ui->btnRotateLeft, "mnuFaxview_RotateLeft90");
     follow(ui->btnRotatePlane, "mnuFaxview_Rotate180");
     follow(ui->btnRotateRight, "mnuFaxview_RotateRight90");
-    for (const char *name : {"mnuFaxview_FirstPage", "mnuFaxview_LastPage"})
-        findChild<QAction *>(name)->setIcon(Icons::Get(name));
 }
 
 void PreviewPane::FirstPage()
