@@ -10,9 +10,13 @@
 #include <QPainter>
 #include <QToolTip>
 
+#include <algorithm>
+
 namespace {
 
 constexpr QColor blue(0, 0, 255);
+constexpr int lIconSize = 16;
+constexpr int lRowMargin = 2; ///< what a row leaves around its icon and text
 
 QString CountText(const QModelIndex &index)
 {
@@ -36,10 +40,36 @@ void MarkedDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelI
     if (!imageKey.isEmpty()) {
         option->icon = Icons::Get(imageKey);
         option->features |= QStyleOptionViewItem::HasDecoration;
-        option->decorationSize = QSize(16, 16);
-        if (option->text.isEmpty())
-            option->decorationAlignment = Qt::AlignCenter;
+        option->decorationSize = QSize(lIconSize, lIconSize);
     }
+}
+
+/// An icon without a text stands in the middle of its cell, as in the header.
+void MarkedDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                           const QModelIndex &index) const
+{
+    QStyleOptionViewItem styled = option;
+    initStyleOption(&styled, index);
+    const QIcon icon = styled.icon;
+    const bool isAlone = !icon.isNull() && styled.text.isEmpty();
+    if (isAlone)
+        styled.icon = {};
+    const QStyle *style = styled.widget ? styled.widget->style() : QApplication::style();
+    style->drawControl(QStyle::CE_ItemViewItem, &styled, painter, styled.widget);
+    if (!isAlone)
+        return;
+    QRect place(QPoint(), styled.decorationSize);
+    place.moveCenter(option.rect.center());
+    icon.paint(painter, place, Qt::AlignCenter,
+               option.state.testFlag(QStyle::State_Selected) ? QIcon::Selected : QIcon::Normal);
+}
+
+/// Rows with and without icons are of one height.
+QSize MarkedDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    const QSize size = QStyledItemDelegate::sizeHint(option, index);
+    const int text = option.fontMetrics.height() + 2 * lRowMargin;
+    return {size.width(), std::max({size.height(), text, lIconSize + 2 * lRowMargin})};
 }
 
 bool MarkedDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
@@ -52,8 +82,10 @@ bool MarkedDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const
         text = index.data(Qt::AccessibleTextRole).toString();
     else if (sizeHint(option, index).width() <= view->visualRect(index).width())
         text.clear();
-    // Plain text, whatever a fax from outside calls itself.
-    QToolTip::showText(event->globalPos(), text.toHtmlEscaped(), view);
+    // Plain text, whatever a fax from outside calls itself; as rich text it is wrapped.
+    if (!text.isEmpty())
+        text = "<qt>" + text.toHtmlEscaped() + "</qt>";
+    QToolTip::showText(event->globalPos(), text, view);
     return true;
 }
 

@@ -2,6 +2,7 @@
 
 #include "core/ModelRoles.h"
 #include "mailbox/FaxList.h"
+#include "mailbox/ShownText.h"
 
 #include <QHash>
 
@@ -53,7 +54,7 @@ QVariant FaxListModel::data(const QModelIndex &index, int role) const
     const int column = index.column() + 1;
     switch (role) {
     case Qt::DisplayRole:
-        return row.Cell(column);
+        return ToListText(row.Cell(column));
     case Qt::AccessibleTextRole:
         return AccessibleText(row, column);
     case KeyRole:
@@ -77,7 +78,7 @@ QString FaxListModel::AccessibleText(const FaxRow &row, int column) const
         return row.bRead ? tr("Read") : tr("Unread");
     if (column == colLevel)
         return row.lLevel == 0 ? tr("Urgent") : row.lLevel == 2 ? tr("Low priority") : tr("Normal priority");
-    return row.Cell(column);
+    return ToListText(row.Cell(column));
 }
 
 QVariant FaxListModel::headerData(int section, Qt::Orientation orientation, int role) const

@@ -10,6 +10,7 @@
 
 #include <QAccessible>
 #include <QAction>
+#include <QContextMenuEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -94,7 +95,7 @@ private slots:
         QCOMPARE(Get<QLineEdit>("txtTitle").text(), "Subject B");
         QCOMPARE(Get<QLineEdit>("txtPage").text(), "1 / 2");
         QVERIFY(Get<PageCanvas>("picPreviewImage").HasPage());
-        QCOMPARE(Get<QLabel>("labFolderTip").text(), "Incoming");
+        QCOMPARE(Get<QLabel>("labFolderTip").text().trimmed(), "Incoming");
         QCOMPARE(Get<QLabel>("labTotals").text(), "Total Faxes: 2  Unread: 2");
         QTest::keyClick(&grid, Qt::Key_Down);
         QCOMPARE(Get<QLineEdit>("txtTitle").text(), "Subject A");
@@ -164,6 +165,56 @@ private slots:
         QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, icon);
         QCOMPARE(fakes->prompts.Texts(), QStringList("Are you sure want to mark this fax as read?"));
         QCOMPARE(mailbox->List().Row(2).ReadImageKey(), "imgReaded");
+    }
+
+    void listIsWorkedByKeys()
+    {
+        QApplication::setKeyboardInputInterval(60000);
+        auto &grid = Get<QTreeView>("grdFaxList");
+        grid.setFocus();
+        int opened = 0;
+        window->SetCommand("mnuViewFax", [&] { ++opened; });
+        QTest::keyClick(&grid, Qt::Key_Return);
+        QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {},
+                           grid.visualRect(grid.currentIndex()).center());
+        QCOMPARE(opened, 2);
+        QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, {}, {});
+        QApplication::sendEvent(&grid, &menuKey);
+        QVERIFY(Get<QMenu>("GridRightMenu").isVisible());
+        Get<QMenu>("GridRightMenu").hide();
+        // A letter that is a command runs it, unless it belongs to a name that is being typed.
+        fakes->prompts.aAnswers = {mbAnswerYes};
+        QTest::keyClick(&grid, Qt::Key_M);
+        QCOMPARE(mailbox->List().UnreadCount(), 1);
+        Profile::Execute("UPDATE ReceiveFax SET sender='Tom' WHERE Fax_ID='A'");
+        mailbox->ReloadCurrentFolder(true);
+        QCOMPARE(mailbox->SelectedFaxes(), QStringList("B"));
+        QTest::keyClicks(&grid, "tom");
+        QCOMPARE(mailbox->SelectedFaxes(), QStringList("A"));
+        QCOMPARE(fakes->prompts.aBoxes.size(), 1);
+        QTest::keyClick(&grid, Qt::Key_Home, Qt::ShiftModifier);
+        QCOMPARE(mailbox->SelectedFaxes(), QStringList({"B", "A"}));
+    }
+
+    void columnsKeepTheirWidths()
+    {
+        QVERIFY(WriteIniValue("anna", "grdFaxList_Columns4", "30,30,-5,180,70,150", Global().strIniFile));
+        QVERIFY(WriteIniValue("anna", "grdFaxList_Columns0", "99", Global().strIniFile));
+        Get<QTreeView>("grdFaxList").setColumnWidth(3, 123);
+        SelectInTree("Outgoing");
+        Get<QTreeView>("grdFaxList").setColumnWidth(4, 77);
+        window->close();
+        QCOMPARE(Setting("grdFaxList_Columns1"), "30,30,123,100,180,70,250,150");
+        OpenWindow();
+        auto &grid = Get<QTreeView>("grdFaxList");
+        const auto width = [&](const char *folder, int column) {
+            SelectInTree(folder);
+            return grid.columnWidth(column);
+        };
+        QCOMPARE(width("Outgoing", 4), 77);
+        QCOMPARE(width("Incoming", 3), 123);
+        QCOMPARE(width("Draft", 3), 200); // no widths at all rather than a wrong one
+        QCOMPARE(width("My Faxes", 1), 250);
     }
 
     void paneKeyGoesRound()

@@ -245,6 +245,20 @@ private slots:
         QCOMPARE(model.headerData(3, Qt::Horizontal, Qt::DisplayRole), "Recipient");
     }
 
+    void longAndWildTextsStayOneShortLine()
+    {
+        const QString wild = QString("<b>a\r\nb\x1b") + QChar(0x202e) + "c";
+        profile->InsertReceivedFax("A", {{"title", wild}, {"sender", QString(1 << 20, 'W')}});
+        Profile::Execute("UPDATE ReceiveFax SET pages=NULL, receiveTime=X'00FF', faxLevel=NULL");
+        list->SetLayout(1);
+        Load(2, "1001");
+        const FaxListModel model(*list);
+        QCOMPARE(model.index(0, 5).data(), "<b>a  b  c");
+        QCOMPARE(model.index(0, 3).data().toString().size(), 501);
+        QCOMPARE(model.index(0, 6).data(), "");
+        QCOMPARE(list->Row(1).Cell(6), wild); // whole for those who work with it
+    }
+
     void orderOutlivesAReload()
     {
         profile->InsertReceivedFax("A", {{"sender", "Ann"}, {"receiveTime", "2026-01-01 00:00:00"}});

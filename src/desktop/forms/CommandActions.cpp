@@ -155,5 +155,11 @@ void CommandActions::Enable(const QString &command)
 void CommandActions::Trigger(const QString &name)
 {
     if (menuItems.value(name)->isEnabled())
+        Run(name);
+}
+
+void CommandActions::Run(const QString &name)
+{
+    if (routines.contains(name))
         runRoutine(name, routines.value(name));
 }

@@ -30,6 +30,8 @@ public:
     void Apply(const CommandStates::States &states);
     /// Runs a command as if the user had chosen it; not while it is disabled.
     void Trigger(const QString &name);
+    /// Runs a command's routine, which then judges by itself whether there is anything to do.
+    void Run(const QString &name);
 
     QMenu &GridMenu() { return *GridRightMenu; }
 

@@ -1,6 +1,5 @@
 #include "desktop/forms/frmMain.h"
 
-#include "controls/HintedTreeView.h"
 #include "controls/PageCanvas.h"
 #include "core/Globals.h"
 #include "core/Message.h"
@@ -13,6 +12,7 @@
 #include "mailbox/ShownMailbox.h"
 #include "mailbox/forms/AddressPane.h"
 #include "mailbox/forms/DateBar.h"
+#include "mailbox/forms/FaxGrid.h"
 #include "mailbox/forms/FolderPane.h"
 #include "mailbox/forms/ListPane.h"
 #include "mailbox/forms/PreviewPane.h"
@@ -81,6 +81,7 @@ void frmMain::SetUpCommands()
     commands = std::make_unique<CommandActions>(
         *this, [this](const QString &name, const CommandActions::Routine &run) { RunGuarded(name, run); });
     ui->mnuPage->addActions(picPreview->PageActions());
+    ui->mnuView->insertMenu(ui->mnuPage->menuAction(), &listPane->SortMenu());
     SetUpToolBar();
     SetUpOwnCommands();
 }
@@ -133,9 +134,9 @@ void frmMain::ConnectPanes()
     });
     connect(&mailbox, &ShownMailbox::StatusChanged, this,
             [this] { panels->SetTotals(mailbox.StatusText()); });
-    const auto view = [this] { commands->Trigger("mnuViewFax"); };
-    connect(listPane, &ListPane::ViewRequested, this, view);
-    connect(picPreview, &PreviewPane::ViewRequested, this, view);
+    // Not through the menu item: a draft without pages is opened, too.
+    connect(listPane, &ListPane::ViewRequested, this, [this] { commands->Run("mnuViewFax"); });
+    connect(picPreview, &PreviewPane::ViewRequested, this, [this] { commands->Trigger("mnuViewFax"); });
     connect(listPane, &ListPane::MenuRequested, this,
             [this](const QPoint &place) { commands->GridMenu().popup(place); });
 }
@@ -224,6 +225,7 @@ void frmMain::LoadControlPostion()
 {
     RunGuarded("LoadControlPostion",
                [this] { paneLayout->Restore(ReadMainLayout(Global().strUserName, Global().strIniFile)); });
+    listPane->SetWidths(ReadFaxColumnWidths(Global().strUserName, Global().strIniFile));
     ui->mnuViewAddressBook->setChecked(!tvAddressbook->isHidden());
     ui->mnuPreview->setChecked(!picPreview->isHidden());
     ui->mnuHistory->setChecked(!frmeHistory->isHidden());
@@ -245,6 +247,7 @@ bool frmMain::MayHideInTray() const
 void frmMain::StoreLayout()
 {
     WriteMainLayout(paneLayout->Collect(), Global().strUserName, Global().strIniFile);
+    WriteFaxColumnWidths(listPane->Widths(), Global().strUserName, Global().strIniFile);
 }
 
 /// The layout first, then the log off, which runs events: another close meanwhile is passed over.

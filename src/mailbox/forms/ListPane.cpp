@@ -1,34 +1,40 @@
 #include "mailbox/forms/ListPane.h"
 
-#include "controls/HintedTreeView.h"
+#include "controls/Icons.h"
 #include "controls/MarkedDelegate.h"
 #include "controls/MarkedHeader.h"
 #include "core/ModelRoles.h"
 #include "mailbox/FaxListModel.h"
 #include "mailbox/ShownMailbox.h"
+#include "mailbox/forms/FaxGrid.h"
 
+#include <QGuiApplication>
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QLocale>
-#include <QMouseEvent>
+#include <QMenu>
+#include <QScopeGuard>
 #include <QScopedValueRollback>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <vector>
 
 ListPane::ListPane(ShownMailbox &shownMailbox, QWidget *parent)
     : QWidget(parent)
     , mailbox(shownMailbox)
     , model(new FaxListModel(shownMailbox.List(), this))
     , labFolderTip(new QLabel(this))
-    , grdFaxList(new HintedTreeView(this))
+    , grdFaxList(new FaxGrid(this))
+    , sortMenu(new QMenu(tr("S&ort by"), this))
 {
     labFolderTip->setObjectName("labFolderTip");
     labFolderTip->setTextFormat(Qt::PlainText);
     QFont font = labFolderTip->font();
     font.setBold(true);
     labFolderTip->setFont(font);
-    labFolderTip->setMargin(4);
+    labFolderTip->setContentsMargins(0, 4, 0, 4);
+    labFolderTip->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // however long a folder's name
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -38,6 +44,7 @@ ListPane::ListPane(ShownMailbox &shownMailbox, QWidget *parent)
     connect(&mailbox, &ShownMailbox::DatesChanged, this, &ListPane::ShowTip);
     connect(&mailbox, &ShownMailbox::CommandsChanged, this, &ListPane::ShowHint);
     connect(&mailbox, &ShownMailbox::RowSelected, this, &ListPane::FollowMailbox);
+    connect(sortMenu, &QMenu::aboutToShow, this, &ListPane::FillSortMenu);
     ShowColumns();
     ShowTip();
     ShowHint();
@@ -52,33 +59,48 @@ void ListPane::SetUpGrid()
     grdFaxList->setAllColumnsShowFocus(true);
     grdFaxList->setSelectionMode(QAbstractItemView::ExtendedSelection);
     grdFaxList->setItemDelegate(new MarkedDelegate(grdFaxList));
-    connect(&mailbox.List(), &FaxList::AboutToReset, this, &ListPane::BeginReset);
+    connect(&mailbox.List(), &FaxList::AboutToReset, this, &ListPane::KeepWidths);
     grdFaxList->setModel(model);
     connect(&mailbox.List(), &FaxList::Reset, this, &ListPane::ShowColumns);
     connect(grdFaxList->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &ListPane::TakeSelection);
-    connect(grdFaxList, &QAbstractItemView::activated, this, &ListPane::ViewRequested);
+    connect(grdFaxList, &FaxGrid::OpenRequested, this, &ListPane::ViewRequested);
+    connect(grdFaxList, &FaxGrid::MenuRequested, this, &ListPane::MenuRequested);
+    connect(grdFaxList, &FaxGrid::IconHovered, this, &ListPane::HoverOver);
     connect(grdFaxList, &QAbstractItemView::clicked, this, &ListPane::ClickCell);
     connect(grdFaxList->header(), &QHeaderView::sectionClicked, this,
-            [this](int section) { mailbox.List().SortBy(section + 1); });
-    grdFaxList->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(grdFaxList, &QWidget::customContextMenuRequested, this,
-            [this](const QPoint &place) { emit MenuRequested(grdFaxList->viewport()->mapToGlobal(place)); });
+            [this](int section) { Sort(section + 1); });
     grdFaxList->setMouseTracking(true);
-    grdFaxList->viewport()->installEventFilter(this);
 }
 
 // Columns
 
 /// The layout is about to go: its widths are kept for the next folder of this kind.
-void ListPane::BeginReset()
+void ListPane::KeepWidths()
 {
     if (lShownLayout < 0)
         return;
-    QList<int> &kept = widths[lShownLayout];
-    kept.clear();
-    for (int i = 0; i < grdFaxList->header()->count(); ++i)
-        kept.append(grdFaxList->columnWidth(i));
+    const QHeaderView *header = grdFaxList->header();
+    QList<int> kept;
+    for (int i = 0; i < header->count(); ++i) {
+        if (!header->isSectionHidden(i))
+            kept.append(qRound(header->sectionSize(i) * 96.0 / logicalDpiX()));
+    }
+    kept.removeLast();
+    widths.insert(lShownLayout, kept);
+}
+
+FaxColumnWidths ListPane::Widths()
+{
+    KeepWidths();
+    return widths;
+}
+
+void ListPane::SetWidths(const FaxColumnWidths &newWidths)
+{
+    widths = newWidths;
+    lShownLayout = -1;
+    ShowColumns();
 }
 
 void ListPane::ShowColumns()
@@ -91,19 +113,44 @@ void ListPane::ShowColumns()
     QHeaderView *header = grdFaxList->header();
     header->setMinimumSectionSize(28);
     header->setStretchLastSection(true);
+    int shown = 0;
     for (int i = 0; i < list.Columns().size(); ++i) {
         const FaxColumn &column = list.Columns().at(i);
         header->setSectionHidden(i, column.IsHidden());
         if (!column.IsHidden())
-            header->resizeSection(i, kept.value(i, column.lWidth * logicalDpiX() / 96));
+            header->resizeSection(i, qRound(kept.value(shown++, column.lWidth) * logicalDpiX() / 96.0));
     }
+}
+
+// Order
+
+void ListPane::FillSortMenu()
+{
+    sortMenu->clear();
+    const FaxList &list = mailbox.List();
+    for (int column = colFirstText; column <= list.Columns().size() && list.Layout() > 0; ++column) {
+        const FaxColumn &shown = list.Columns().at(column - 1);
+        if (!shown.IsHidden())
+            sortMenu->addAction(Icons::Get(list.HeaderImageKey(column)), shown.strCaption,
+                                [this, column] { Sort(column); });
+    }
+    if (sortMenu->isEmpty())
+        sortMenu->addAction(tr("(no faxes in this folder)"))->setEnabled(false);
+}
+
+void ListPane::Sort(int column)
+{
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    const auto restore = qScopeGuard([] { QGuiApplication::restoreOverrideCursor(); });
+    mailbox.List().SortBy(column);
+    grdFaxList->scrollTo(grdFaxList->currentIndex());
 }
 
 // Texts
 
 void ListPane::ShowTip()
 {
-    labFolderTip->setText(mailbox.labFolderTip().trimmed().replace("  ", "  ·  "));
+    labFolderTip->setText(mailbox.labFolderTip());
 }
 
 void ListPane::ShowHint()
@@ -132,9 +179,10 @@ void ListPane::FollowMailbox(int row)
         grdFaxList->selectionModel()->clear();
         return;
     }
-    if (!grdFaxList->selectionModel()->isRowSelected(row - 1))
-        grdFaxList->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect |
-                                                                 QItemSelectionModel::Rows);
+    if (grdFaxList->selectionModel()->isRowSelected(row - 1))
+        return; // stays where its reader has scrolled it
+    grdFaxList->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect |
+                                                             QItemSelectionModel::Rows);
     grdFaxList->scrollTo(index);
 }
 
@@ -142,12 +190,17 @@ void ListPane::TakeSelection()
 {
     if (bFollowing)
         return;
-    QModelIndexList rows = grdFaxList->selectionModel()->selectedRows();
+    std::vector<int> rows;
+    for (const QItemSelectionRange &range : grdFaxList->selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.push_back(row + 1);
+    }
     std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     QStringList ids;
-    for (const QModelIndex &index : rows) {
-        if (const QString id = index.data(KeyRole).toString(); !id.isEmpty())
-            ids.append(id);
+    for (const int row : rows) {
+        if (const FaxRow &fax = mailbox.List().Row(row); !fax.bSummary)
+            ids.append(fax.strID);
     }
     const QString current = grdFaxList->currentIndex().data(KeyRole).toString();
     mailbox.SelectFaxes(ids, ids.contains(current) ? current : ids.value(0));
@@ -167,25 +220,14 @@ void ListPane::ReverseSelection()
 
 // The icon of unread faxes
 
-bool ListPane::eventFilter(QObject *watched, QEvent *event)
+void ListPane::HoverOver(int row)
 {
-    if (event->type() == QEvent::MouseMove)
-        HoverOver(static_cast<QMouseEvent *>(event)->pos());
-    else if (event->type() == QEvent::Leave)
-        mailbox.List().SetHoveredRow(0);
-    return QWidget::eventFilter(watched, event);
-}
-
-void ListPane::HoverOver(const QPoint &place)
-{
-    const QModelIndex index = grdFaxList->indexAt(place);
-    const bool isIcon = index.isValid() && index.column() == colIsReaded - 1;
-    const int row = isIcon ? index.row() + 1 : 0;
     mailbox.List().SetHoveredRow(row > 0 && !mailbox.List().Row(row).bRead ? row : 0);
 }
 
+/// A click with Ctrl or Shift selects, and that is all.
 void ListPane::ClickCell(const QModelIndex &index)
 {
-    if (index.column() == colIsReaded - 1)
+    if (index.column() == colIsReaded - 1 && QGuiApplication::keyboardModifiers() == Qt::NoModifier)
         mailbox.Marks().ClickReadIcon(index.row() + 1);
 }

@@ -1,12 +1,13 @@
 #pragma once
 
-#include <QHash>
-#include <QList>
+#include "mailbox/FaxColumnWidths.h"
+
 #include <QWidget>
 
+class FaxGrid;
 class FaxListModel;
-class HintedTreeView;
 class QLabel;
+class QMenu;
 class ShownMailbox;
 
 /// The fax list: the folder's name over `grdFaxList`.
@@ -17,12 +18,15 @@ class ListPane final : public QWidget
 public:
     explicit ListPane(ShownMailbox &mailbox, QWidget *parent = nullptr);
 
-    HintedTreeView &Grid() const { return *grdFaxList; }
+    FaxGrid &Grid() const { return *grdFaxList; }
+    /// The columns to sort by, for those who have no pointer to click on a header.
+    QMenu &SortMenu() const { return *sortMenu; }
     void SelectAll();
     void ReverseSelection();
 
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
+    /// The widths of the columns as the user has left them.
+    FaxColumnWidths Widths();
+    void SetWidths(const FaxColumnWidths &widths);
 
 signals:
     /// A double click or Return on a fax.
@@ -32,20 +36,23 @@ signals:
 
 private:
     void SetUpGrid();
-    void BeginReset();
+    void KeepWidths();
     void ShowColumns();
+    void FillSortMenu();
+    void Sort(int column);
     void ShowTip();
     void ShowHint();
     void FollowMailbox(int row);
     void TakeSelection();
     void ClickCell(const QModelIndex &index);
-    void HoverOver(const QPoint &place);
+    void HoverOver(int row);
 
     ShownMailbox &mailbox;
     FaxListModel *model;
     QLabel *labFolderTip;
-    HintedTreeView *grdFaxList;
-    QHash<int, QList<int>> widths; ///< of the columns, by layout, as the user has left them
+    FaxGrid *grdFaxList;
+    QMenu *sortMenu;
+    FaxColumnWidths widths; ///< of the layouts shown before
     int lShownLayout = -1;
     bool bFollowing = false;
 };
