@@ -14,10 +14,12 @@
 #include "server/Session.h"
 #include "server/wire/clsClient.h"
 
+#include <QHash>
 #include <QScopeGuard>
 
 namespace {
 
+constexpr QLatin1StringView strUnread(",0;");
 constexpr int lBusyPointerDelay = 500; // milliseconds
 
 /// The acknowledgement repeats the ids, and only what comes in one read counts as a short reply: so many
@@ -42,6 +44,21 @@ QStringList SelectIds(const QString &sql)
     while (rows->Next())
         ids.append(rows->Text(0));
     return SafeIds(ids);
+}
+
+/// The receipts of faxes for which the same text again would change nothing: nobody has read the fax, or its
+/// first reader is known. Most faxes of a large mailbox are such, and cost no statement of their own.
+QHash<QString, QString> SelectSettled()
+{
+    QHash<QString, QString> settled;
+    const auto rows = Global().objDB->SelectEx(
+        "SELECT Fax_ID,ReturnReceipts,FirstReader FROM ReceiveFax WHERE ReturnReceipts like '%0;%'");
+    while (rows->Next()) {
+        const QString receipts = rows->Text(1);
+        if (!rows->Text(2).isEmpty() || QString(receipts).remove(strUnread).isEmpty())
+            settled.insert(rows->Text(0), receipts);
+    }
+    return settled;
 }
 
 /// Each id with ";" behind it.
@@ -172,11 +189,17 @@ void ReturnReceipts::HandleReceiptStateReply(const ClientReply &reply)
 bool ReturnReceipts::StoreStates(const QStringList &lines)
 {
     bool isReaderNew = false;
+    const QHash<QString, QString> settled = SelectSettled();
     TransactionScope transaction(*Global().objDB);
     // The first line is the status, the last the empty tail.
     for (qsizetype i = 1; i < lines.size() - 1; ++i) {
         const QStringList fields = lines[i].split(QChar(1));
-        if (fields.size() == 2 && IsSafeFaxID(fields[0]) && StoreState(fields[0], fields[1]))
+        if (fields.size() != 2 || !IsSafeFaxID(fields[0]))
+            continue;
+        const auto known = settled.find(fields[0]);
+        if (known != settled.end() && known.value() == fields[1])
+            continue;
+        if (StoreState(fields[0], fields[1]))
             isReaderNew = true;
     }
     transaction.Commit();

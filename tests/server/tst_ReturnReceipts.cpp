@@ -159,16 +159,17 @@ private slots:
         Fax("A", "Ann;O~$@~Hara;", ",0;,0;");
         Fax("B", "Ann;Bert;", ",0;,0;");
         Fax("C", "Ann;Bert;", "2024-01-31,1;,0;", "Carl");
+        Fax("D", "Ann;Bert;", "2024-01-31,1;,0;"); // read before it was fetched
         Fax("ALL", "Ann;", "2024-01-31,1;");
         bench->SayLong(
             "OK\r\nA\1,0;2024-01-31 09:00:00,1;\r\nB\1'a',0;\r\nC\0012024-01-30,1;2024-01-29,1;\r\n"
-            "ALL\1,0;\1\r\nB' or '1\1,0;\r\nALL\r\n");
+            "D\0012024-01-31,1;,0;\r\nALL\1,0;\1\r\nB' or '1\1,0;\r\nALL\r\n");
         QCOMPARE(AskForStates(), WaitEnd::Replied);
-        QCOMPARE(bench->Heard(), QStringList("20 \6   A;B;C;"));
+        QCOMPARE(bench->Heard(), QStringList("20 \10   A;B;C;D;"));
         QCOMPARE(Profile::Values("SELECT Fax_ID||' '||ReturnReceipts||' '||ifnull(FirstReader,'') FROM "
                                  "ReceiveFax ORDER BY Fax_ID"),
                  QStringList({"A ,0;2024-01-31 09:00:00,1; O~$@~Hara", "ALL 2024-01-31,1; ", "B a,0; ",
-                              "C 2024-01-30,1;2024-01-29,1; Carl"}));
+                              "C 2024-01-30,1;2024-01-29,1; Carl", "D 2024-01-31,1;,0; Ann"}));
         QCOMPARE(bench->desktop.mailbox.aCalls, QStringList("folder again"));
         bench->SayLong("OK\r\nA\1,0;,0;\r\n");
         QCOMPARE(AskForStates(), WaitEnd::Replied);
