@@ -1,5 +1,7 @@
 #include "controls/Colors.h"
 
+#include <QPalette>
+
 #include <algorithm>
 #include <cmath>
 
@@ -8,6 +10,7 @@ namespace {
 /// The contrast that large and graphical text needs.
 constexpr double dEnoughContrast = 3.0;
 constexpr float fStep = 0.02f;
+constexpr int lHintAlpha = 160;
 
 double Linear(double channel)
 {
@@ -45,4 +48,11 @@ QColor GetQuietColor(const QColor &color)
     const QColor hsl = color.toHsl();
     return QColor::fromHslF(std::max(0.0f, hsl.hslHueF()), hsl.hslSaturationF() / 4, hsl.lightnessF())
         .toRgb();
+}
+
+QColor GetHintColor(const QPalette &palette)
+{
+    QColor color = palette.color(QPalette::Text);
+    color.setAlpha(lHintAlpha);
+    return color;
 }

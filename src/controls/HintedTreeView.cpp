@@ -49,7 +49,7 @@ void HintedTreeView::paintEvent(QPaintEvent *event)
     if (strHint.isEmpty() || (model() && model()->rowCount(rootIndex()) > 0))
         return;
     QPainter painter(viewport());
-    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.setPen(GetHintColor(palette()));
     painter.drawText(viewport()->rect().adjusted(lMargin, lMargin, -lMargin, -lMargin),
                      Qt::AlignCenter | Qt::TextWordWrap, strHint);
 }

@@ -1,5 +1,6 @@
 #include "controls/PageCanvas.h"
 
+#include "controls/Colors.h"
 #include "controls/PageScaler.h"
 
 #include <QEvent>
@@ -161,7 +162,7 @@ void PageCanvas::paintEvent(QPaintEvent *)
         painter.fillRect(place.adjusted(-1, -1, 1, 1), palette().color(QPalette::Dark));
         PaintPage(painter, place.intersected(rect()));
     } else {
-        painter.setPen(palette().color(QPalette::PlaceholderText));
+        painter.setPen(GetHintColor(palette()));
         painter.drawText(rect().adjusted(20, 20, -20, -20), Qt::AlignCenter | Qt::TextWordWrap, strNotice);
     }
     if (hasFocus()) {

@@ -11,6 +11,10 @@
 namespace {
 
 constexpr QSize smallestGrip(80, 40);
+constexpr QSize designed(1024, 600); ///< of the panes together
+constexpr int lTreesWidth = 220;
+constexpr int lContactsHeight = 240;
+constexpr int lListHeight = 230;
 constexpr QSize frameSize(12, 36); ///< about what a window manager draws around a window
 
 /// Enough of the window's upper edge stands on a screen to be grasped.
@@ -33,27 +37,39 @@ QSize FitScreen(const QRect &window)
     return screen ? window.size().boundedTo(screen->availableSize() - frameSize) : window.size();
 }
 
-/// Gives the first and second part of a splitter their sizes, where they are known.
+/// One size alone says nothing.
 void RestoreSizes(QSplitter *splitter, const std::optional<int> &first, const std::optional<int> &second)
 {
-    QList<int> sizes = splitter->sizes();
-    sizes[0] = std::max(1, first.value_or(sizes.at(0)));
-    sizes[1] = std::max(1, second.value_or(sizes.at(1)));
-    splitter->setSizes(sizes);
+    if (first && second)
+        splitter->setSizes({std::max(1, *first), std::max(1, *second)});
 }
 
 } // namespace
 
+void PaneLayout::Design()
+{
+    panes.columns->setStretchFactor(0, 0);
+    panes.columns->setStretchFactor(1, 1);
+    panes.faxes->setStretchFactor(0, 2);
+    panes.faxes->setStretchFactor(1, 3);
+    panes.columns->setSizes({lTreesWidth, designed.width() - lTreesWidth});
+    panes.faxes->setSizes({lListHeight, designed.height() - lListHeight});
+    panes.trees->setSizes({designed.height() - lContactsHeight, lContactsHeight});
+    panes.tvAddressbook->hide();
+    hidden[panes.tvAddressbook] = {0, designed.height() - lContactsHeight, lTreesWidth, lContactsHeight};
+}
+
 void PaneLayout::Restore(const MainLayout &layout)
 {
     PlaceWindow(layout);
-    hidden = {{panes.tvAddressbook, layout.tvAddressbook}, {panes.picPreview, layout.picPreview}};
-    if (layout.tvFolder.lWidth)
-        RestoreSizes(panes.columns, layout.tvFolder.lWidth, layout.grdFaxList.lWidth);
-    if (layout.tvFolder.lHeight)
-        RestoreSizes(panes.trees, layout.tvFolder.lHeight, layout.tvAddressbook.lHeight);
-    if (layout.grdFaxList.lHeight)
-        RestoreSizes(panes.faxes, layout.grdFaxList.lHeight, layout.picPreview.lHeight);
+    for (const auto &[pane, rect] : {std::pair(panes.tvAddressbook, layout.tvAddressbook),
+                                     std::pair(panes.picPreview, layout.picPreview)}) {
+        if (rect.lHeight)
+            hidden[pane] = rect;
+    }
+    RestoreSizes(panes.columns, layout.tvFolder.lWidth, layout.grdFaxList.lWidth);
+    RestoreSizes(panes.trees, layout.tvFolder.lHeight, layout.tvAddressbook.lHeight);
+    RestoreSizes(panes.faxes, layout.grdFaxList.lHeight, layout.picPreview.lHeight);
     panes.tvAddressbook->setVisible(layout.bAddressbookVisible.value_or(!panes.tvAddressbook->isHidden()));
     panes.picPreview->setVisible(layout.bPreviewVisible.value_or(!panes.picPreview->isHidden()));
     panes.frmeHistory->setVisible(layout.bHistoryVisible.value_or(!panes.frmeHistory->isHidden()));

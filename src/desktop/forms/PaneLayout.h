@@ -32,6 +32,8 @@ public:
     {
     }
 
+    /// Gives the panes the places that they have before any settings.
+    void Design();
     /// What `layout` leaves open stays as it is. A window that would stand outside all screens keeps its
     /// place.
     void Restore(const MainLayout &layout);

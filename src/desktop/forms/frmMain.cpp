@@ -60,16 +60,10 @@ void frmMain::PlacePanes()
     ui->picHSource_2->addWidget(upper);
     ui->picHSource_2->addWidget(picPreview);
     ui->picSource->setMinimumWidth(ui->picVSource->Clearance());
-    ui->picVSource->setStretchFactor(0, 0);
-    ui->picVSource->setStretchFactor(1, 1);
-    ui->picHSource_2->setStretchFactor(0, 2);
-    ui->picHSource_2->setStretchFactor(1, 3);
-    ui->picVSource->setSizes({220, 804});
-    ui->picHSource_2->setSizes({230, 370});
-    tvAddressbook->hide();
     paneLayout = std::make_unique<PaneLayout>(
         PaneLayout::Panes{this, ui->picVSource, ui->picSource, ui->picHSource_2, tvFolder, tvAddressbook,
                           upper, picPreview, frmeHistory, ui->tbClient});
+    paneLayout->Design();
     QWidget::setTabOrder(tvFolder, tvAddressbook);
     tvFolder->setFocus();
 }
@@ -94,7 +88,8 @@ void frmMain::SetUpOwnCommands()
     SetCommand("mnuReverseSel", [this] { listPane->ReverseSelection(); });
     SetCommand("mnuHadRead", [this] { mailbox.Marks().mnuHadRead(); });
     SetCommand("mnuUnRead", [this] { mailbox.Marks().mnuUnRead(); });
-    SetCommand("mnuNextPane", [this] { GoToNextPane(); });
+    SetCommand("mnuNextPane", [this] { GoToPane(1); });
+    SetCommand("mnuPreviousPane", [this] { GoToPane(-1); });
     SetCommand("mnuMoveBorder", [this] { MoveNextBorder(); });
     SetCommand("mnuPreview", [this] { paneLayout->SetVisible(picPreview, ui->mnuPreview->isChecked()); });
     SetCommand("mnuHistory", [this] { paneLayout->SetVisible(frmeHistory, ui->mnuHistory->isChecked()); });
@@ -134,6 +129,12 @@ void frmMain::ConnectPanes()
     });
     connect(&mailbox, &ShownMailbox::StatusChanged, this,
             [this] { panels->SetTotals(mailbox.StatusText()); });
+    // In the trees these keys mean something else.
+    for (QAction *action : {ui->mnuEditDelete, ui->mnuHadRead, ui->mnuUnRead}) {
+        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        listPane->addAction(action);
+        picPreview->addAction(action);
+    }
     // Not through the menu item: a draft without pages is opened, too.
     connect(listPane, &ListPane::ViewRequested, this, [this] { commands->Run("mnuViewFax"); });
     connect(picPreview, &PreviewPane::ViewRequested, this, [this] { commands->Trigger("mnuViewFax"); });
@@ -182,19 +183,16 @@ void frmMain::SetGridCommands()
     commands->Apply(CommandStates::SetGridCommands(ReadGridInput()));
 }
 
-void frmMain::GoToNextPane()
+/// Goes round the panes that are shown, forward by 1 or back by -1.
+void frmMain::GoToPane(int step)
 {
-    const QList<QWidget *> panes{tvFolder, tvAddressbook, &listPane->Grid(), &picPreview->Canvas()};
-    int current = -1;
-    for (int i = 0; i < panes.size(); ++i) {
-        if (panes.at(i)->hasFocus() || panes.at(i)->isAncestorOf(focusWidget()))
-            current = i;
-    }
-    for (int step = 1; step <= panes.size(); ++step) {
-        QWidget *next = panes.at((current + step) % static_cast<int>(panes.size()));
-        if (next->isVisible())
-            return next->setFocus(Qt::TabFocusReason);
-    }
+    QWidgetList panes{tvFolder, tvAddressbook, &listPane->Grid(), &picPreview->Canvas()};
+    panes.removeIf([](const QWidget *pane) { return !pane->isVisible(); });
+    if (panes.isEmpty())
+        return;
+    const qsizetype current = panes.indexOf(focusWidget());
+    const qsizetype next = current < 0 ? 0 : current + step + panes.size();
+    panes.at(next % panes.size())->setFocus(Qt::TabFocusReason);
 }
 
 /// The borders get the arrow keys in turn.

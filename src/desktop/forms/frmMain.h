@@ -82,7 +82,7 @@ private:
     void SetUpOwnCommands();
     void SetUpToolBar();
     void ConnectPanes();
-    void GoToNextPane();
+    void GoToPane(int step);
     void MoveNextBorder();
 
     void RunGuarded(const QString &routine, const std::function<void()> &run);
