@@ -21,13 +21,18 @@ ShownMailbox::ShownMailbox(Message &messageBox, const Clock &clock)
 }
 
 /// Every entry from the outside goes through here: an error ends in a box, not in the event loop.
-void ShownMailbox::Guard(const QString &routine, const std::function<void()> &run)
+void ShownMailbox::Trap(const QString &heading, const std::function<void()> &run)
 {
     try {
         run();
     } catch (const RaisedError &error) {
-        message.ShowMessage("error in " + routine + "\r\n" + error.Description(), mbExclamation);
+        message.ShowMessage(heading + "\r\n" + error.Description(), mbExclamation);
     }
+}
+
+void ShownMailbox::Guard(const QString &routine, const std::function<void()> &run)
+{
+    Trap("error in " + routine, run);
 }
 
 // Folders
@@ -71,7 +76,7 @@ void ShownMailbox::ShowFolder(FolderNode *node)
     selected = node;
     ClearSelection();
     ResetPreview();
-    list.SetLayout(GetColumnLayout(node->Family));
+    Trap("Error In InitFaxList", [&] { list.SetLayout(GetColumnLayout(node->Family)); });
     emit FolderSelected(node);
     const int mode = GetListMode(node->Family, GetNodeParentKey(node));
     if (mode >= 0)

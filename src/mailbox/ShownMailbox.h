@@ -100,6 +100,7 @@ signals:
     void StatusChanged();
 
 private:
+    void Trap(const QString &heading, const std::function<void()> &run);
     void Guard(const QString &routine, const std::function<void()> &run);
     void LoadList(const FaxListQueries::Selection &selection, bool clearFirst);
     void LoadSummary();

@@ -119,6 +119,12 @@ private slots:
     {
         Command("mnuSelectAll").trigger();
         QCOMPARE(mailbox->SelectedFaxes(), QStringList({"B", "A"}));
+        const auto &grid = Get<QTreeView>("grdFaxList");
+        mailbox->LoadGridItem("1001", 2, {}, false, false);
+        QCOMPARE(grid.selectionModel()->selectedRows().size(), 2); // a fetch leaves them
+        mailbox->SelectCurrentRow();
+        QCOMPARE(grid.selectionModel()->selectedRows().size(), 1);
+        Command("mnuSelectAll").trigger();
         Command("mnuReverseSel").trigger();
         QCOMPARE(mailbox->SelectedFaxes(), QStringList());
         QVERIFY(!mailbox->Preview().HasImage());

@@ -18,7 +18,6 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <vector>
 
 ListPane::ListPane(ShownMailbox &shownMailbox, QWidget *parent)
     : QWidget(parent)
@@ -171,6 +170,18 @@ void ListPane::ShowHint()
 
 // Selection
 
+std::vector<int> ListPane::SelectedRows() const
+{
+    std::vector<int> rows;
+    for (const QItemSelectionRange &range : grdFaxList->selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.push_back(row + 1);
+    }
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return rows;
+}
+
 void ListPane::FollowMailbox(int row)
 {
     const QScopedValueRollback<bool> following(bFollowing, true);
@@ -179,7 +190,8 @@ void ListPane::FollowMailbox(int row)
         grdFaxList->selectionModel()->clear();
         return;
     }
-    if (grdFaxList->selectionModel()->isRowSelected(row - 1))
+    const auto wanted = static_cast<std::size_t>(mailbox.SelectedFaxes().size());
+    if (grdFaxList->selectionModel()->isRowSelected(row - 1) && SelectedRows().size() == wanted)
         return; // stays where its reader has scrolled it
     grdFaxList->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect |
                                                              QItemSelectionModel::Rows);
@@ -190,15 +202,8 @@ void ListPane::TakeSelection()
 {
     if (bFollowing)
         return;
-    std::vector<int> rows;
-    for (const QItemSelectionRange &range : grdFaxList->selectionModel()->selection()) {
-        for (int row = range.top(); row <= range.bottom(); ++row)
-            rows.push_back(row + 1);
-    }
-    std::sort(rows.begin(), rows.end());
-    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     QStringList ids;
-    for (const int row : rows) {
+    for (const int row : SelectedRows()) {
         if (const FaxRow &fax = mailbox.List().Row(row); !fax.bSummary)
             ids.append(fax.strID);
     }

@@ -4,6 +4,8 @@
 
 #include <QWidget>
 
+#include <vector>
+
 class FaxGrid;
 class FaxListModel;
 class QLabel;
@@ -42,6 +44,8 @@ private:
     void Sort(int column);
     void ShowTip();
     void ShowHint();
+    /// Rows of the list, from 1, in their order.
+    std::vector<int> SelectedRows() const;
     void FollowMailbox(int row);
     void TakeSelection();
     void ClickCell(const QModelIndex &index);
