@@ -24,7 +24,6 @@ struct WireDialogue
         QObject::connect(client.get(), &clsClient::SendingProgress,
                          [this](int percent) { aProgress.append(percent); });
         QObject::connect(client.get(), &clsClient::SendComplete, [this] { ++lSendCompletes; });
-        QObject::connect(client.get(), &clsClient::ConnectClosed, [this] { ++lCloses; });
         Reconnect();
     }
 
@@ -107,5 +106,4 @@ struct WireDialogue
     QList<ClientError> aErrors;
     QList<int> aProgress;
     int lSendCompletes = 0;
-    int lCloses = 0;
 };

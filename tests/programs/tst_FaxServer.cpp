@@ -305,9 +305,6 @@ private slots:
         QVERIFY(WriteTestFile(text, "no picture"));
         QCOMPARE(server->Run({"--data", server->DataFolder(), "--deliver", "anna", strFax, text}), 1);
         QVERIFY(server->Output().contains("is no TIFF"));
-        QCOMPARE(server->Run({"--data", server->DataFolder(), "--deliver", "nobody", strFax}), 1);
-        QVERIFY(server->Output().contains("There is no user nobody."));
-        QCOMPARE(server->Run({"--data", server->DataFolder(), "--port", "x"}), 1);
         StartWithFaxes(0);
         RawClient client(*server);
         QCOMPARE(client.LogIn("anna", abAnna), abOk);
@@ -387,36 +384,6 @@ private slots:
         QCOMPARE(client.Ask(Number(10) + "yesterday;today" + '\0' + "1;1;1;1"), Refused(22));
     }
 
-    void scriptReplacesReplies()
-    {
-        StartWithFaxes(0, "# a comment\n\non 6 once refuse 5 # said once\n"
-                          "on 6 #2 long \"OK\\r\\na\\01\\09\\r\\n\"\n"
-                          "on 6 #3 hex ff0000 raw \"x\"\non 6 #4+ declare +3\non 17 refuse 14\n");
-        RawClient client(*server);
-        QCOMPARE(client.LogIn("anna", abAnna), abOk);
-        const QByteArray list("\x0b\0\0\0OK\r\na\0"
-                              "1\0"
-                              "9\r\n",
-                              15),
-            bytes("\xff\0\0x", 4);
-        const QByteArray tooShort = Number(7) + "OK\r\n";
-        for (const QByteArray &reply : {Refused(5), list, bytes, tooShort, tooShort})
-            QCOMPARE(client.Ask(Number(6), reply.size()), reply);
-        for (int i = 0; i < 2; ++i)
-            QCOMPARE(client.Ask(Number(17)), Refused(14));
-    }
-
-    void wrongScriptsAreToldByLine()
-    {
-        const QString script = server->DataFolder() + "/script";
-        for (const char *line :
-             {"hello", "on 21 close", "on 6 dance", "on 6 #2", "on 6 delay soon", "on 6 long \"OK"}) {
-            QVERIFY(WriteTestFile(script, QByteArray("on 6 close\n") + line));
-            QCOMPARE(server->Run({"--data", server->DataFolder(), "--script", script}), 1);
-            QVERIFY2(server->Output().contains("Line 2 of the script: "), line);
-        }
-    }
-
     void hostileInputEndsOneConnectionOnly()
     {
         StartWithFaxes(1);
@@ -472,10 +439,10 @@ private slots:
     }
 
 private:
-    void StartWithFaxes(int count, const QByteArray &script = {})
+    void StartWithFaxes(int count)
     {
         QVERIFY2(count == 0 || server->Deliver("anna", {strFax}, count), qPrintable(server->Problem()));
-        QVERIFY2(server->Start(script), qPrintable(server->Problem()));
+        QVERIFY2(server->Start(), qPrintable(server->Problem()));
     }
 
     std::unique_ptr<TrialServer> server;

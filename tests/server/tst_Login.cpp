@@ -1,7 +1,6 @@
 #include "fixtures/LoginTest.h"
 #include "fixtures/OldDatabases.h"
 #include "fixtures/TestTable.h"
-#include "server/LoginReply.h"
 #include "server/wire/Frames.h"
 
 #include <QDir>
@@ -20,29 +19,6 @@ class tst_Login : public QObject, private LoginTest
 private slots:
     void init() { SetUp(); }
     void cleanup() { TearDown(); }
-
-    void repliesAreTold()
-    {
-        struct
-        {
-            QByteArray data;
-            LoginReply::Kind kind;
-            QString detail;
-        } rows[] = {{"Welcome\r\n1.6 beta\r\nTokyo", LoginReply::rplGreeting, "1.6 beta"}, // holds an "ok"
-                    {"Welcome", LoginReply::rplUnexpected, ""},
-                    {"Welcome!\r\n1.6 beta", LoginReply::rplOther, ""},
-                    {QByteArray("user\0ok", 7), LoginReply::rplAccepted, ""},
-                    {"OK\r\n14\r\nerr", LoginReply::rplRefused, "14"},
-                    {"ERR", LoginReply::rplUnexpected, ""},
-                    {"", LoginReply::rplOther, ""}};
-        for (const auto &row : rows) {
-            ClientReply reply;
-            reply.abData = row.data;
-            const LoginReply told = LoginReply::Classify(reply);
-            QCOMPARE(told.kind, row.kind);
-            QCOMPARE(told.strCode + told.strVersion, row.detail);
-        }
-    }
 
     void nobodyElseReadsWhatALoginMakes()
     {
@@ -297,6 +273,7 @@ private slots:
         row("silent", [this] { Server().AcceptConnection(); }, true, {lost});
         row("silent after the greeting", greetLate, true, {lost});
         row("one line only", say("Welcome"), true, {"Unexpected data received from server!", lost});
+        row("refusal of one line", say("ERR"), true, {"Unexpected data received from server!", lost});
         row("another protocol", say("Welcome\r\n1.5\r\n"), false, {version});
     }
 

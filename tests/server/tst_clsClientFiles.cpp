@@ -112,25 +112,6 @@ private slots:
         }
     }
 
-    void fileOfOneBlockGoesInOneFrame()
-    {
-        WireDialogue wire;
-        const QByteArray content(2048000, 'f'); // exactly one block
-        BeginUpload(wire, content);
-        wire.ports.pump.Then([&] {
-            QVERIFY(wire.client->IsWaitingServerReady());
-            wire.socket.FeedShort("OK");
-        });
-        wire.socket.DrainSends();
-        QVERIFY(!wire.client->IsWaitingServerReady());
-        QCOMPARE(wire.Told(), QStringList{"4 0% -1/-1 OK"});
-        QCOMPARE(wire.socket.aWrites, QByteArrayList{Frames::FormC(2048000, content)});
-        wire.socket.DrainSends();
-        QCOMPARE(wire.lSendCompletes, 0);
-        QCOMPARE(wire.aProgress, QList<int>{100});
-        QVERIFY(wire.IsIdle());
-    }
-
     void largeFileGoesBlockByBlock()
     {
         WireDialogue wire;
