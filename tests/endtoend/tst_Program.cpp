@@ -25,7 +25,7 @@
 namespace {
 constexpr quint32 lSeed = 20240131;
 constexpr int lFaxes = 50;
-constexpr int lKills = 20;
+constexpr int lKills = 12;
 constexpr int lLongestWait = 30000;
 
 bool WaitFor(const std::function<bool()> &condition)
