@@ -43,15 +43,20 @@ public:
 
     /// Binds a value; `index` counts from 1. Type 5 means a blob.
     void BindParameter(int index, const QByteArray &value, int type);
+    /// Binds a text, which is copied; it needs no escape.
+    void BindText(int index, QStringView value);
 
     /// Runs the statement to its end.
     void Execute();
+    /// Puts the statement before its first row again, for other values.
+    void Reset();
 
     /// Finishes the statement; further calls raise.
     void Close();
 
 private:
     sqlite3_stmt *Prepared() const;
+    void RequireParameter(int index, const QString &source) const;
     int ColumnIndex(const QString &name) const;
 
     sqlite3 *connection;

@@ -145,18 +145,41 @@ void clsStatement::BindParameter(int index, const QByteArray &value, int type)
     sqlite3_stmt *prepared = Prepared();
     if (type != lBlob)
         DatabaseErrors::Raise(DatabaseErrors::lUnknownBinaryData, "BindParameter");
-    if (index < 1 || index > sqlite3_bind_parameter_count(prepared))
-        DatabaseErrors::Raise(DatabaseErrors::lParameterOutOfRange, "BindParameter");
+    RequireParameter(index, "BindParameter");
     const auto size = static_cast<sqlite3_uint64>(value.size());
     const int result = sqlite3_bind_blob64(prepared, index, value.constData(), size, SQLITE_TRANSIENT);
     if (result != SQLITE_OK)
         DatabaseErrors::RaiseResult(connection, result, "BindParameter");
 }
 
+void clsStatement::BindText(int index, QStringView value)
+{
+    RequireParameter(index, "BindText");
+    // A null pointer would be bound as NULL.
+    const char16_t *text = value.isNull() ? u"" : value.utf16();
+    const auto bytes = static_cast<sqlite3_uint64>(value.size()) * sizeof(char16_t);
+    const int result = sqlite3_bind_text64(statement, index, reinterpret_cast<const char *>(text), bytes,
+                                           SQLITE_TRANSIENT, SQLITE_UTF16);
+    if (result != SQLITE_OK)
+        DatabaseErrors::RaiseResult(connection, result, "BindText");
+}
+
+void clsStatement::RequireParameter(int index, const QString &source) const
+{
+    if (index < 1 || index > sqlite3_bind_parameter_count(Prepared()))
+        DatabaseErrors::Raise(DatabaseErrors::lParameterOutOfRange, source);
+}
+
 void clsStatement::Execute()
 {
     while (Next()) {
     }
+}
+
+void clsStatement::Reset()
+{
+    sqlite3_reset(Prepared()); // tells the result of the run before, which has been raised already
+    bDone = false;
 }
 
 void clsStatement::Close()

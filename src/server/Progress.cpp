@@ -9,6 +9,8 @@
 
 namespace {
 constexpr int lAnimationInterval = 100; // milliseconds
+constexpr int lShowDelay = 500;
+constexpr int lLeastStay = 700;
 constexpr int lLastFrame = 6;
 constexpr int lFreshPercent = 5; // a task below this has just begun
 
@@ -75,9 +77,15 @@ bool Selects(const Mode &mode, int percent)
 Progress::Progress(Timers &timers, QObject *parent)
     : QObject(parent)
     , Timer1(timers.Create())
+    , tmrShow(timers.Create())
+    , tmrStay(timers.Create())
 {
     Timer1->SetInterval(lAnimationInterval);
+    tmrShow->SetInterval(lShowDelay);
+    tmrStay->SetInterval(lLeastStay);
     connect(Timer1.get(), &Timer::Tick, this, &Progress::OnTimer1);
+    connect(tmrShow.get(), &Timer::Tick, this, &Progress::OnShowTick);
+    connect(tmrStay.get(), &Timer::Tick, this, &Progress::OnStayTick);
     Reset();
 }
 
@@ -110,8 +118,21 @@ void Progress::Load()
 void Progress::Show(bool owned)
 {
     Load();
+    tmrShow->SetEnabled(false);
     bVisible = true;
     emit Shown(owned);
+}
+
+void Progress::ShowSoon()
+{
+    Load();
+    tmrShow->SetEnabled(!bVisible);
+}
+
+void Progress::OnShowTick()
+{
+    Show();
+    tmrStay->SetEnabled(true);
 }
 
 void Progress::Unload()
@@ -119,9 +140,18 @@ void Progress::Unload()
     if (!bLoaded)
         return;
     StopAnimation();
+    tmrShow->SetEnabled(false);
     bLoaded = false;
     bVisible = false;
-    emit Unloaded();
+    if (!tmrStay->IsEnabled())
+        emit Unloaded();
+}
+
+void Progress::OnStayTick()
+{
+    tmrStay->SetEnabled(false);
+    if (!bLoaded)
+        emit Unloaded();
 }
 
 void Progress::SetTotal(int total)
@@ -297,10 +327,13 @@ void Progress::OnTimer1()
 void Progress::ClickCancelOperate()
 {
     const bool cancels = strButtonTag == "Cancel";
+    tmrStay->SetEnabled(false);
     if (cancels)
         CancelRun();
-    else
+    else if (bLoaded)
         Unload();
+    else
+        emit Unloaded(); // it only stayed to be read
     if (!owner)
         return;
     owner->EnableMainWindow();

@@ -52,6 +52,9 @@ public:
     void Load();
     /// Loads and shows the window, not modal; `owned` keeps it in front of the main window.
     void Show(bool owned = true);
+    /// Loads the window for a run that may be over at once: it shows after half a second, and then stays long
+    /// enough to be read.
+    void ShowSoon();
     void Unload();
     bool IsLoaded() const { return bLoaded; }
     bool IsVisible() const { return bVisible; }
@@ -112,6 +115,8 @@ signals:
 
 private:
     void OnTimer1();
+    void OnShowTick();
+    void OnStayTick();
     void Reset();
     void MarkLastRow(const QString &image, const QString &state);
     void SelectRow(int row);
@@ -121,6 +126,8 @@ private:
 
     ProgressOwner *owner = nullptr;
     std::unique_ptr<Timer> Timer1;
+    std::unique_ptr<Timer> tmrShow; ///< runs until a window shows that comes late
+    std::unique_ptr<Timer> tmrStay; ///< runs while such a window may not go yet
     bool bLoaded = false;
     bool bVisible = false;
     int lMode = 0;

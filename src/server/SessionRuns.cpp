@@ -60,13 +60,13 @@ void SessionRuns::BeginOnline()
     if (!rooms.session.bOnline)
         return;
     rooms.mainWindow.SetServerPanel(Global().strServerIP);
-    if (SyncOrUnload() && Global().Connected)
+    if (SyncOrUnload(true) && Global().Connected)
         SendAndReceive(true);
 }
 
-bool SessionRuns::SyncOrUnload()
+bool SessionRuns::SyncOrUnload(bool showProgress)
 {
-    SyncWithServer(true);
+    SyncWithServer(showProgress);
     if (rooms.session.bServerRefused)
         rooms.mainWindow.Unload();
     return !rooms.session.bServerRefused;
@@ -87,13 +87,18 @@ void SessionRuns::SyncWithServer(bool showProgress)
     if (!scope)
         return;
     rooms.mainWindow.SetGridCommands();
-    rooms.progress.Show();
+    if (showProgress)
+        rooms.progress.ShowSoon(); // mostly there is nothing to fetch: the window would only flash
+    else
+        rooms.progress.Show();
     rooms.progress.SetButton("Cancel", Tr("&Cancel"));
     rooms.progress.SetText({});
+    rooms.progress.ClearRows(); // of a run whose window is still open
     const auto finish = qScopeGuard([this, showProgress] {
         rooms.progress.SetButton("Close", Tr("&Close"));
         rooms.progress.SetButtonEnabled(true);
         rooms.progress.SetWindowMode(false, {});
+        rooms.progress.StopAnimation();
         if (showProgress)
             rooms.progress.Unload();
     });
@@ -147,6 +152,11 @@ void SessionRuns::mnuSendReceive()
     SendAndReceive(true);
 }
 
+void SessionRuns::mnuSyncAddressBook()
+{
+    TrapErrors("mnuSyncAddressBook - frmMain", [this] { SyncOrUnload(false); });
+}
+
 void SessionRuns::mnuLoginServer()
 {
     Session &session = rooms.session;
@@ -162,7 +172,7 @@ void SessionRuns::mnuLoginServer()
         mnuSend();
         mnuSendReceive();
     }
-    TrapErrors("mnuLoginServer - frmMain", [this] { SyncOrUnload(); });
+    TrapErrors("mnuLoginServer - frmMain", [this] { SyncOrUnload(true); });
     rooms.mainWindow.SetServerPanel(Global().strServerIP);
 }
 

@@ -41,7 +41,8 @@ public:
     /// Logs off as the main window closes; takes 5 seconds at most.
     void LogOffAtClose();
 
-    /// The sequence after connecting. Raises the database layer's errors.
+    /// The sequence after connecting. `showProgress` takes the progress window away again; otherwise it stays
+    /// for the user to close. Raises the database layer's errors.
     void SyncWithServer(bool showProgress);
     /// Uploads, then downloads, then asks for the states if `checkState` says so.
     void SendAndReceive(bool checkState);
@@ -49,6 +50,8 @@ public:
     // Commands of the menus
     void mnuLoginServer();
     void mnuLogoutServer();
+    /// Synchronises once more; the window stays and tells that it is done.
+    void mnuSyncAddressBook();
     void mnuSend();
     void mnuSendReceive();
 
@@ -56,7 +59,7 @@ public:
     bool ChangePassword(const QString &oldPassword, const QString &newPassword);
 
 private:
-    bool SyncOrUnload();
+    bool SyncOrUnload(bool showProgress);
     void BeginOnline();
     void OpenFaxFile();
     void ReadUserID();

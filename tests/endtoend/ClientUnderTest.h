@@ -13,6 +13,7 @@
 #include "server/FaxUpload.h"
 #include "server/Login.h"
 #include "server/Progress.h"
+#include "server/ReturnReceipts.h"
 #include "server/Session.h"
 #include "server/SessionRuns.h"
 
@@ -67,11 +68,12 @@ public:
     Ports ports{pump, timers, clock, ids, message, folders, shell, sound, blocks, instance, sockets};
 
     FakeDesktop desktop;
-    AddressSync addressSync;
     FaxUpload faxUpload;
     FaxStatus faxStatus;
     Progress progress{timers};
     Session session{ports, progress, desktop.mainWindow};
+    ReturnReceipts receipts{ports, session, desktop.mailbox, desktop.mainWindow};
+    AddressSync addressSync{ports, {session, progress, receipts, desktop.addressTree}};
     FaxDownload download{ports,
                          {session, progress, faxStatus, desktop.printing, desktop.notifier,
                           desktop.mainWindow, desktop.mailbox}};

@@ -41,6 +41,11 @@ bool FetchTest::Fetch()
     return RunIsOver([this] { client->download.mnuReceive(); });
 }
 
+bool FetchTest::Synchronise()
+{
+    return RunIsOver([this] { client->runs.mnuSyncAddressBook(); });
+}
+
 bool FetchTest::RunIsOver(const std::function<void()> &run)
 {
     QElapsedTimer elapsed;

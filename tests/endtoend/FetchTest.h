@@ -24,6 +24,8 @@ public:
     /// One run of "Receive". True when it ended in time and left nothing behind that a next run or the user
     /// would stumble over.
     bool Fetch();
+    /// One run of "Synchronise"; true as for `Fetch`.
+    bool Synchronise();
 
     /// Progress states such as "Completed", in the order of the rows.
     QStringList States() const;

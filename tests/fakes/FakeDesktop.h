@@ -1,5 +1,6 @@
 #pragma once
 
+#include "addressbook/AddressTree.h"
 #include "desktop/Forms.h"
 #include "desktop/MainWindow.h"
 #include "desktop/Notifier.h"
@@ -95,12 +96,22 @@ public:
     QStringList aPrinted; ///< "path 1-2 x3 printer"
 };
 
+/// Counts how often it was built anew.
+class FakeAddressTree final : public AddressTree
+{
+public:
+    void LoadAddressBook() override { ++lLoads; }
+
+    int lLoads = 0;
+};
+
 /// The desktop around the logic.
 struct FakeDesktop
 {
     FakeMainWindow mainWindow;
     FakeMailbox mailbox;
     FakeNotifier notifier;
+    FakeAddressTree addressTree;
     FakeForms forms;
     FakePrinting printing;
 };

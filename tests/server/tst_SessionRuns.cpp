@@ -5,6 +5,7 @@
 #include "server/AddressSync.h"
 #include "server/FaxUpload.h"
 #include "server/Polling.h"
+#include "server/ReturnReceipts.h"
 #include "server/RunScope.h"
 #include "server/SessionRuns.h"
 #include "server/wire/Frames.h"
@@ -16,6 +17,7 @@ namespace {
 class FakeSync final : public AddressSync
 {
 public:
+    using AddressSync::AddressSync;
     void GetServerData() override
     {
         ++lCalls;
@@ -39,7 +41,8 @@ public:
 
 struct Bench : SessionBench
 {
-    FakeSync sync;
+    ReturnReceipts receipts{ports.ports, session, desktop.mailbox, desktop.mainWindow};
+    FakeSync sync{ports.ports, {session, progress, receipts, desktop.addressTree}};
     FakeUpload upload;
     SessionRuns runs{ports.ports,
                      {session, progress, sync, upload, download, status, desktop.mainWindow, desktop.mailbox,

@@ -54,6 +54,7 @@ void MainStage::ConnectCommands()
 {
     window.SetCommand("mnuReceive", [this] { server.faxDownload.mnuReceive(); });
     window.SetCommand("mnuSendReceive", [this] { server.runs.mnuSendReceive(); });
+    window.SetCommand("mnuSyncAddressBook", [this] { server.runs.mnuSyncAddressBook(); });
     window.SetCommand("mnuLoginServer", [this] { server.runs.mnuLoginServer(); });
     window.SetCommand("mnuLogoutServer", [this] { server.runs.mnuLogoutServer(); });
     window.SetCommand("mnuViewFax", [this] { faxViewer.mnuViewFax(); });

@@ -7,6 +7,7 @@ ServerParts::ServerParts(const Ports &ports, MainWindow &mainWindow, Mailbox &ma
     : progress(ports.timers)
     , session(ports, progress, mainWindow)
     , receipts(ports, session, mailbox, mainWindow)
+    , addressSync(ports, {session, progress, receipts, addressTree})
     , faxDownload(ports, {session, progress, faxStatus, faxPrinting, notifier, mainWindow, mailbox})
     , runs(ports,
            {session, progress, addressSync, faxUpload, faxDownload, faxStatus, mainWindow, mailbox, forms})

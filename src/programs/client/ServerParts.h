@@ -1,5 +1,6 @@
 #pragma once
 
+#include "addressbook/AddressTree.h"
 #include "desktop/Notifier.h"
 #include "mailbox/FaxPrinting.h"
 #include "server/AddressSync.h"
@@ -23,7 +24,7 @@ struct ServerParts
     ServerParts(const Ports &ports, MainWindow &mainWindow, Mailbox &mailbox, Forms &forms,
                 Polling::TakeFaxFile takeFaxFile);
 
-    AddressSync addressSync;
+    AddressTree addressTree;
     FaxUpload faxUpload;
     FaxStatus faxStatus;
     FaxPrinting faxPrinting;
@@ -31,6 +32,7 @@ struct ServerParts
     Progress progress;
     Session session;
     ReturnReceipts receipts;
+    AddressSync addressSync;
     FaxDownload faxDownload;
     SessionRuns runs;
     Polling polling;

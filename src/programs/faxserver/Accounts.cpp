@@ -44,8 +44,8 @@ void Accounts::Save(const Account &account)
 {
     objDatabase.Run(
         "INSERT INTO Account (ID, Login, Name, Department, Digest, IsLocked) VALUES (?, ?, ?, ?, ?, ?) "
-        "ON CONFLICT (Login) DO UPDATE SET Name = excluded.Name, Digest = excluded.Digest, "
-        "IsLocked = excluded.IsLocked",
+        "ON CONFLICT (Login) DO UPDATE SET Name = excluded.Name, Department = excluded.Department, "
+        "Digest = excluded.Digest, IsLocked = excluded.IsLocked",
         {account.strID.isEmpty() ? NewID() : account.strID, account.strLogin.toLower(), account.strName,
          account.strDepartment, account.strDigest, int(account.bLocked)});
 }

@@ -25,7 +25,7 @@ public:
 
     std::optional<Account> Find(const QString &login) const;
     QList<Account> All() const;
-    /// Adds an account, or replaces the password, name and lock of the one of this login.
+    /// Adds an account, or replaces all but the id of the one of this login.
     void Save(const Account &account);
     void SetDigest(const QString &id, const QString &digest);
 

@@ -119,10 +119,9 @@ QByteArray Answers::Versions() const
     const auto version = [this](AddressBook::List list) {
         return QByteArray::number(objStore.addresses.Version(list));
     };
-    return Ok(
-        {Record({version(AddressBook::lstGroups), version(AddressBook::lstContacts),
-                 QByteArray::number(objStore.accounts.All().size()), version(AddressBook::lstDepartments),
-                 Field(strCompany), abRetryInterval, abResends, ToAnsi(objStore.ServerID())})});
+    return Ok({Record({version(AddressBook::lstGroups), version(AddressBook::lstContacts),
+                       version(AddressBook::lstUsers), version(AddressBook::lstDepartments),
+                       Field(strCompany), abRetryInterval, abResends, ToAnsi(objStore.ServerID())})});
 }
 
 Answers::Reply Answers::Addresses(AddressBook::List list) const

@@ -37,9 +37,20 @@ void AddOptions(QCommandLineParser &parser)
         {"copies", "How many times to deliver each file.", "number", "1"},
         {"add-user", "Adds an account, or replaces its password, and ends.", "name"},
         {"lock", "Locks the account that is added."},
+        {"full-name", "The name of the account that is added.", "text"},
+        {"department", "The id of its department.", "id"},
+        {"publish", "Replaces the public groups, contacts or departments and ends.", "list"},
     });
     parser.addPositionalArgument("arguments", "The files to deliver, or the new account's password.",
                                  "[arguments...]");
+}
+
+AddressBook::List ListOf(const QString &name)
+{
+    const QStringList names{"groups", "contacts", "departments"};
+    if (!names.contains(name))
+        throw ServerError("--publish takes \"groups\", \"contacts\" or \"departments\", and a file.");
+    return AddressBook::List(names.indexOf(name));
 }
 
 void ReadTask(const QCommandLineParser &parser, CommandLine &line)
@@ -57,6 +68,12 @@ void ReadTask(const QCommandLineParser &parser, CommandLine &line)
         if (rest.size() != 1 || line.strLogin.isEmpty())
             throw ServerError("--add-user takes a name and a password.");
         line.strPassword = rest.first();
+        line.strFullName = parser.value("full-name");
+        line.strDepartment = parser.value("department");
+    } else if (parser.isSet("publish")) {
+        line.task = CommandLine::taskPublish;
+        line.list = ListOf(rest.size() == 1 ? parser.value("publish") : QString());
+        line.aFiles = rest;
     } else if (!rest.isEmpty()) {
         throw ServerError(QString("\"%1\" is not understood; --help tells the options.").arg(rest.first()));
     }

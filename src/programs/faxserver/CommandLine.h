@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AddressBook.h"
 #include "FaxServer.h"
 
 #include <QString>
@@ -8,7 +9,7 @@
 /// What the command line asks for.
 struct CommandLine
 {
-    enum Task { taskServe, taskDeliver, taskAddUser };
+    enum Task { taskServe, taskDeliver, taskAddUser, taskPublish };
 
     /// Prints the help and ends the program where that is asked for. Raises `ServerError` for what makes
     /// no sense.
@@ -21,6 +22,9 @@ struct CommandLine
     QString strLogin;    ///< of the account to add, or of those to deliver to, with "," between
     QString strPassword; ///< of the account to add
     bool bLock = false;
-    QStringList aFiles; ///< to deliver
+    QString strFullName;                             ///< of the account to add; empty keeps what it has
+    QString strDepartment;                           ///< the same
+    AddressBook::List list = AddressBook::lstGroups; ///< to publish from the first of the files
+    QStringList aFiles;                              ///< to deliver or to publish
     int lCopies = 1;
 };

@@ -6,6 +6,7 @@
 #include "StopSignals.h"
 #include "Store.h"
 
+#include <QFile>
 #include <QGuiApplication>
 
 #include <algorithm>
@@ -29,7 +30,23 @@ void AddUser(Store &store, const CommandLine &line)
         store.accounts.Find(line.strLogin).value_or(Account{{}, line.strLogin, line.strLogin, {}, {}, false});
     account.strDigest = Accounts::DigestOf(line.strPassword);
     account.bLocked = line.bLock;
+    if (!line.strFullName.isEmpty())
+        account.strName = line.strFullName;
+    if (!line.strDepartment.isEmpty())
+        account.strDepartment = line.strDepartment;
     store.accounts.Save(account);
+}
+
+void Publish(Store &store, const CommandLine &line)
+{
+    QFile file(line.aFiles.first());
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        throw ServerError(
+            QString("The file %1 cannot be read: %2.").arg(file.fileName(), file.errorString()));
+    QList<QStringList> rows;
+    for (const QString &row : QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts))
+        rows.append(row.split('\t'));
+    store.addresses.Replace(line.list, rows);
 }
 
 int Run(const CommandLine &line)
@@ -43,6 +60,9 @@ int Run(const CommandLine &line)
         return 0;
     case CommandLine::taskDeliver:
         Delivery::Deliver(store, line.strLogin.split(','), line.aFiles, line.lCopies);
+        return 0;
+    case CommandLine::taskPublish:
+        Publish(store, line);
         return 0;
     case CommandLine::taskServe:
         break;

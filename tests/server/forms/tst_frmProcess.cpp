@@ -130,6 +130,34 @@ private slots:
         QVERIFY(!progress->IsAnimated() && progress->Frame() == 6);
     }
 
+    void shortRunShowsNoWindowAndALongerOneDoesNotFlash()
+    {
+        FakeTimers &timers = bench->fakes.timers;
+        progress->Unload();
+        progress->ShowSoon();
+        timers.Advance(400);
+        QVERIFY(progress->IsLoaded() && !form->isVisible());
+        progress->Unload();
+        timers.Advance(400);
+        QVERIFY(!form->isVisible());
+
+        progress->ShowSoon();
+        timers.Advance(510);
+        progress->Unload();
+        QVERIFY(form->isVisible() && !progress->IsLoaded());
+        progress->Show(); // the next run takes it over
+        timers.Advance(1000);
+        QVERIFY(form->isVisible());
+
+        progress->Unload();
+        progress->ShowSoon();
+        timers.Advance(510);
+        progress->SetButton("Close", "&Close");
+        progress->Unload();
+        QTest::mouseClick(Find<QPushButton>("btnCancelOperate"), Qt::LeftButton); // a person need not wait
+        QVERIFY(!form->isVisible());
+    }
+
     void synchronisationKeepsOneRow()
     {
         progress->SetWindowMode(true, "first");
