@@ -5,7 +5,6 @@
 #include "mailbox/FaxRow.h"
 #include "mailbox/FolderTree.h"
 
-#include <QDir>
 #include <QSet>
 
 #include <filesystem>
@@ -13,18 +12,32 @@
 
 namespace {
 
-/// The file of that name in another case; empty when there is none. The folder may hold 100,000 files: it is
-/// read in its own order, without a look at any of them.
-QString FindInAnotherCase(const QString &folder, const QString &name)
+/// To look at each of more files takes longer than to read the names in their folder.
+constexpr qsizetype lFewFiles = 50;
+
+/// Hands over the names in a folder until `take` returns true. The folder may hold 100,000 files: it is read
+/// in its own order, without a look at any of them.
+template <typename Take>
+void ForEachName(const QString &folder, Take take)
 {
     std::error_code failed;
     std::filesystem::directory_iterator entry(folder.toStdString(), failed);
     for (; !failed && entry != std::filesystem::directory_iterator(); entry.increment(failed)) {
-        const QString candidate = QString::fromStdString(entry->path().filename().string());
-        if (candidate.compare(name, Qt::CaseInsensitive) == 0 && FileExists(folder + candidate))
-            return folder + candidate;
+        if (take(QString::fromStdString(entry->path().filename().string())))
+            return;
     }
-    return {};
+}
+
+/// The file of that name in another case; empty when there is none.
+QString FindInAnotherCase(const QString &folder, const QString &name)
+{
+    QString found;
+    ForEachName(folder, [&](const QString &candidate) {
+        if (candidate.compare(name, Qt::CaseInsensitive) == 0 && FileExists(folder + candidate))
+            found = folder + candidate;
+        return !found.isEmpty();
+    });
+    return found;
 }
 
 QString BoxFolder(bool isSent)
@@ -83,14 +96,15 @@ bool DoFaxFilesExist(const QStringList &ids, bool isSent)
     if (names.size() < ids.size() || names.contains(QString()))
         return false;
     const QString folder = BoxFolder(isSent);
-    QSet<QString> inAnotherCase;
+    QSet<QString> wanted;
     for (const QString &name : names) {
-        if (!FileExists(folder + name))
-            inAnotherCase.insert(name.toCaseFolded());
+        if (names.size() > lFewFiles || !FileExists(folder + name))
+            wanted.insert(name.toCaseFolded());
     }
-    if (inAnotherCase.isEmpty())
-        return true;
-    for (const QString &name : QDir(folder).entryList(QDir::Files, QDir::Unsorted))
-        inAnotherCase.remove(name.toCaseFolded());
-    return inAnotherCase.isEmpty();
+    if (!wanted.isEmpty())
+        ForEachName(folder, [&](const QString &name) {
+            wanted.remove(name.toCaseFolded());
+            return wanted.isEmpty();
+        });
+    return wanted.isEmpty();
 }

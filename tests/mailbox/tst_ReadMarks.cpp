@@ -91,6 +91,14 @@ private slots:
         QVERIFY(QFile::remove(Global().strInputBoxPath + "A.tif"));
         mailbox->Marks().mnuUnRead();
         QCOMPARE(missing.size(), 1);
+        mailbox->SelectFolder("1001");
+        for (int i = 0; i < 60; ++i)
+            profile->InsertReceivedFax("M" + QString::number(i), {{"fileName", i < 59 ? "B.tif" : "b.TIF"}});
+        Profile::Execute("DELETE FROM ReceiveFax WHERE Fax_ID='A'");
+        mailbox->ReloadCurrentFolder(true);
+        mailbox->SelectFaxes(mailbox->List().Ids(), "B"); // so many that their folder is read
+        QCOMPARE(mailbox->GetGridSelectedID().aReceived.size(), 61);
+        QCOMPARE(missing.size(), 1);
         mailbox->SelectFolder("1008");
         mailbox->SelectFaxes({"SA"}, "SA");
         QCOMPARE(mailbox->GetGridSelectedID().aSent, QStringList("SA"));

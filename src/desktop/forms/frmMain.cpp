@@ -21,6 +21,7 @@
 #include <QActionGroup>
 #include <QCloseEvent>
 #include <QMenu>
+#include <QScopeGuard>
 #include <QScopedValueRollback>
 #include <QTimer>
 
@@ -86,8 +87,8 @@ void frmMain::SetUpOwnCommands()
     SetCommand("mnuRefresh", [this] { mailbox.ReloadCurrentFolder(true); });
     SetCommand("mnuSelectAll", [this] { listPane->SelectAll(); });
     SetCommand("mnuReverseSel", [this] { listPane->ReverseSelection(); });
-    SetCommand("mnuHadRead", [this] { mailbox.Marks().mnuHadRead(); });
-    SetCommand("mnuUnRead", [this] { mailbox.Marks().mnuUnRead(); });
+    SetCommand("mnuHadRead", [this] { RunOnSelection([this] { mailbox.Marks().mnuHadRead(); }); });
+    SetCommand("mnuUnRead", [this] { RunOnSelection([this] { mailbox.Marks().mnuUnRead(); }); });
     SetCommand("mnuNextPane", [this] { GoToPane(1); });
     SetCommand("mnuPreviousPane", [this] { GoToPane(-1); });
     SetCommand("mnuMoveBorder", [this] { MoveNextBorder(); });
@@ -145,6 +146,14 @@ void frmMain::ConnectPanes()
 void frmMain::SetCommand(const QString &name, std::function<void()> run)
 {
     commands->SetCommand(name, std::move(run));
+}
+
+/// All faxes of a large folder may be selected. The pointer of the window waits, but not that of a question.
+void frmMain::RunOnSelection(const std::function<void()> &run)
+{
+    setCursor(Qt::WaitCursor);
+    const auto restore = qScopeGuard([this] { unsetCursor(); });
+    run();
 }
 
 /// Commands begin at an event: what they raise ends here.

@@ -85,6 +85,7 @@ private:
     void GoToPane(int step);
     void MoveNextBorder();
 
+    void RunOnSelection(const std::function<void()> &run);
     void RunGuarded(const QString &routine, const std::function<void()> &run);
     CommandStates::GridInput ReadGridInput() const;
 
