@@ -25,22 +25,16 @@ constexpr int size = 65535;
 int ActAsPeer(const QStringList &arguments)
 {
     const QString task = arguments.value(2), name = arguments.value(3);
-    SystemInstance instance;
-    SystemSharedBlocks blocks;
-    std::unique_ptr<SharedBlock> block;
-    int errorCode = 0;
     if (task == "raise") {
-        instance.RaiseWindow(name.toLongLong());
+        SystemInstance().RaiseWindow(name.toLongLong());
         return 0;
     }
-    if (task == "lock") {
-        std::cout << (instance.TakeLock(name) ? "taken" : "busy") << std::endl;
-    } else {
-        block = blocks.Open(name, size, errorCode);
-        std::cout << (block->Existed() ? "existed " : "new ") << block->Bytes() << std::endl;
-        std::strcpy(block->Bytes(), "from there");
-        std::cout << "written" << std::endl;
-    }
+    int errorCode = 0;
+    SystemSharedBlocks blocks;
+    const auto block = blocks.Open(name, size, errorCode);
+    std::cout << (block->Existed() ? "existed " : "new ") << block->Bytes() << std::endl;
+    std::strcpy(block->Bytes(), "from there");
+    std::cout << "written" << std::endl;
     for (std::string line; std::getline(std::cin, line);)
         continue;
     return 0;
@@ -71,26 +65,13 @@ public:
 };
 } // namespace
 
-/// What the copies of the program share: the lock, the channel to the window, and blocks of memory.
+/// What the copies of the program share: the channel to the window, and blocks of memory.
 class tst_SeveralCopies : public QObject
 {
     Q_OBJECT
 
 private slots:
     void initTestCase() { qputenv("XDG_RUNTIME_DIR", runtime.path().toUtf8()); }
-
-    void oneProcessHasTheLockUntilItEnds()
-    {
-        SystemInstance instance;
-        QVERIFY(instance.TakeLock("A title"));
-        Peer second({"lock", "A title"});
-        QCOMPARE(second.NextLine(), "busy");
-        Peer holder({"lock", "Another title"});
-        QCOMPARE(holder.NextLine(), "taken");
-        QVERIFY(!instance.TakeLock("Another title"));
-        holder.Kill();
-        QVERIFY(instance.TakeLock("Another title"));
-    }
 
     void anotherCopyRaisesThisWindowAndStrangersDoNot()
     {

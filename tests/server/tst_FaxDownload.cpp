@@ -8,7 +8,24 @@
 
 #include <QTest>
 
+#include <cerrno>
 #include <optional>
+
+#include <unistd.h>
+
+namespace {
+int lDiskError = 0;   ///< of the next files that are written through; 0 for none
+QStringList aFlushed; ///< what was written through, and how many rows there were then
+} // namespace
+
+/// Takes the place of the system's.
+extern "C" int fsync(int file)
+{
+    const QString path = QFile::symLinkTarget(QStringLiteral("/proc/self/fd/%1").arg(file));
+    aFlushed.append(path.section('/', -1) + ' ' + Profile::Value("Select Count(*) From ReceiveFax"));
+    errno = lDiskError;
+    return lDiskError == 0 ? 0 : -1;
+}
 
 class tst_FaxDownload : public QObject
 {
@@ -19,6 +36,8 @@ private slots:
     {
         bench.emplace();
         session().SetIdleState(true);
+        aFlushed.clear();
+        lDiskError = 0;
     }
 
     /// Whatever happened, a run leaves the program as it found it.
@@ -97,6 +116,23 @@ private slots:
         QCOMPARE(bench->progress.ButtonTag(), QString("Close"));
         QCOMPARE(bench->progress.Bar(), 100);
         QCOMPARE(desktop().mainWindow.aTotalPercents, QList<int>({56, 100, -1}));
+    }
+
+    void faxIsWrittenThroughBeforeItsRowAndTheFolderBeforeTheAcknowledgement()
+    {
+        Offer({"F1|9"});
+        Send("F1");
+        bench->Then([] { QCOMPARE(aFlushed, QStringList({"F1.tif 0", "InputBox 1"})); }).SayShort("OK");
+        Receive();
+        QVERIFY(IsAcknowledged());
+        bench->ForgetHeard();
+        lDiskError = EIO;
+        Offer({"F2|9"});
+        Send("F2");
+        Receive();
+        QCOMPARE(Profile::Values("Select Fax_ID From ReceiveFax"), QStringList("F1"));
+        QCOMPARE(bench->ports.prompts.aBoxes.size(), 1);
+        QVERIFY(!IsAcknowledged());
     }
 
     void historyPutsEachKindInItsPlace()
