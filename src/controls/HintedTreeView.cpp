@@ -2,6 +2,9 @@
 
 #include "controls/Colors.h"
 
+#include <QContextMenuEvent>
+#include <QCoreApplication>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
 
@@ -41,6 +44,15 @@ void HintedTreeView::initViewItemOption(QStyleOptionViewItem *option) const
     for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive})
         option->palette.setColor(group, QPalette::Highlight,
                                  GetQuietColor(option->palette.color(group, QPalette::Highlight)));
+}
+
+void HintedTreeView::keyPressEvent(QKeyEvent *event)
+{
+    if (event->keyCombination() != (Qt::SHIFT | Qt::Key_F10))
+        return QTreeView::keyPressEvent(event);
+    const QPoint place = visualRect(currentIndex()).center();
+    QContextMenuEvent menu(QContextMenuEvent::Keyboard, place, viewport()->mapToGlobal(place));
+    QCoreApplication::sendEvent(viewport(), &menu);
 }
 
 void HintedTreeView::paintEvent(QPaintEvent *event)

@@ -20,6 +20,8 @@ public:
 protected:
     /// Only the view that has the keyboard shows its selection in full colour.
     void initViewItemOption(QStyleOptionViewItem *option) const override;
+    /// Shift+F10 asks for the menu, as the menu key does, which many keyboards lack.
+    void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:

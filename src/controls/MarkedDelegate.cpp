@@ -98,19 +98,23 @@ QSize CountedDelegate::sizeHint(const QStyleOptionViewItem &option, const QModel
     return size;
 }
 
+/// Of a text that is too long the end is left out, never the count.
 void CountedDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                             const QModelIndex &index) const
 {
     const QString count = CountText(index);
-    MarkedDelegate::paint(painter, option, index);
     if (count.isEmpty())
-        return;
+        return MarkedDelegate::paint(painter, option, index);
     QStyleOptionViewItem styled = option;
     initStyleOption(&styled, index);
     const QStyle *style = styled.widget ? styled.widget->style() : QApplication::style();
     const QRect text = style->subElementRect(QStyle::SE_ItemViewItemText, &styled, styled.widget);
-    const int left =
-        text.left() + MarkedDelegate::sizeHint(option, index).width() - (text.left() - option.rect.left());
+    const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, &styled, styled.widget) + 1;
+    const QFontMetrics &metrics = styled.fontMetrics;
+    styled.text = metrics.elidedText(styled.text, Qt::ElideRight,
+                                     text.width() - 2 * margin - metrics.horizontalAdvance(' ' + count));
+    style->drawControl(QStyle::CE_ItemViewItem, &styled, painter, styled.widget);
+    const int left = text.left() + margin + metrics.horizontalAdvance(styled.text + ' ');
     const bool isSelected = option.state.testFlag(QStyle::State_Selected);
     painter->save();
     painter->setFont(styled.font);

@@ -1,6 +1,7 @@
 #include "core/Message.h"
 
 #include "core/ProgramTitle.h"
+#include "core/RaisedError.h"
 
 #include <QCoreApplication>
 #include <QScopeGuard>
@@ -13,4 +14,15 @@ long Message::ShowMessage(const QString &text, long flags, const QString &title)
     const auto closed = qScopeGuard([this] { bBoxOpen = false; });
     return prompts.Show(text, flags,
                         title.isEmpty() ? QCoreApplication::translate("core", programTitle) : title);
+}
+
+bool Message::RunGuarded(const QString &heading, const std::function<void()> &run)
+{
+    try {
+        run();
+        return true;
+    } catch (const RaisedError &error) {
+        ShowMessage(heading + "\r\n" + error.Description(), mbExclamation);
+        return false;
+    }
 }

@@ -2,6 +2,8 @@
 
 #include "core/ports/Prompts.h"
 
+#include <functional>
+
 /// The program's one message box: a box that comes while another stands is not shown.
 class Message
 {
@@ -15,6 +17,10 @@ public:
     /// returns 1 (OK), so that two events that fail at once cannot stack boxes. An empty `title` means
     /// the program's own.
     long ShowMessage(const QString &text, long flags = mbOKOnly, const QString &title = {});
+
+    /// Runs what an event asks for. An error of the program ends here, in a box with `heading` over its
+    /// description; the result is then false.
+    bool RunGuarded(const QString &heading, const std::function<void()> &run);
 
 private:
     Prompts &prompts;

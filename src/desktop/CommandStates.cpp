@@ -1,5 +1,7 @@
 #include "desktop/CommandStates.h"
 
+#include "mailbox/FolderRules.h"
+
 #include <QHash>
 
 namespace {
@@ -63,6 +65,20 @@ CommandStates::States CommandStates::SetGridCommands(const GridInput &input)
         {"tbResend", canResend},
         {"mnuResume", input.Family == FolderFamily::Recyle && hasRows},
     };
+}
+
+CommandStates::States CommandStates::SetFolderCommands(const FolderNode *node)
+{
+    return {
+        {"mnuAddFolder", CanAddFolder(node)},
+        {"mnuEditFolder", CanChangeFolder(node)},
+        {"mnuDeleteFolder", CanChangeFolder(node)},
+    };
+}
+
+CommandStates::States CommandStates::SetRecycleBinCommands(bool isEmpty)
+{
+    return {{"mnuClearRecyle", !isEmpty}};
 }
 
 QString CommandStates::GetMenuOfTool(const QString &tool)

@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 
+struct FolderNode;
+
 /// Which commands of the main window are enabled. Menu items and tool bar buttons go by their own names.
 namespace CommandStates {
 
@@ -30,6 +32,10 @@ struct GridInput
 
 /// The commands that depend on the folder and the selection.
 States SetGridCommands(const GridInput &input);
+
+/// The commands on the selected folder, null for none.
+States SetFolderCommands(const FolderNode *node);
+States SetRecycleBinCommands(bool isEmpty);
 
 /// The menu item that a tool bar button or an item of the list's own menu runs; empty for any other name.
 QString GetMenuOfTool(const QString &tool);

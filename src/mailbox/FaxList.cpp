@@ -17,6 +17,15 @@ long SumFirstField(const QString &sql)
     return sum;
 }
 
+FaxRow MakeSummaryRow(const FaxListQueries::SummaryLine &line)
+{
+    FaxRow row;
+    row.bSummary = true;
+    row.aCells = {line.strLabel, QString::number(SumFirstField(line.strUnreadSql)),
+                  QString::number(SumFirstField(line.strTotalSql))};
+    return row;
+}
+
 } // namespace
 
 FaxList::FaxList()
@@ -37,24 +46,17 @@ void FaxList::SetLayout(int layout)
 
 int FaxList::RowOf(const QString &id) const
 {
-    const std::string wanted = id.toStdString();
-    const quint32 hash = FaxRow::HashOf(wanted);
-    const auto found = std::find_if(aRows.rbegin(), aRows.rend(),
-                                    [&](const FaxRow &row) { return row.HasID(wanted, hash); });
+    const auto found =
+        std::find_if(aRows.rbegin(), aRows.rend(), [&](const FaxRow &row) { return row.strID == id; });
     return found == aRows.rend() ? 0 : static_cast<int>(found - aRows.rbegin()) + 1;
 }
 
-QString FaxList::QuotedIds() const
+QStringList FaxList::Ids() const
 {
-    constexpr qsizetype usualSize = 35; // 32 digits, the quotes and a comma
-    QByteArray ids;
-    ids.reserve(usualSize * RowCount());
-    for (const FaxRow &row : aRows) {
-        const std::string_view id = row.StoredID();
-        ids += ids.isEmpty() ? "'" : ",'";
-        ids.append(id.data(), static_cast<qsizetype>(id.size())).append('\'');
-    }
-    return QString::fromUtf8(ids);
+    QStringList ids;
+    for (const FaxRow &row : aRows)
+        ids.append(row.strID);
+    return ids;
 }
 
 int FaxList::UnreadCount() const
@@ -72,19 +74,19 @@ void FaxList::LoadSummary(const FaxListQueries::Subtrees &subtrees, const QStrin
 {
     Rows rows;
     for (const FaxListQueries::SummaryLine &line : FaxListQueries::ForSummary(subtrees, dateRange))
-        rows.emplace_back(line.strLabel, SumFirstField(line.strUnreadSql), SumFirstField(line.strTotalSql));
+        rows.push_back(MakeSummaryRow(line));
     std::reverse(rows.begin(), rows.end());
     Replace(std::move(rows));
 }
 
 void FaxList::LoadFaxes(FaxListQueries::Selection selection, bool clearFirst)
 {
-    selection.strListed = clearFirst ? QString() : QuotedIds();
+    selection.aListed = clearFirst ? QStringList() : Ids();
     Rows rows;
     for (const FaxListQueries::Query &query : FaxListQueries::ForFolder(selection)) {
         const auto statement = Global().objDB->SelectEx(query.strSql);
         while (statement->Next())
-            rows.emplace_back(*statement, selection.lMode, query.lFaxTable);
+            rows.push_back(ReadFaxRow(*statement, selection.lMode, query.lFaxTable));
     }
     if (clearFirst)
         Replace(std::move(rows));
@@ -113,11 +115,11 @@ void FaxList::AddOnTop(Rows rows)
 void FaxList::ReloadRow(int row, const QString &id, int mode)
 {
     FaxRow &fax = aRows[Place(row)];
-    const auto statement = Global().objDB->SelectEx(FaxListQueries::ForFax(id, mode, fax.FaxTable()));
+    const auto statement = Global().objDB->SelectEx(FaxListQueries::ForFax(id, mode, fax.lFaxTable));
     if (!statement->Next())
         return;
-    fax.ReadAgain(*statement, mode);
-    emit RowsChanged(row, row);
+    ReadFaxRowAgain(fax, *statement, mode);
+    emit RowChanged(row);
 }
 
 void FaxList::Remove(int row)
@@ -130,23 +132,18 @@ void FaxList::Remove(int row)
 void FaxList::SetRead(const QStringList &ids, bool read)
 {
     const QSet<QString> wanted(ids.begin(), ids.end());
-    int first = 0;
-    int last = 0;
     for (int row = 1; row <= RowCount(); ++row) {
         FaxRow &fax = aRows[Place(row)];
-        if (fax.bRead == read || !wanted.contains(fax.ID()))
+        if (fax.bRead == read || !wanted.contains(fax.strID))
             continue;
         fax.bRead = read;
-        first = first == 0 ? row : first;
-        last = row;
+        emit RowChanged(row);
     }
-    if (first > 0)
-        emit RowsChanged(first, last);
 }
 
 void FaxList::SetHoveredRow(int row)
 {
-    const QString id = row > 0 ? Row(row).ID() : QString();
+    const QString id = row > 0 ? Row(row).strID : QString();
     if (id == strHovered)
         return;
     const int before = strHovered.isEmpty() ? 0 : RowOf(strHovered);
@@ -154,7 +151,7 @@ void FaxList::SetHoveredRow(int row)
     for (const int changed : {before, row}) {
         if (changed > 0) {
             aRows[Place(changed)].bHovered = changed == row;
-            emit RowsChanged(changed, changed);
+            emit RowChanged(changed);
         }
     }
 }
@@ -182,27 +179,15 @@ void FaxList::SortBy(int column)
         descendingNext.insert(column);
     lSortColumn = lMarkedColumn = column;
     emit AboutToSort();
-    emit Sorted(SortRows());
+    SortRows();
+    emit Sorted();
     emit HeaderChanged();
 }
 
-/// The new row of each row, counted from 0; empty without an order.
-std::vector<int> FaxList::SortRows()
+void FaxList::SortRows()
 {
-    if (lSortColumn == 0)
-        return {};
-    // The last place is the first row, so the greatest goes first where the smallest is wanted on top.
-    const std::vector<std::size_t> order =
-        OrderFaxRows(aRows, lSortColumn, aColumns.at(lSortColumn - 1).strKey, !bDescending);
-    std::vector<int> newRows(aRows.size());
-    Rows sorted;
-    sorted.reserve(aRows.size());
-    for (const std::size_t place : order) {
-        newRows[aRows.size() - 1 - place] = static_cast<int>(aRows.size() - 1 - sorted.size());
-        sorted.push_back(std::move(aRows[place]));
-    }
-    aRows = std::move(sorted);
-    return newRows;
+    if (lSortColumn > 0)
+        SortFaxRows(aRows, lSortColumn, aColumns.at(lSortColumn - 1).strKey, !bDescending);
 }
 
 QString FaxList::HeaderImageKey(int column) const

@@ -2,10 +2,8 @@
 
 #include <QAbstractTableModel>
 
-#include <vector>
-
 class FaxList;
-class FaxRow;
+struct FaxRow;
 
 /// Shows a `FaxList`, in the roles of `ModelRole`. Row 0 is the list's row 1; column 0 is the hidden id.
 class FaxListModel final : public QAbstractTableModel
@@ -23,7 +21,9 @@ public:
 private:
     QString AccessibleText(const FaxRow &row, int column) const;
 
-    void MoveIndexes(const std::vector<int> &newRows);
+    void RememberIndexes();
+    void MoveIndexes();
 
     FaxList &list;
+    QStringList aMovedIds; ///< faxes of the persistent indexes while the list is sorted
 };

@@ -1,5 +1,7 @@
 #include "mailbox/FaxListQueries.h"
 
+#include "mailbox/FolderTree.h"
+
 #include <QCoreApplication>
 
 namespace {
@@ -125,7 +127,7 @@ FaxListQueries::SummaryLine RecyleLine(const QString &dateRange)
 QList<FaxListQueries::Query> FaxListQueries::ForFolder(const Selection &selection)
 {
     const QString notIn =
-        selection.strListed.isEmpty() ? QString() : " and Fax_ID Not in(" + selection.strListed + ")";
+        selection.aListed.isEmpty() ? QString() : " and Fax_ID Not in(" + QuoteIds(selection.aListed) + ")";
     QList<Query> queries;
     for (const QueryTexts *texts : GetTexts(selection.lMode)) {
         QString where = selection.bAllFolders ? texts->strAllFolders : texts->strFolder;

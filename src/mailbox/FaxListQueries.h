@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 /// The statements that fill the fax list.
 namespace FaxListQueries {
@@ -12,7 +13,7 @@ struct Selection
     int lMode = 0;          ///< list mode 1 to 7
     QString strExtraFilter; ///< further text of the condition
     bool bAllFolders = false;
-    QString strListed;    ///< quoted ids that the list has already, see `QuoteIds`
+    QStringList aListed;  ///< ids that the list has already
     QString strDateRange; ///< see `DateFilter::Text`
 };
 
@@ -26,7 +27,7 @@ struct Query
 /// All queries give the oldest fax first. The Recycle bin takes two.
 QList<Query> ForFolder(const Selection &selection);
 
-/// Reads one listed fax again, for `FaxRow::ReadAgain`. `mode` is the list's, `faxTable` that of the fax.
+/// Reads one listed fax again, for `ReadFaxRowAgain`. `mode` is the list's, `faxTable` that of the fax.
 QString ForFax(const QString &id, int mode, int faxTable);
 
 /// One line of the summary.

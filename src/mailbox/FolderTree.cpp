@@ -7,37 +7,25 @@
 
 namespace {
 
-struct FolderRow
+/// An id becomes part of statements.
+bool IsFolderID(const QString &id)
 {
-    QString strID;
-    QString strName;
-    long lType;
-};
-
-/// The rows of the folder table by parent, in the order of the table.
-QHash<QString, QList<FolderRow>> ReadFolderRows()
-{
-    QHash<QString, QList<FolderRow>> rows;
-    const auto row =
-        Global().objDB->SelectEx("Select folder_id,folder_name,folder_type,parentID from  FaxFolder");
-    while (row->Next())
-        rows[row->Text(3)].append({row->Text(0), row->Text(1), row->Number(2)});
-    return rows;
+    return !id.isEmpty() && !id.contains('\'');
 }
 
-QString AndDate(const QString &column, const QString &dateFilter)
+void AppendTo(FolderNode *parent, FolderNode *node)
 {
-    return dateFilter.isEmpty() ? QString() : column + dateFilter;
+    node->parent = parent;
+    node->lRow = static_cast<int>(parent->aChildren.size());
+    parent->aChildren.append(node);
 }
 
-/// Field `field` of all rows, summed.
-long SumRows(const QString &sql, int field)
+void TakeFromParent(FolderNode *node)
 {
-    long sum = 0;
-    const auto row = Global().objDB->SelectEx(sql);
-    while (row->Next())
-        sum += row->Number(field);
-    return sum;
+    QList<FolderNode *> &siblings = node->parent->aChildren;
+    siblings.removeAt(node->lRow);
+    for (qsizetype row = node->lRow; row < siblings.size(); ++row)
+        siblings.at(row)->lRow = static_cast<int>(row);
 }
 
 } // namespace
@@ -49,19 +37,23 @@ FolderTree::FolderTree()
 
 FolderTree::~FolderTree() = default;
 
+FolderNode *FolderTree::Find(const QString &key) const
+{
+    const auto found = nodes.find(key);
+    return found == nodes.end() ? nullptr : found->second.get();
+}
+
 FolderNode *FolderTree::AddNode(FolderNode *parent, const QString &key, const QString &text,
                                 FolderFamily family)
 {
-    aNodes.push_back(std::make_unique<FolderNode>());
-    FolderNode *node = aNodes.back().get();
+    std::unique_ptr<FolderNode> &node = nodes[key];
+    node = std::make_unique<FolderNode>();
     node->strKey = key;
     node->strText = text;
     node->Family = family;
-    node->parent = parent;
     if (parent)
-        parent->aChildren.append(node);
-    nodes.insert(key, node);
-    return node;
+        AppendTo(parent, node.get());
+    return node.get();
 }
 
 void FolderTree::AddTopNodes()
@@ -74,38 +66,55 @@ void FolderTree::AddTopNodes()
     AddNode(root, "1008", tr("Recycle bin"), FolderFamily::Recyle);
 }
 
-/// Walks each top folder's subtree, parents before children. One read and a stack of our own: asking the
-/// table again at each node would be quadratic, and a chain of folders may be deeper than the call stack. A
-/// folder that is listed already is skipped, which also ends a circle.
+FolderTree::FolderRows FolderTree::ReadFolderRows()
+{
+    FolderRows rows;
+    const auto row =
+        Global().objDB->SelectEx("Select folder_id,folder_name,folder_type,parentID from  FaxFolder");
+    while (row->Next()) {
+        if (IsFolderID(row->Text(0)))
+            rows[row->Text(3)].append({row->Text(0), row->Text(1), row->Number(2)});
+    }
+    return rows;
+}
+
+/// A folder that is listed already is skipped, which also ends a circle.
+FolderNode *FolderTree::AddListed(FolderNode *parent, const FolderRow &row, FolderFamily &previous)
+{
+    if (Find(row.strID))
+        return nullptr;
+    previous = GetFamilyOfType(row.lType, previous);
+    return AddNode(parent, row.strID, UnescapeText(row.strName), previous);
+}
+
+/// Adds the subtree of a folder, parents before children. One read and a stack of our own: asking the table
+/// again at each node would be quadratic, and a chain of folders may be deeper than the call stack.
+void FolderTree::AddFolderNode(FolderNode *parentNode, const FolderRows &rows)
+{
+    FolderFamily previous = parentNode->Family;
+    QList<std::pair<FolderNode *, int>> path{{parentNode, 0}};
+    while (!path.isEmpty()) {
+        auto &[node, next] = path.last();
+        const auto children = rows.constFind(node->strKey);
+        if (children == rows.constEnd() || next >= children->size()) {
+            path.removeLast();
+            continue;
+        }
+        if (FolderNode *child = AddListed(node, children->at(next++), previous))
+            path.append({child, 0});
+    }
+}
+
+/// First what stands below the system's folders, then the user's own ones beside them.
 void FolderTree::AddSubtrees()
 {
-    const QHash<QString, QList<FolderRow>> rows = ReadFolderRows();
-    FolderFamily previous = FolderFamily::Recyle;
-    const auto addChild = [&](FolderNode *parent, const FolderRow &row) -> FolderNode * {
-        if (nodes.contains(row.strID))
-            return nullptr;
-        previous = GetFamilyOfType(row.lType, previous);
-        return AddNode(parent, row.strID, UnescapeText(row.strName), previous);
-    };
-    const auto addBelow = [&](FolderNode *top) {
-        previous = top->Family;
-        QList<std::pair<FolderNode *, int>> path{{top, 0}};
-        while (!path.isEmpty()) {
-            auto &[node, next] = path.last();
-            const auto children = rows.constFind(node->strKey);
-            if (children == rows.constEnd() || next >= children->size()) {
-                path.removeLast();
-                continue;
-            }
-            if (FolderNode *child = addChild(node, children->at(next++)))
-                path.append({child, 0});
-        }
-    };
+    const FolderRows rows = ReadFolderRows();
     for (FolderNode *top : QList<FolderNode *>(root->aChildren))
-        addBelow(top);
+        AddFolderNode(top, rows);
+    FolderFamily previous = root->Family;
     for (const FolderRow &row : rows.value(root->strKey)) {
-        if (FolderNode *top = addChild(root, row))
-            addBelow(top);
+        if (FolderNode *top = AddListed(root, row, previous))
+            AddFolderNode(top, rows);
     }
 }
 
@@ -113,7 +122,6 @@ void FolderTree::LoadFaxFolderTree()
 {
     emit AboutToLoad();
     nodes.clear();
-    aNodes.clear();
     AddTopNodes();
     try {
         AddSubtrees();
@@ -124,66 +132,42 @@ void FolderTree::LoadFaxFolderTree()
     emit Loaded();
 }
 
-void FolderTree::SetUnread(FolderNode *node, long count)
+// Changes
+
+FolderNode *FolderTree::Add(FolderNode *parent, const QString &key, const QString &text)
 {
-    if (node->lUnread == count)
-        return;
-    node->lUnread = count;
-    emit NodeChanged(node);
+    emit AboutToAdd(parent);
+    FolderNode *node = AddNode(parent, key, text, parent->Family);
+    emit Added(node);
+    return node;
 }
 
-long FolderTree::GetNotReadCount(const FolderNode &node, const QString &dateFilter)
+void FolderTree::Rename(FolderNode *node, const QString &text)
 {
-    const QString byReceive = AndDate(" and  ReceiveTime ", dateFilter);
-    const QString byModify = AndDate(" and  ModifyTime ", dateFilter);
-    switch (node.Family) {
-    case FolderFamily::Received:
-        return SumRows("Select Count(*) From ReceiveFax Where FolderID='" + node.strKey +
-                           "' and isReaded=0 and RecyleID=''" + byReceive,
-                       0);
-    case FolderFamily::Recyle:
-        // The date range stands behind "Group by" and so only splits the groups: the bin counts all dates.
-        return SumRows("select recyleID,Count(*) from receiveFax where  RecyleID='" + node.strKey +
-                           "'  and isReaded=0 and isReaded=0 Group by RecyleID" + byReceive,
-                       1) +
-               SumRows("select recyleID,Count(*) from SendFax where  RecyleID='" + node.strKey +
-                           "'  and isReaded=0 and isReaded=0  Group by RecyleID " + byModify,
-                       1);
-    default:
-        return SumRows("Select Count(*) From SendFax Where FolderID='" + node.strKey +
-                           "' and isReaded=0 and RecyleID='' " + byModify,
-                       0);
+    node->strText = text;
+    emit NodesChanged(node, node);
+    emit Renamed(node);
+}
+
+void FolderTree::Move(FolderNode *node, FolderNode *target)
+{
+    emit AboutToMove(node, target);
+    TakeFromParent(node);
+    AppendTo(target, node);
+    emit Moved(node);
+}
+
+void FolderTree::Remove(FolderNode *node)
+{
+    emit AboutToRemove(node);
+    TakeFromParent(node);
+    QList<FolderNode *> open{node};
+    while (!open.isEmpty()) {
+        const FolderNode *next = open.takeLast();
+        open += next->aChildren;
+        nodes.erase(QString(next->strKey)); // the key goes with the node
     }
-}
-
-/// Takes rows of a folder's id and its count. Folders that the tree does not show are passed over.
-void FolderTree::CountTable(const QString &sql, bool add)
-{
-    const auto row = Global().objDB->SelectEx(sql);
-    while (row->Next()) {
-        if (FolderNode *node = Find(row->Text(0)))
-            SetUnread(node, row->Number(1) + (add ? node->lUnread : 0));
-    }
-}
-
-void FolderTree::RefreshFolderUnreadCounts(const QString &dateFilter)
-{
-    const QString byReceive = AndDate(" and ReceiveTime ", dateFilter);
-    const QString byModify = AndDate(" and ModifyTime ", dateFilter);
-    for (const auto &node : aNodes)
-        SetUnread(node.get(), 0);
-    CountTable("select ReceiveFax.FolderID,Count(*) From ReceiveFax Where IsReaded=0 " + byReceive +
-                   "and  RecyleID=''  Group by ReceiveFax.FolderID",
-               false);
-    CountTable("select FolderID,Count(*) From SendFax Where IsReaded=0 " + byModify +
-                   " and RecyleID='' Group by FolderID",
-               false);
-    CountTable("select RecyleID,Count(*) from receiveFax where  recyleID>'' " + byReceive +
-                   " and isReaded=0 Group by RecyleID",
-               false);
-    CountTable("select RecyleID,Count(*) from SendFax where  recyleID>'' " + byModify +
-                   " and isReaded=0 Group by RecyleID",
-               true);
+    emit Removed();
 }
 
 QString FolderTree::CollectSubtreeFolderIds(const FolderNode *node)

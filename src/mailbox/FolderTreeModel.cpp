@@ -1,7 +1,17 @@
 #include "mailbox/FolderTreeModel.h"
 
 #include "core/ModelRoles.h"
+#include "core/Utilities.h"
+#include "mailbox/FolderRules.h"
 #include "mailbox/FolderTree.h"
+
+#include <QMimeData>
+
+namespace {
+
+constexpr char strFolderMimeType[] = "application/x-velmar-folder"; ///< a folder's key
+
+} // namespace
 
 FolderTreeModel::FolderTreeModel(FolderTree &shownTree, QObject *parent)
     : QAbstractItemModel(parent)
@@ -9,15 +19,26 @@ FolderTreeModel::FolderTreeModel(FolderTree &shownTree, QObject *parent)
 {
     connect(&tree, &FolderTree::AboutToLoad, this, [this] { beginResetModel(); });
     connect(&tree, &FolderTree::Loaded, this, [this] { endResetModel(); });
-    connect(&tree, &FolderTree::NodeChanged, this, [this](FolderNode *node) {
-        const QModelIndex index = IndexOf(node);
-        emit dataChanged(index, index);
+    connect(&tree, &FolderTree::NodesChanged, this,
+            [this](FolderNode *first, FolderNode *last) { emit dataChanged(IndexOf(first), IndexOf(last)); });
+    connect(&tree, &FolderTree::AboutToAdd, this, [this](FolderNode *above) {
+        const int row = static_cast<int>(above->aChildren.size());
+        beginInsertRows(IndexOf(above), row, row);
     });
+    connect(&tree, &FolderTree::Added, this, [this] { endInsertRows(); });
+    connect(&tree, &FolderTree::AboutToMove, this, [this](FolderNode *node, FolderNode *target) {
+        beginMoveRows(IndexOf(node->parent), node->lRow, node->lRow, IndexOf(target),
+                      static_cast<int>(target->aChildren.size()));
+    });
+    connect(&tree, &FolderTree::Moved, this, [this] { endMoveRows(); });
+    connect(&tree, &FolderTree::AboutToRemove, this,
+            [this](FolderNode *node) { beginRemoveRows(IndexOf(node->parent), node->lRow, node->lRow); });
+    connect(&tree, &FolderTree::Removed, this, [this] { endRemoveRows(); });
 }
 
 QModelIndex FolderTreeModel::IndexOf(FolderNode *node) const
 {
-    return node ? createIndex(node->Row(), 0, node) : QModelIndex();
+    return node ? createIndex(node->lRow, 0, node) : QModelIndex();
 }
 
 FolderNode *FolderTreeModel::NodeOf(const QModelIndex &index) const
@@ -56,11 +77,12 @@ QVariant FolderTreeModel::data(const QModelIndex &index, int role) const
         return {};
     switch (role) {
     case Qt::DisplayRole:
-        return node->strText;
-    case Qt::AccessibleTextRole:
-        return node->lUnread > 0
-                   ? tr("%1, %n unread", nullptr, static_cast<int>(node->lUnread)).arg(node->strText)
-                   : node->strText;
+        return GetShownText(node->strText);
+    case Qt::AccessibleTextRole: {
+        const QString text = GetShownText(node->strText);
+        return node->lUnread > 0 ? tr("%1, %n unread", nullptr, static_cast<int>(node->lUnread)).arg(text)
+                                 : text;
+    }
     case KeyRole:
         return node->strKey;
     case ImageKeyRole:
@@ -70,4 +92,47 @@ QVariant FolderTreeModel::data(const QModelIndex &index, int role) const
     default:
         return {};
     }
+}
+
+// Dragging
+
+/// Every folder takes drops, so that they are made on it and never beside it; `canDropMimeData` decides.
+Qt::ItemFlags FolderTreeModel::flags(const QModelIndex &index) const
+{
+    Qt::ItemFlags flags = QAbstractItemModel::flags(index);
+    if (index.isValid())
+        flags |= Qt::ItemIsDropEnabled;
+    if (CanDragFolder(NodeOf(index)))
+        flags |= Qt::ItemIsDragEnabled;
+    return flags;
+}
+
+QStringList FolderTreeModel::mimeTypes() const
+{
+    return {strFolderMimeType};
+}
+
+QMimeData *FolderTreeModel::mimeData(const QModelIndexList &indexes) const
+{
+    if (indexes.isEmpty())
+        return nullptr;
+    auto *data = new QMimeData;
+    data->setData(strFolderMimeType, indexes.first().data(KeyRole).toString().toUtf8());
+    return data;
+}
+
+bool FolderTreeModel::canDropMimeData(const QMimeData *data, Qt::DropAction action, int, int,
+                                      const QModelIndex &target) const
+{
+    const FolderNode *source = tree.Find(QString::fromUtf8(data->data(strFolderMimeType)));
+    return action == Qt::MoveAction && CanDragFolder(source) && CanDropFolder(source, NodeOf(target));
+}
+
+bool FolderTreeModel::dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column,
+                                   const QModelIndex &target)
+{
+    if (!canDropMimeData(data, action, row, column, target))
+        return false;
+    emit FolderDropped(QString::fromUtf8(data->data(strFolderMimeType)), NodeOf(target)->strKey);
+    return true;
 }

@@ -81,11 +81,7 @@ ReadMarks::ReadMarks(ShownMailbox &shownMailbox, Message &messageBox)
 
 void ReadMarks::Guard(const QString &routine, const std::function<void()> &run)
 {
-    try {
-        run();
-    } catch (const RaisedError &error) {
-        message.ShowMessage("error in " + routine + "\r\n" + error.Description(), mbExclamation);
-    }
+    message.RunGuarded("error in " + routine, run);
 }
 
 void ReadMarks::mnuHadRead()
@@ -140,11 +136,11 @@ void ReadMarks::ClickReadIcon(int row)
         return;
     }
     Guard("MarkReceivedFaxRead", [&] {
-        if (fax.FaxTable() != lReceived) // in the Recycle bin: nobody waits for its receipt
-            SetRead("SendFax", true, {fax.ID()});
-        else if (MarkReceivedFaxRead(fax.ID()))
+        if (fax.lFaxTable != lReceived) // in the Recycle bin: nobody waits for its receipt
+            SetRead("SendFax", true, {fax.strID});
+        else if (MarkReceivedFaxRead(fax.strID))
             emit ReceiptsQueued();
-        ShowMarks({fax.ID()}, true);
+        ShowMarks({fax.strID}, true);
     });
 }
 
@@ -164,14 +160,14 @@ void ReadMarks::OnMarkFaxTick()
     if (row == 0 || key == "1000" || key == "1001" || mailbox.SelectedFaxes().size() != 1)
         return;
     const FaxRow fax = mailbox.List().Row(row);
-    if (fax.bRead || (key == "1008" && fax.FaxTable() == lReceived))
+    if (fax.bRead || (key == "1008" && fax.lFaxTable == lReceived))
         return;
     Guard("tmrMarkFax", [&] {
         if (mailbox.GetFaxTable() == lReceived)
-            MarkReceived({fax.ID()});
+            MarkReceived({fax.strID});
         else
-            SetRead("SendFax", "1", "Where Fax_ID='" + fax.ID() + "'");
-        ShowMarks({fax.ID()}, true);
+            SetRead("SendFax", "1", "Where Fax_ID='" + fax.strID + "'");
+        ShowMarks({fax.strID}, true);
     });
 }
 

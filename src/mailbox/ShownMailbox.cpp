@@ -2,7 +2,7 @@
 
 #include "core/Globals.h"
 #include "core/Message.h"
-#include "core/RaisedError.h"
+#include "core/Utilities.h"
 #include "core/ports/Clock.h"
 
 namespace {
@@ -13,21 +13,20 @@ constexpr const char *strRecountStatus = QT_TRANSLATE_NOOP("ShownMailbox", "Tota
 
 } // namespace
 
-ShownMailbox::ShownMailbox(Message &messageBox, const Clock &clock)
+ShownMailbox::ShownMailbox(Message &messageBox, const Clock &clock, Ids &ids)
     : message(messageBox)
+    , changes(*this, folders, messageBox, ids)
     , dates(clock.Now().date())
     , marks(*this, messageBox)
 {
+    connect(&folders, &FolderTree::Renamed, this, &ShownMailbox::TipChanged);
+    connect(&folders, &FolderTree::AboutToRemove, this, &ShownMailbox::LeaveFolder);
 }
 
 /// Every entry from the outside goes through here: an error ends in a box, not in the event loop.
 void ShownMailbox::Trap(const QString &heading, const std::function<void()> &run)
 {
-    try {
-        run();
-    } catch (const RaisedError &error) {
-        message.ShowMessage(heading + "\r\n" + error.Description(), mbExclamation);
-    }
+    message.RunGuarded(heading, run);
 }
 
 void ShownMailbox::Guard(const QString &routine, const std::function<void()> &run)
@@ -88,6 +87,16 @@ void ShownMailbox::ShowFolder(FolderNode *node)
     ShowStatus(strSelectionStatus);
 }
 
+/// A folder goes away: if it or one below it is selected, the folder above is, where the faxes are now.
+void ShownMailbox::LeaveFolder(const FolderNode *removed)
+{
+    const FolderNode *node = selected;
+    while (node && node != removed)
+        node = node->parent;
+    if (node)
+        Guard("tvFolder_SelectedNodeChanged", [&] { ShowFolder(removed->parent); });
+}
+
 void ShownMailbox::RefreshFolderUnreadCounts()
 {
     Guard("RefreshFolderUnreadCounts", [this] {
@@ -144,6 +153,7 @@ void ShownMailbox::LoadSummary()
     subtrees.strDraft = subtree("1002");
     subtrees.strSent = subtree("1004");
     subtrees.strOutgoing = subtree("1003");
+    folders.FolderIdList.clear(); // the next deletion takes what stands in it
     list.LoadSummary(subtrees, dates.Text());
 }
 
@@ -187,8 +197,8 @@ void ShownMailbox::SelectRow(int row)
     if (row < 1 || row > list.RowCount())
         return;
     const FaxRow &chosen = list.Row(row);
-    aSelected = chosen.IsSummary() ? QStringList() : QStringList(chosen.ID());
-    strCurrent = chosen.ID();
+    aSelected = chosen.bSummary ? QStringList() : QStringList(chosen.strID);
+    strCurrent = chosen.strID;
     emit RowSelected(row);
     ShowFax(strCurrent);
 }
@@ -262,5 +272,6 @@ void ShownMailbox::ApplyDates()
 
 QString ShownMailbox::labFolderTip() const
 {
-    return "    " + GetTreeItemText(selected) + "  " + dates.YearText() + "  " + dates.PressedCaption();
+    return "    " + GetShownText(GetTreeItemText(selected)) + "  " + dates.YearText() + "  " +
+           dates.PressedCaption();
 }

@@ -3,6 +3,7 @@
 #include "mailbox/DateFilter.h"
 #include "mailbox/FaxList.h"
 #include "mailbox/FaxPreview.h"
+#include "mailbox/FolderChanges.h"
 #include "mailbox/FolderTree.h"
 #include "mailbox/Mailbox.h"
 #include "mailbox/ReadMarks.h"
@@ -13,6 +14,7 @@
 #include <functional>
 
 class Clock;
+class Ids;
 class Message;
 
 /// The mailbox as it stands on the screen: the folders, the selected one, its list, the selected faxes and
@@ -23,9 +25,10 @@ class ShownMailbox final : public QObject, public Mailbox
     Q_OBJECT
 
 public:
-    ShownMailbox(Message &message, const Clock &clock);
+    ShownMailbox(Message &message, const Clock &clock, Ids &ids);
 
     FolderTree &Folders() { return folders; }
+    FolderChanges &Changes() { return changes; }
     FaxList &List() { return list; }
     const FaxList &List() const { return list; }
     FaxPreview &Preview() { return preview; }
@@ -97,6 +100,7 @@ signals:
     /// A selected fax has no file: there is nothing to send again.
     void FaxFileMissing();
     void DatesChanged();
+    void TipChanged();
     void StatusChanged();
 
 private:
@@ -105,6 +109,7 @@ private:
     void LoadList(const FaxListQueries::Selection &selection, bool clearFirst);
     void LoadSummary();
     void ShowFolder(FolderNode *node);
+    void LeaveFolder(const FolderNode *removed);
     void ShowFax(const QString &id);
     int ModeOfSelected() const;
     void SelectRowOrNone(int row);
@@ -120,6 +125,7 @@ private:
 
     Message &message;
     FolderTree folders;
+    FolderChanges changes;
     FaxList list;
     FaxPreview preview;
     DateFilter dates;

@@ -1,4 +1,3 @@
-#include "controls/Icons.h"
 #include "controls/PageCanvas.h"
 #include "core/Globals.h"
 #include "core/RaisedError.h"
@@ -8,6 +7,7 @@
 #include "fixtures/FaxFile.h"
 #include "fixtures/Profile.h"
 #include "mailbox/ShownMailbox.h"
+#include "mailbox/forms/frmAddFolder.h"
 
 #include <QAccessible>
 #include <QAction>
@@ -114,6 +114,75 @@ private slots:
         SelectInTree("Sent");
         QTRY_COMPARE(Get<QTreeView>("tvFolder").currentIndex().data(), "Sending");
         QCOMPARE(mailbox->SelectedFolder(), "1005");
+    }
+
+    void keysOfTheTreeAreItsOwn()
+    {
+        AddFolder("A", "Letters");
+        AddFolder("B", "Minutes");
+        window->SetCommand("mnuEditDelete", [] { QFAIL("the list has no say in the tree"); });
+        int renamings = 0;
+        window->SetCommand("mnuEditFolder", [&] { ++renamings; });
+        auto &tree = Get<QTreeView>("tvFolder");
+        tree.setFocus();
+        SelectInTree("Incoming");
+        for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_F2}) // a folder of the system
+            QTest::keyClick(&tree, key);
+        QCOMPARE(fakes->prompts.Texts(), QStringList());
+        QTest::keyClick(&tree, Qt::Key_M, Qt::ShiftModifier); // looks for a name, marks no fax
+        QTest::keyClick(&tree, Qt::Key_I);
+        QCOMPARE(tree.currentIndex().data(), "Minutes");
+        QTest::keyClick(&tree, Qt::Key_F2);
+        QCOMPARE(renamings, 1);
+        fakes->prompts.aAnswers = {mbAnswerYes};
+        QTest::keyClick(&tree, Qt::Key_Delete);
+        QCOMPARE(fakes->prompts.Texts(), QStringList("Are you sure you want to remove this folder?"));
+        QCOMPARE(tree.currentIndex().data(), "Incoming");
+        QCOMPARE(mailbox->SelectedFolder(), "1001");
+    }
+
+    void menuOfTheTreeIsForTheFolderUnderTheMouse()
+    {
+        auto &tree = Get<QTreeView>("tvFolder");
+        window->SetCommand("mnuClearRecyle", [] {});
+        profile->InsertReceivedFax("R", {{"RecyleID", "1008"}});
+        const QModelIndex drafts = Index("Draft");
+        QContextMenuEvent mouse(QContextMenuEvent::Mouse, tree.visualRect(drafts).center(), QPoint(40, 40));
+        QCoreApplication::sendEvent(tree.viewport(), &mouse);
+        auto &menu = Get<QMenu>("mnuFolder");
+        QVERIFY(menu.isVisible());
+        QCOMPARE(mailbox->SelectedFolder(), "1002");
+        QVERIFY(Command("mnuClearRecyle").isEnabled());
+        menu.close();
+        profile->Execute("DELETE FROM ReceiveFax");
+        QTest::keyClick(&tree, Qt::Key_F10, Qt::ShiftModifier);
+        QVERIFY(menu.isVisible());
+        QVERIFY(!Command("mnuClearRecyle").isEnabled());
+        menu.close();
+    }
+
+    void folderWindowKeepsOpenUntilTheNameIsGood()
+    {
+        AddFolder("A", "Letters");
+        SelectInTree("Letters");
+        frmAddFolder form(mailbox->Changes());
+        form.Init(*mailbox->Changes().mnuEditFolder());
+        form.show();
+        auto *name = form.findChild<QLineEdit *>("txtFolderName");
+        QCOMPARE(form.windowTitle(), "Rename folder");
+        QCOMPARE(name->selectedText(), "Letters");
+        AddFolder("B", "Minutes");
+        for (const char *typed : {"", "Minutes"}) {
+            name->setText(typed);
+            QTest::keyClick(name, Qt::Key_Return);
+            QVERIFY(form.isVisible());
+        }
+        QCOMPARE(name->selectedText(), "Minutes");
+        name->setText("Post");
+        QTest::keyClick(name, Qt::Key_Return);
+        QVERIFY(!form.isVisible());
+        QCOMPARE(Get<QTreeView>("tvFolder").currentIndex().data(), "Post");
+        QCOMPARE(Get<QLabel>("labFolderTip").text().trimmed(), "Post");
     }
 
     void selectionOfManyReachesTheMailbox()
@@ -300,36 +369,14 @@ private slots:
             check(menu->actions(), menu->objectName());
         QMap<QKeySequence, QString> owners;
         for (const QAction *action : window->findChildren<QAction *>()) {
+            if (action->shortcutContext() == Qt::WidgetShortcut) // keys of the tree alone
+                continue;
             for (const QKeySequence &keys : action->shortcuts()) {
                 QVERIFY2(!owners.contains(keys), qPrintable(action->objectName() + " and " +
                                                             owners.value(keys) + ": " + keys.toString()));
                 owners.insert(keys, action->objectName());
             }
         }
-    }
-
-    void everyImageKeyHasAPicture()
-    {
-        const QString keys =
-            "imgContact imgReceived imgSketchup imgWaitSend imgSended imgRecyle imgGroup imgContactMain "
-            "imgPublicContact imgFolderRoot imgIsRead imgNotRead imgReaded imgWait imgLevel imgOK imgWarning "
-            "imgError imgLowLevel imgSortDown imgSortUp imgPublicGroup imgPersonGroup imgNewFaxItem "
-            "imgEditContact imgNormalLevel imgFaxMouseOn imgProgram";
-        for (const QString &key : keys.split(' '))
-            QVERIFY2(!Icons::Get(key).isNull(), qPrintable(key));
-        for (const QAction *action : Get<QToolBar>("tbClient").actions())
-            QVERIFY2(action->isSeparator() || !action->icon().isNull(), qPrintable(action->objectName()));
-    }
-
-    void faxKeysKeepOutOfTheTrees()
-    {
-        int deletions = 0;
-        window->SetCommand("mnuEditDelete", [&] { ++deletions; });
-        QTest::keyClick(&Get<QTreeView>("tvFolder"), Qt::Key_Delete);
-        QCOMPARE(deletions, 0);
-        Get<QTreeView>("grdFaxList").setFocus();
-        QTest::keyClick(&Get<QTreeView>("grdFaxList"), Qt::Key_Delete);
-        QCOMPARE(deletions, 1);
     }
 
     void popupShowsTheKeysOfItsCommands()
@@ -371,13 +418,12 @@ private slots:
     {
         QFETCH(QString, value);
         window->close();
-        QList<std::pair<QString, QString>> values{{"tvAddressbook_IsVisible", "True"},
-                                                  {"tbClient_Style", value}};
         for (const char *pane : {"Main", "tvFolder", "tvAddressbook", "grdFaxList", "picPreview"}) {
             for (const char *side : {"_Left", "_Top", "_Width", "_Height"})
-                values.append({QString(pane) + side, value});
+                QVERIFY(WriteIniValue("anna", QString(pane) + side, value, Global().strIniFile));
         }
-        QVERIFY(WriteIniValues("anna", values, Global().strIniFile));
+        QVERIFY(WriteIniValue("anna", "tvAddressbook_IsVisible", "True", Global().strIniFile));
+        QVERIFY(WriteIniValue("anna", "tbClient_Style", value, Global().strIniFile));
         OpenWindow();
         const QRect room = window->screen()->availableGeometry();
         QVERIFY(window->width() <= room.width() && window->height() <= room.height());
@@ -462,20 +508,32 @@ private:
     void OpenWindow()
     {
         window.reset();
-        mailbox = std::make_unique<ShownMailbox>(fakes->message, fakes->clock);
+        mailbox = std::make_unique<ShownMailbox>(fakes->message, fakes->clock, fakes->ids);
         window = std::make_unique<frmMain>(*mailbox, fakes->message);
         window->Load();
         QVERIFY(QTest::qWaitForWindowExposed(window.get()));
     }
     QString Setting(const QString &key) const { return ReadIniValue("anna", key, Global().strIniFile); }
 
+    QModelIndex Index(const QString &text) const
+    {
+        const auto &model = *Get<QTreeView>("tvFolder").model();
+        return model.match(model.index(0, 0), Qt::DisplayRole, text, 1, Qt::MatchRecursive).value(0);
+    }
     void SelectInTree(const QString &text)
     {
         auto &tree = Get<QTreeView>("tvFolder");
-        const QModelIndexList found =
-            tree.model()->match(tree.model()->index(0, 0), Qt::DisplayRole, text, 1, Qt::MatchRecursive);
-        QCOMPARE(found.size(), 1);
-        QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, tree.visualRect(found.first()).center());
+        QVERIFY(Index(text).isValid());
+        QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, tree.visualRect(Index(text)).center());
+    }
+    void AddFolder(const QString &id, const QString &name)
+    {
+        profile->InsertRow("FaxFolder", {{"Folder_ID", id},
+                                         {"Folder_Name", name},
+                                         {"Folder_Type", "1"},
+                                         {"parentID", "1001"},
+                                         {"isSystem", "0"}});
+        mailbox->Folders().Add(mailbox->Folders().Find("1001"), id, name);
     }
 
     std::unique_ptr<Profile> profile;

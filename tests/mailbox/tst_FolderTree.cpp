@@ -1,9 +1,13 @@
 #include "core/ModelRoles.h"
+#include "fakes/FakePorts.h"
 #include "fixtures/Profile.h"
+#include "mailbox/FolderRules.h"
 #include "mailbox/FolderTree.h"
 #include "mailbox/FolderTreeModel.h"
+#include "mailbox/ShownMailbox.h"
 
 #include <QAbstractItemModelTester>
+#include <QMimeData>
 #include <QTest>
 
 #include <memory>
@@ -28,6 +32,16 @@ QStringList ChildKeys(const FolderNode *node)
     return keys;
 }
 
+QString Parent(const QString &id)
+{
+    return Profile::Value("SELECT parentID FROM FaxFolder WHERE Folder_ID='" + id + "'");
+}
+
+QString FolderOf(const QString &table, const QString &fax, const QString &column = "FolderID")
+{
+    return Profile::Value("SELECT " + column + " FROM " + table + " WHERE Fax_ID='" + fax + "'");
+}
+
 } // namespace
 
 class tst_FolderTree : public QObject
@@ -42,6 +56,9 @@ private slots:
     }
     void cleanup()
     {
+        model.reset();
+        mailbox.reset();
+        fakes.reset();
         tree.reset();
         profile.reset();
     }
@@ -70,7 +87,8 @@ private slots:
         InsertFolder(*profile, "ORPHAN", "GONE", "1");
         InsertFolder(*profile, "TWICE", "1001", "1");
         InsertFolder(*profile, "TWICE", "1002", "2");
-        InsertFolder(*profile, "1000", "1001", "0"); // the root below itself
+        InsertFolder(*profile, "1000", "1001", "0");           // the root below itself
+        InsertFolder(*profile, "x') or ('1'='1", "1001", "1"); // would be part of statements
         tree->LoadFaxFolderTree();
         QCOMPARE(tree->Count(), 10);
         QCOMPARE(tree->Find("TWICE")->parent->strKey, "1001");
@@ -166,8 +184,208 @@ private slots:
         QCOMPARE(letters.data(Qt::AccessibleTextRole), "Letters, 3 unread");
     }
 
+    void foldersMayChange_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("may"); // a: add in it, c: change it, d: drag it
+        const QList<std::pair<const char *, const char *>> table{
+            {"1000", ""},  {"1001", "a"}, {"1002", "a"},  {"1003", ""},  {"1004", ""},    {"1005", "a"},
+            {"1007", "a"}, {"1008", "a"}, {"TOP", "acd"}, {"IN", "acd"}, {"SENT", "acd"}, {"STRAY", "a"}};
+        for (const auto &[key, may] : table)
+            QTest::addRow("%s", key) << key << may;
+    }
+
+    void foldersMayChange()
+    {
+        QFETCH(QString, key);
+        InsertOwnFolders();
+        const FolderNode *node = tree->Find(key);
+        QTEST(QString(CanAddFolder(node) ? "a" : "") + (CanChangeFolder(node) ? "c" : "") +
+                  (CanDragFolder(node) ? "d" : ""),
+              "may");
+    }
+
+    void foldersStayInTheirFamily()
+    {
+        InsertOwnFolders();
+        const QMap<QString, QStringList> targets{{"TOP", {"TOP2"}},
+                                                 {"UNDER", {"1000", "TOP2"}},
+                                                 {"IN", {"STRAY"}},
+                                                 {"SENT", {"1005", "1007"}},
+                                                 {"BIN", {}}};
+        QStringList keys = Profile::Values("SELECT Folder_ID FROM FaxFolder");
+        for (const QString &source : targets.keys()) {
+            QStringList found;
+            for (const QString &key : std::as_const(keys)) {
+                if (CanDropFolder(tree->Find(source), tree->Find(key)))
+                    found.append(key);
+            }
+            QCOMPARE(found, targets.value(source));
+        }
+        QVERIFY(!CanDropFolder(tree->Find("IN"), nullptr));
+    }
+
+    void newFolderCopiesItsParent()
+    {
+        OpenMailbox("1007");
+        const FolderChanges::Naming naming = *mailbox->Changes().mnuAddFolder();
+        QVERIFY(!mailbox->Changes().SaveName(naming, " ")); // nothing typed
+        QVERIFY(mailbox->Changes().SaveName(naming, "Sam's (1)"));
+        const QString id = QString(31, '0') + "1";
+        QCOMPARE(Profile::Value("SELECT Folder_Name||'|'||Folder_Type||'|'||isSystem||'|'||parentID FROM "
+                                "FaxFolder WHERE Folder_ID='" +
+                                id + "'"),
+                 "Sam~$@~s (1)|6|0|1007");
+        const QModelIndex index = model->IndexOf(mailbox->Folders().Find(id));
+        QCOMPARE(index.data(), "Sam's (1)");
+        QCOMPARE(index.data(ImageKeyRole), "imgSended");
+        mailbox->SelectFolder(id);
+        QCOMPARE(mailbox->Changes().mnuEditFolder()->strCurrentName, "Sam's ");
+        fakes->ids.bFails = true;
+        QVERIFY(!mailbox->Changes().SaveName(naming, "Other"));
+        QCOMPARE(index.parent(), model->IndexOf(mailbox->Folders().Find("1007")));
+        QCOMPARE(model->rowCount(index.parent()), 1);
+    }
+
+    void takenNamesAreRefused()
+    {
+        InsertFolder(*profile, "A", "1001", "1", "Plans");
+        InsertFolder(*profile, "B", "1002", "2", "(b)");
+        OpenMailbox("1001");
+        FolderChanges &changes = mailbox->Changes();
+        QVERIFY(!changes.SaveName(*changes.mnuAddFolder(), "Plans"));
+        QCOMPARE(fakes->prompts.Texts(), QStringList("The specified folder name already exists."));
+        mailbox->SelectFolder("1002");
+        QVERIFY(changes.SaveName(*changes.mnuAddFolder(), "Plans")); // no sibling has it
+        mailbox->SelectFolder("B");
+        const FolderChanges::Naming rename = *changes.mnuEditFolder();
+        QCOMPARE(rename.strCurrentName, "");
+        QVERIFY(!changes.SaveName(rename, "Plans")); // somebody has it
+        QVERIFY(changes.SaveName(rename, "It's"));
+        QCOMPARE(Profile::Value("SELECT Folder_Name FROM FaxFolder WHERE Folder_ID='B'"), "It~$@~s");
+        QCOMPARE(mailbox->labFolderTip().trimmed(), "It's");
+        QCOMPARE(fakes->prompts.aBoxes.size(), 2);
+    }
+
+    void deletedFolderLeavesItsFaxesToItsParent()
+    {
+        InsertFolder(*profile, "A", "1001", "1");
+        InsertFolder(*profile, "AA", "A", "1");
+        InsertFolder(*profile, "BIN", "1008", "7");
+        profile->InsertReceivedFax("R1", {{"folderID", "A"}});
+        profile->InsertReceivedFax("R2", {{"folderID", "AA"}, {"isReaded", "1"}});
+        profile->InsertReceivedFax("R3", {{"folderID", "A"}, {"RecyleID", "BIN"}});
+        profile->InsertSentFax("S1", {{"RecyleID", "BIN"}});
+        OpenMailbox("A");
+        fakes->prompts.aAnswers = {mbAnswerNo, mbAnswerYes, mbAnswerYes};
+        mailbox->Changes().mnuDeleteFolder();
+        QCOMPARE(mailbox->SelectedFolder(), "A");
+        QCOMPARE(fakes->prompts.aBoxes.first().lFlags, mbYesNo + mbQuestion + mbDefaultButton2);
+        mailbox->SelectFolder("AA");
+        mailbox->SelectFolder("A");
+        mailbox->Changes().mnuDeleteFolder();
+        QCOMPARE(mailbox->SelectedFolder(), "1001");
+        QCOMPARE(mailbox->RowCount(), 2);
+        QCOMPARE(mailbox->SelectedNode()->lUnread, 1);
+        QCOMPARE(FolderOf("ReceiveFax", "R2"), "1001");
+        QCOMPARE(FolderOf("ReceiveFax", "R3", "RecyleID"), "BIN");
+        mailbox->SelectFolder("BIN");
+        mailbox->Changes().mnuDeleteFolder();
+        QCOMPARE(FolderOf("ReceiveFax", "R3", "RecyleID"), "1008");
+        QCOMPARE(FolderOf("SendFax", "S1", "RecyleID"), "1008");
+        QCOMPARE(FolderOf("SendFax", "S1"), "1003");
+        QCOMPARE(Profile::Value("SELECT count(*) FROM FaxFolder"), "9");
+        QCOMPARE(mailbox->Folders().Count(), 9);
+    }
+
+    void failedDeletionIsNotDoneByTheNextOne()
+    {
+        InsertFolder(*profile, "A", "1001", "1");
+        InsertFolder(*profile, "B", "1002", "2");
+        profile->InsertReceivedFax("R1", {{"folderID", "A"}});
+        OpenMailbox("A");
+        fakes->prompts.aAnswers = {mbAnswerYes, mbAnswerOK, mbAnswerYes};
+        Profile::Execute(
+            "CREATE TRIGGER Busy BEFORE UPDATE ON ReceiveFax BEGIN SELECT RAISE(FAIL,'busy'); END");
+        mailbox->Changes().mnuDeleteFolder();
+        QVERIFY(fakes->prompts.Texts().last().contains("busy"));
+        QCOMPARE(mailbox->SelectedFolder(), "A");
+        mailbox->SelectFolder("B");
+        mailbox->Changes().mnuDeleteFolder();
+        QCOMPARE(Profile::Value("SELECT count(*) FROM FaxFolder WHERE Folder_ID='A'"), "1");
+        QVERIFY(!mailbox->Folders().Find("B"));
+    }
+
+    void droppedFolderMoves()
+    {
+        InsertFolder(*profile, "A", "1001", "1");
+        InsertFolder(*profile, "B", "1001", "1");
+        InsertFolder(*profile, "C", "1001", "1");
+        OpenMailbox("A");
+        FolderTree &shown = mailbox->Folders();
+        connect(model.get(), &FolderTreeModel::FolderDropped, this,
+                [this](const QString &source, const QString &target) {
+                    mailbox->Changes().DropFolder(source, target);
+                });
+        const auto drop = [&](const QString &source, const QString &target) {
+            const std::unique_ptr<QMimeData> data(model->mimeData({model->IndexOf(shown.Find(source))}));
+            return model->dropMimeData(data.get(), Qt::MoveAction, -1, -1,
+                                       model->IndexOf(shown.Find(target)));
+        };
+        QVERIFY(drop("A", "C"));
+        QCOMPARE(Parent("A"), "C");
+        QCOMPARE(ChildKeys(shown.Find("1001")), QStringList({"B", "C"}));
+        QVERIFY(!drop("C", "A") && !drop("B", "1002") && !drop("1001", "B"));
+        QVERIFY(drop("C", "B"));
+        QCOMPARE(model->IndexOf(shown.Find("A")).parent().parent(), model->IndexOf(shown.Find("B")));
+    }
+
+    void binIsEmptyWithoutRecycledFaxes()
+    {
+        QVERIFY(FolderTree::IsRecycleBinEmpty());
+        profile->InsertSentFax("S1", {{"RecyleID", "1008"}});
+        QVERIFY(!FolderTree::IsRecycleBinEmpty());
+    }
+
+    void wildNamesAreShownAsOneLine()
+    {
+        InsertFolder(*profile, "A", "1001", "1", QString("<b>a\r\n\t") + QString(1 << 20, 'x'));
+        OpenMailbox("A");
+        const QString shown = model->IndexOf(mailbox->SelectedNode()).data().toString();
+        QVERIFY(shown.startsWith("<b>a   xx") && shown.size() < 1000);
+        QVERIFY(mailbox->labFolderTip().size() < 1000);
+    }
+
 private:
+    /// TOP (with UNDER) and TOP2 in the root; IN, SENT and BIN in folders of the system; STRAY is of no
+    /// family that may stand in the root.
+    void InsertOwnFolders()
+    {
+        InsertFolder(*profile, "TOP", "1000", "0");
+        InsertFolder(*profile, "UNDER", "TOP", "0");
+        InsertFolder(*profile, "TOP2", "1000", "0");
+        InsertFolder(*profile, "IN", "1001", "1");
+        InsertFolder(*profile, "SENT", "1006", "6");
+        InsertFolder(*profile, "BIN", "1008", "7");
+        InsertFolder(*profile, "STRAY", "1000", "1");
+        tree->LoadFaxFolderTree();
+    }
+
+    void OpenMailbox(const QString &folder)
+    {
+        fakes = std::make_unique<FakePorts>();
+        mailbox = std::make_unique<ShownMailbox>(fakes->message, fakes->clock, fakes->ids);
+        model = std::make_unique<FolderTreeModel>(mailbox->Folders());
+        new QAbstractItemModelTester(model.get(), QAbstractItemModelTester::FailureReportingMode::QtTest,
+                                     model.get());
+        mailbox->LoadFaxFolderTree();
+        mailbox->SelectFolder(folder);
+    }
+
     std::unique_ptr<Profile> profile;
+    std::unique_ptr<FakePorts> fakes;
+    std::unique_ptr<ShownMailbox> mailbox;
+    std::unique_ptr<FolderTreeModel> model;
     std::unique_ptr<FolderTree> tree;
 };
 

@@ -23,7 +23,7 @@ private slots:
         profile = std::make_unique<Profile>();
         fakes = std::make_unique<FakePorts>();
         fakes->folders.strRoot = profile->Root();
-        mailbox = std::make_unique<ShownMailbox>(fakes->message, fakes->clock);
+        mailbox = std::make_unique<ShownMailbox>(fakes->message, fakes->clock, fakes->ids);
         faxViewer = std::make_unique<FaxViewer>(*mailbox, fakes->ports,
                                                 [this](const QString &id) { drafts.append(id); });
         drafts.clear();
@@ -96,8 +96,7 @@ private slots:
             profile->InsertReceivedFax("M" + QString::number(i), {{"fileName", i < 59 ? "B.tif" : "b.TIF"}});
         Profile::Execute("DELETE FROM ReceiveFax WHERE Fax_ID='A'");
         mailbox->ReloadCurrentFolder(true);
-        mailbox->SelectFaxes(Profile::Values("SELECT Fax_ID FROM ReceiveFax"),
-                             "B"); // so many that their folder is read
+        mailbox->SelectFaxes(mailbox->List().Ids(), "B"); // so many that their folder is read
         QCOMPARE(mailbox->GetGridSelectedID().aReceived.size(), 61);
         QCOMPARE(missing.size(), 1);
         mailbox->SelectFolder("1008");

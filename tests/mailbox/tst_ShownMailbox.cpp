@@ -18,7 +18,7 @@ private slots:
         profile = std::make_unique<Profile>();
         fakes = std::make_unique<FakePorts>();
         fakes->clock.now = QDateTime(QDate(2026, 3, 15), QTime(12, 0));
-        mailbox = std::make_unique<ShownMailbox>(fakes->message, fakes->clock);
+        mailbox = std::make_unique<ShownMailbox>(fakes->message, fakes->clock, fakes->ids);
         Global().SwitchTo = true;
     }
 
@@ -121,11 +121,11 @@ private slots:
         QStringList rows;
         for (int row = 1; row <= mailbox->RowCount(); ++row) {
             const FaxRow &fax = mailbox->List().Row(row);
-            rows.append(fax.ID() + (fax.Cell(5) == "Changed" ? "!" : ""));
+            rows.append(fax.strID + (fax.Cell(5) == "Changed" ? "!" : ""));
         }
         QTEST(rows, "rows");
         QTEST(mailbox->SelectedFaxes().join(','), "shown");
-        QCOMPARE(mailbox->List().Row(mailbox->SelectedRow()).ID(), mailbox->SelectedFaxes().first());
+        QCOMPARE(mailbox->List().Row(mailbox->SelectedRow()).strID, mailbox->SelectedFaxes().first());
         if (kind != 3)
             QCOMPARE(mailbox->SelectedNode()->lUnread, 4);
     }

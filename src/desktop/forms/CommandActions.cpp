@@ -42,7 +42,9 @@ bool IsFreeCommand(const QString &name)
 {
     static const CommandStates::States online = CommandStates::SetCommMenu(true, {});
     static const CommandStates::States grid = CommandStates::SetGridCommands({});
-    return !online.contains(name) && !grid.contains(name);
+    static const CommandStates::States folder = CommandStates::SetFolderCommands(nullptr);
+    static const CommandStates::States bin = CommandStates::SetRecycleBinCommands(true);
+    return !online.contains(name) && !grid.contains(name) && !folder.contains(name) && !bin.contains(name);
 }
 
 QString MnemonicOf(const QString &text)

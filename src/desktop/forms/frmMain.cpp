@@ -3,7 +3,6 @@
 #include "controls/PageCanvas.h"
 #include "core/Globals.h"
 #include "core/Message.h"
-#include "core/RaisedError.h"
 #include "desktop/About.h"
 #include "desktop/Leftovers.h"
 #include "desktop/forms/CommandActions.h"
@@ -37,6 +36,7 @@ frmMain::frmMain(ShownMailbox &shownMailbox, Message &messageBox, QWidget *paren
     PlacePanes();
     SetUpCommands();
     ConnectPanes();
+    SetUpFolderCommands();
     SetCommMenu(false);
     SetGridCommands();
 }
@@ -143,6 +143,26 @@ void frmMain::ConnectPanes()
             [this](const QPoint &place) { commands->GridMenu().popup(place); });
 }
 
+void frmMain::SetUpFolderCommands()
+{
+    SetCommand("mnuDeleteFolder", [this] { mailbox.Changes().mnuDeleteFolder(); });
+    tvFolder->addActions({ui->mnuAddFolder, ui->mnuEditFolder, ui->mnuDeleteFolder});
+    connect(&mailbox, &ShownMailbox::FolderSelected, this, &frmMain::SetFolderCommands);
+    connect(&mailbox.Folders(), &FolderTree::Moved, this, &frmMain::SetFolderCommands);
+    connect(ui->mnuFolder, &QMenu::aboutToShow, this, [this] {
+        RunGuarded("IsRecycleBinEmpty", [this] {
+            commands->Apply(CommandStates::SetRecycleBinCommands(FolderTree::IsRecycleBinEmpty()));
+        });
+    });
+    connect(tvFolder, &FolderPane::MenuRequested, this,
+            [this](const QPoint &place) { ui->mnuFolder->popup(place); });
+}
+
+void frmMain::SetFolderCommands()
+{
+    commands->Apply(CommandStates::SetFolderCommands(mailbox.SelectedNode()));
+}
+
 void frmMain::SetCommand(const QString &name, std::function<void()> run)
 {
     commands->SetCommand(name, std::move(run));
@@ -159,11 +179,7 @@ void frmMain::RunOnSelection(const std::function<void()> &run)
 /// Commands begin at an event: what they raise ends here.
 void frmMain::RunGuarded(const QString &routine, const std::function<void()> &run)
 {
-    try {
-        run();
-    } catch (const RaisedError &error) {
-        message.ShowMessage("error in " + routine + "\r\n" + error.Description(), mbExclamation);
-    }
+    message.RunGuarded("error in " + routine, run);
 }
 
 void frmMain::SetCommMenu(bool enabled)

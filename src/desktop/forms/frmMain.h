@@ -84,6 +84,8 @@ private:
     void ConnectPanes();
     void GoToPane(int step);
     void MoveNextBorder();
+    void SetUpFolderCommands();
+    void SetFolderCommands();
 
     void RunOnSelection(const std::function<void()> &run);
     void RunGuarded(const QString &routine, const std::function<void()> &run);

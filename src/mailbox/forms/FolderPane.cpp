@@ -5,7 +5,13 @@
 #include "mailbox/FolderTreeModel.h"
 #include "mailbox/ShownMailbox.h"
 
-#include <QItemSelectionModel>
+#include <QContextMenuEvent>
+
+namespace {
+
+constexpr int lExpandDelay = 700; ///< milliseconds over a closed folder until a drag opens it
+
+} // namespace
 
 FolderPane::FolderPane(ShownMailbox &shownMailbox, QWidget *parent)
     : HintedTreeView(parent)
@@ -18,16 +24,39 @@ FolderPane::FolderPane(ShownMailbox &shownMailbox, QWidget *parent)
     setModel(model);
     setItemDelegate(new CountedDelegate(this));
     setTextElideMode(Qt::ElideRight);
+    SetUpDragging();
     connect(&mailbox.Folders(), &FolderTree::Loaded, this, &FolderPane::ShowLoadedTree);
+    connect(&mailbox.Folders(), &FolderTree::Added, this, &FolderPane::ShowNode);
+    connect(&mailbox.Folders(), &FolderTree::Moved, this, &FolderPane::ShowNode);
     // Queued: a selection that the mailbox redirects is still being made by the view.
     connect(&mailbox, &ShownMailbox::FolderSelected, this, &FolderPane::FollowMailbox, Qt::QueuedConnection);
     ShowLoadedTree();
+}
+
+void FolderPane::SetUpDragging()
+{
+    setDragDropMode(InternalMove);
+    setDragDropOverwriteMode(true); // drops go onto a folder, never between two
+    setAutoExpandDelay(lExpandDelay);
+    // Queued: the folder moves, and a box may come up, when the drag is over.
+    connect(
+        model, &FolderTreeModel::FolderDropped, this,
+        [this](const QString &source, const QString &target) {
+            mailbox.Changes().DropFolder(source, target);
+        },
+        Qt::QueuedConnection);
 }
 
 void FolderPane::ShowLoadedTree()
 {
     expand(model->IndexOf(mailbox.Folders().Root()));
     expand(model->IndexOf(mailbox.Folders().Find("1004")));
+}
+
+void FolderPane::ShowNode(FolderNode *node)
+{
+    expand(model->IndexOf(node->parent));
+    scrollTo(model->IndexOf(node));
 }
 
 void FolderPane::FollowMailbox()
@@ -54,4 +83,33 @@ void FolderPane::selectionChanged(const QItemSelection &selected, const QItemSel
     const QString key = chosen.first().data(KeyRole).toString();
     if (key != mailbox.SelectedFolder())
         mailbox.SelectFolder(key);
+}
+
+/// One folder is always selected: Ctrl and a click would leave none.
+QItemSelectionModel::SelectionFlags FolderPane::selectionCommand(const QModelIndex &index,
+                                                                 const QEvent *event) const
+{
+    const QItemSelectionModel::SelectionFlags flags = HintedTreeView::selectionCommand(index, event);
+    return flags & (QItemSelectionModel::Deselect | QItemSelectionModel::Toggle)
+               ? QItemSelectionModel::ClearAndSelect
+               : flags;
+}
+
+/// The mailbox has left the folder that goes: the view would choose a neighbour on its own.
+void FolderPane::rowsAboutToBeRemoved(const QModelIndex &parent, int start, int end)
+{
+    FollowMailbox();
+    HintedTreeView::rowsAboutToBeRemoved(parent, start, end);
+}
+
+void FolderPane::contextMenuEvent(QContextMenuEvent *event)
+{
+    QPoint place = event->globalPos();
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        scrollTo(currentIndex());
+        place = viewport()->mapToGlobal(visualRect(currentIndex()).center());
+    } else if (const QModelIndex index = indexAt(event->pos()); index.isValid()) {
+        setCurrentIndex(index);
+    }
+    emit MenuRequested(place);
 }

@@ -4,6 +4,7 @@
 
 class FolderTreeModel;
 class ShownMailbox;
+struct FolderNode;
 
 /// The folder tree `tvFolder`.
 class FolderPane final : public HintedTreeView
@@ -13,12 +14,22 @@ class FolderPane final : public HintedTreeView
 public:
     explicit FolderPane(ShownMailbox &mailbox, QWidget *parent = nullptr);
 
+signals:
+    /// The menu of the selected folder is asked for, at a place of the screen.
+    void MenuRequested(const QPoint &place);
+
 protected:
+    void contextMenuEvent(QContextMenuEvent *event) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
+                                                         const QEvent *event) const override;
     void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override;
+    void rowsAboutToBeRemoved(const QModelIndex &parent, int start, int end) override;
 
 private:
+    void SetUpDragging();
     void ShowLoadedTree();
+    void ShowNode(FolderNode *node);
     void FollowMailbox();
 
     ShownMailbox &mailbox;

@@ -41,6 +41,7 @@ ListPane::ListPane(ShownMailbox &shownMailbox, QWidget *parent)
     layout->addWidget(grdFaxList);
     SetUpGrid();
     connect(&mailbox, &ShownMailbox::DatesChanged, this, &ListPane::ShowTip);
+    connect(&mailbox, &ShownMailbox::TipChanged, this, &ListPane::ShowTip);
     connect(&mailbox, &ShownMailbox::CommandsChanged, this, &ListPane::ShowHint);
     connect(&mailbox, &ShownMailbox::RowSelected, this, &ListPane::FollowMailbox);
     connect(sortMenu, &QMenu::aboutToShow, this, &ListPane::FillSortMenu);
@@ -204,8 +205,8 @@ void ListPane::TakeSelection()
         return;
     QStringList ids;
     for (const int row : SelectedRows()) {
-        if (const FaxRow &fax = mailbox.List().Row(row); !fax.IsSummary())
-            ids.append(fax.ID());
+        if (const FaxRow &fax = mailbox.List().Row(row); !fax.bSummary)
+            ids.append(fax.strID);
     }
     const QString current = grdFaxList->currentIndex().data(KeyRole).toString();
     mailbox.SelectFaxes(ids, ids.contains(current) ? current : ids.value(0));

@@ -5,6 +5,7 @@
 #include "core/ports/Ports.h"
 #include "core/ports/Timer.h"
 #include "desktop/Forms.h"
+#include "mailbox/forms/frmAddFolder.h"
 #include "server/forms/frmSetUserPwd.h"
 
 #include <QCoreApplication>
@@ -13,7 +14,7 @@
 MainStage::MainStage(Ports &ports, Forms &forms, std::function<void()> ended)
     : ports(ports)
     , ended(std::move(ended))
-    , mailbox(ports.message, ports.clock)
+    , mailbox(ports.message, ports.clock, ports.ids)
     , window(mailbox, ports.message)
     , faxViewer(mailbox, ports, [&forms](const QString &id) { forms.EditDraft(id); })
     , help(ports, QCoreApplication::applicationVersion())
@@ -62,6 +63,8 @@ void MainStage::ConnectCommands()
     window.SetCommand("mnuShowHelp", [this] { help.mnuShowHelp(); });
     window.SetCommand("mnuHelp_Website", [this] { help.mnuHelp_Website(); });
     window.SetCommand("mnuSupport", [this] { help.mnuSupport(); });
+    window.SetCommand("mnuAddFolder", [this] { NameFolder(mailbox.Changes().mnuAddFolder()); });
+    window.SetCommand("mnuEditFolder", [this] { NameFolder(mailbox.Changes().mnuEditFolder()); });
 }
 
 void MainStage::Show()
@@ -85,5 +88,14 @@ void MainStage::SetPassword()
             return server.runs.ChangePassword(oldPassword, newPassword);
         },
         [this] { return server.session.IsConnected(); }, &window);
+    form.exec();
+}
+
+void MainStage::NameFolder(const std::optional<FolderChanges::Naming> &naming)
+{
+    if (!naming)
+        return;
+    frmAddFolder form(mailbox.Changes(), &window);
+    form.Init(*naming);
     form.exec();
 }

@@ -33,6 +33,7 @@ private:
     void ConnectReading();
     void LogOff();
     void SetPassword();
+    void NameFolder(const std::optional<FolderChanges::Naming> &naming);
 
     Ports &ports;
     std::function<void()> ended;
