@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <string_view>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -28,6 +29,8 @@ public:
     /// The same, for loops: true while a row is ready.
     bool Next();
 
+    int ColumnCount() const;
+
     /// A column of the current row; invalid (empty) for NULL. The name's case does not matter.
     QVariant ColumnValue(const QString &name) const;
     /// By zero-based index.
@@ -36,6 +39,10 @@ public:
     /// The column as text, empty for NULL.
     QString Text(const QString &name) const { return ColumnValue(name).toString(); }
     QString Text(int index) const { return ColumnValue(index).toString(); }
+
+    /// The column as UTF-8 where SQLite holds it, for lists of many rows. It is gone when the statement
+    /// moves.
+    std::string_view Utf8(int index) const;
 
     /// The longest numeric prefix of the column's text as a whole number, 0 for none.
     long Number(const QString &name) const;
@@ -57,6 +64,7 @@ public:
 private:
     sqlite3_stmt *Prepared() const;
     void RequireParameter(int index, const QString &source) const;
+    void RequireColumn(int index) const;
     int ColumnIndex(const QString &name) const;
 
     sqlite3 *connection;

@@ -123,11 +123,30 @@ QVariant clsStatement::ColumnValue(const QString &name) const
     return ColumnValue(ColumnIndex(name));
 }
 
+int clsStatement::ColumnCount() const
+{
+    return sqlite3_column_count(Prepared());
+}
+
+void clsStatement::RequireColumn(int index) const
+{
+    if (index < 0 || index >= ColumnCount())
+        DatabaseErrors::Raise(DatabaseErrors::lColumnOutOfRange, "ColumnValue");
+}
+
 QVariant clsStatement::ColumnValue(int index) const
 {
-    if (index < 0 || index >= sqlite3_column_count(Prepared()))
-        DatabaseErrors::Raise(DatabaseErrors::lColumnOutOfRange, "ColumnValue");
+    RequireColumn(index);
     return ReadValue(statement, index);
+}
+
+std::string_view clsStatement::Utf8(int index) const
+{
+    RequireColumn(index);
+    sqlite3_value *value = sqlite3_column_value(statement, index);
+    const auto *text = reinterpret_cast<const char *>(sqlite3_value_text(value));
+    return text ? std::string_view(text, static_cast<std::size_t>(sqlite3_value_bytes(value)))
+                : std::string_view();
 }
 
 long clsStatement::Number(const QString &name) const

@@ -17,15 +17,6 @@ long SumFirstField(const QString &sql)
     return sum;
 }
 
-FaxRow MakeSummaryRow(const FaxListQueries::SummaryLine &line)
-{
-    FaxRow row;
-    row.bSummary = true;
-    row.aCells = {line.strLabel, QString::number(SumFirstField(line.strUnreadSql)),
-                  QString::number(SumFirstField(line.strTotalSql))};
-    return row;
-}
-
 } // namespace
 
 FaxList::FaxList()
@@ -46,17 +37,24 @@ void FaxList::SetLayout(int layout)
 
 int FaxList::RowOf(const QString &id) const
 {
-    const auto found =
-        std::find_if(aRows.rbegin(), aRows.rend(), [&](const FaxRow &row) { return row.strID == id; });
+    const std::string wanted = id.toStdString();
+    const quint32 hash = FaxRow::HashOf(wanted);
+    const auto found = std::find_if(aRows.rbegin(), aRows.rend(),
+                                    [&](const FaxRow &row) { return row.HasID(wanted, hash); });
     return found == aRows.rend() ? 0 : static_cast<int>(found - aRows.rbegin()) + 1;
 }
 
-QStringList FaxList::Ids() const
+QString FaxList::QuotedIds() const
 {
-    QStringList ids;
-    for (const FaxRow &row : aRows)
-        ids.append(row.strID);
-    return ids;
+    constexpr qsizetype usualSize = 35; // 32 digits, the quotes and a comma
+    QByteArray ids;
+    ids.reserve(usualSize * RowCount());
+    for (const FaxRow &row : aRows) {
+        const std::string_view id = row.StoredID();
+        ids += ids.isEmpty() ? "'" : ",'";
+        ids.append(id.data(), static_cast<qsizetype>(id.size())).append('\'');
+    }
+    return QString::fromUtf8(ids);
 }
 
 int FaxList::UnreadCount() const
@@ -74,19 +72,19 @@ void FaxList::LoadSummary(const FaxListQueries::Subtrees &subtrees, const QStrin
 {
     Rows rows;
     for (const FaxListQueries::SummaryLine &line : FaxListQueries::ForSummary(subtrees, dateRange))
-        rows.push_back(MakeSummaryRow(line));
+        rows.emplace_back(line.strLabel, SumFirstField(line.strUnreadSql), SumFirstField(line.strTotalSql));
     std::reverse(rows.begin(), rows.end());
     Replace(std::move(rows));
 }
 
 void FaxList::LoadFaxes(FaxListQueries::Selection selection, bool clearFirst)
 {
-    selection.aListed = clearFirst ? QStringList() : Ids();
+    selection.strListed = clearFirst ? QString() : QuotedIds();
     Rows rows;
     for (const FaxListQueries::Query &query : FaxListQueries::ForFolder(selection)) {
         const auto statement = Global().objDB->SelectEx(query.strSql);
         while (statement->Next())
-            rows.push_back(ReadFaxRow(*statement, selection.lMode, query.lFaxTable));
+            rows.emplace_back(*statement, selection.lMode, query.lFaxTable);
     }
     if (clearFirst)
         Replace(std::move(rows));
@@ -115,11 +113,11 @@ void FaxList::AddOnTop(Rows rows)
 void FaxList::ReloadRow(int row, const QString &id, int mode)
 {
     FaxRow &fax = aRows[Place(row)];
-    const auto statement = Global().objDB->SelectEx(FaxListQueries::ForFax(id, mode, fax.lFaxTable));
+    const auto statement = Global().objDB->SelectEx(FaxListQueries::ForFax(id, mode, fax.FaxTable()));
     if (!statement->Next())
         return;
-    ReadFaxRowAgain(fax, *statement, mode);
-    emit RowChanged(row);
+    fax.ReadAgain(*statement, mode);
+    emit RowsChanged(row, row);
 }
 
 void FaxList::Remove(int row)
@@ -132,18 +130,23 @@ void FaxList::Remove(int row)
 void FaxList::SetRead(const QStringList &ids, bool read)
 {
     const QSet<QString> wanted(ids.begin(), ids.end());
+    int first = 0;
+    int last = 0;
     for (int row = 1; row <= RowCount(); ++row) {
         FaxRow &fax = aRows[Place(row)];
-        if (fax.bRead == read || !wanted.contains(fax.strID))
+        if (fax.bRead == read || !wanted.contains(fax.ID()))
             continue;
         fax.bRead = read;
-        emit RowChanged(row);
+        first = first == 0 ? row : first;
+        last = row;
     }
+    if (first > 0)
+        emit RowsChanged(first, last);
 }
 
 void FaxList::SetHoveredRow(int row)
 {
-    const QString id = row > 0 ? Row(row).strID : QString();
+    const QString id = row > 0 ? Row(row).ID() : QString();
     if (id == strHovered)
         return;
     const int before = strHovered.isEmpty() ? 0 : RowOf(strHovered);
@@ -151,7 +154,7 @@ void FaxList::SetHoveredRow(int row)
     for (const int changed : {before, row}) {
         if (changed > 0) {
             aRows[Place(changed)].bHovered = changed == row;
-            emit RowChanged(changed);
+            emit RowsChanged(changed, changed);
         }
     }
 }
@@ -179,15 +182,27 @@ void FaxList::SortBy(int column)
         descendingNext.insert(column);
     lSortColumn = lMarkedColumn = column;
     emit AboutToSort();
-    SortRows();
-    emit Sorted();
+    emit Sorted(SortRows());
     emit HeaderChanged();
 }
 
-void FaxList::SortRows()
+/// The new row of each row, counted from 0; empty without an order.
+std::vector<int> FaxList::SortRows()
 {
-    if (lSortColumn > 0)
-        SortFaxRows(aRows, lSortColumn, aColumns.at(lSortColumn - 1).strKey, !bDescending);
+    if (lSortColumn == 0)
+        return {};
+    // The last place is the first row, so the greatest goes first where the smallest is wanted on top.
+    const std::vector<std::size_t> order =
+        OrderFaxRows(aRows, lSortColumn, aColumns.at(lSortColumn - 1).strKey, !bDescending);
+    std::vector<int> newRows(aRows.size());
+    Rows sorted;
+    sorted.reserve(aRows.size());
+    for (const std::size_t place : order) {
+        newRows[aRows.size() - 1 - place] = static_cast<int>(aRows.size() - 1 - sorted.size());
+        sorted.push_back(std::move(aRows[place]));
+    }
+    aRows = std::move(sorted);
+    return newRows;
 }
 
 QString FaxList::HeaderImageKey(int column) const

@@ -6,8 +6,8 @@
 
 #include <QObject>
 #include <QSet>
+#include <QStringList>
 
-#include <optional>
 #include <vector>
 
 /// The rows of the list on the screen and their columns. Rows are numbered from 1, the newest fax first.
@@ -28,7 +28,8 @@ public:
     const FaxRow &Row(int row) const { return aRows[Place(row)]; }
     /// The row of a fax; 0 when it is not listed.
     int RowOf(const QString &id) const;
-    QStringList Ids() const;
+    /// The ids of all rows, quoted for a statement.
+    QString QuotedIds() const;
     int UnreadCount() const;
 
     void Clear();
@@ -59,9 +60,10 @@ signals:
     void InsertedOnTop();
     void AboutToRemove(int row);
     void Removed();
-    void RowChanged(int row);
+    void RowsChanged(int first, int last);
     void AboutToSort();
-    void Sorted();
+    /// `rows` holds the new row of each row, both counted from 0.
+    void Sorted(const std::vector<int> &rows);
     void HeaderChanged();
 
 private:
@@ -70,7 +72,7 @@ private:
     std::size_t Place(int row) const { return aRows.size() - static_cast<std::size_t>(row); }
     void Replace(Rows rows);
     void AddOnTop(Rows rows);
-    void SortRows();
+    std::vector<int> SortRows();
     void ResetOrder();
 
     int lLayout = 0;

@@ -4,13 +4,11 @@
 #include "mailbox/FaxList.h"
 #include "mailbox/ShownText.h"
 
-#include <QHash>
-
 namespace {
 
 QString ImageKey(const FaxRow &row, int column)
 {
-    if (row.bSummary)
+    if (row.IsSummary())
         return {};
     return column == colIsReaded ? row.ReadImageKey() : column == colLevel ? row.LevelImageKey() : QString();
 }
@@ -28,10 +26,12 @@ FaxListModel::FaxListModel(FaxList &shownList, QObject *parent)
     connect(&list, &FaxList::InsertedOnTop, this, [this] { endInsertRows(); });
     connect(&list, &FaxList::AboutToRemove, this, [this](int row) { beginRemoveRows({}, row - 1, row - 1); });
     connect(&list, &FaxList::Removed, this, [this] { endRemoveRows(); });
-    connect(&list, &FaxList::RowChanged, this,
-            [this](int row) { emit dataChanged(index(row - 1, 0), index(row - 1, columnCount() - 1)); });
-    connect(&list, &FaxList::AboutToSort, this, [this] { RememberIndexes(); });
-    connect(&list, &FaxList::Sorted, this, [this] { MoveIndexes(); });
+    connect(&list, &FaxList::RowsChanged, this, [this](int first, int last) {
+        emit dataChanged(index(first - 1, 0), index(last - 1, columnCount() - 1));
+    });
+    connect(&list, &FaxList::AboutToSort, this,
+            [this] { emit layoutAboutToBeChanged({}, VerticalSortHint); });
+    connect(&list, &FaxList::Sorted, this, &FaxListModel::MoveIndexes);
     connect(&list, &FaxList::HeaderChanged, this,
             [this] { emit headerDataChanged(Qt::Horizontal, 0, columnCount() - 1); });
 }
@@ -58,7 +58,7 @@ QVariant FaxListModel::data(const QModelIndex &index, int role) const
     case Qt::AccessibleTextRole:
         return AccessibleText(row, column);
     case KeyRole:
-        return row.strID;
+        return row.ID();
     case ImageKeyRole:
         return ImageKey(row, column);
     case BoldRole:
@@ -72,12 +72,14 @@ QVariant FaxListModel::data(const QModelIndex &index, int role) const
 
 QString FaxListModel::AccessibleText(const FaxRow &row, int column) const
 {
-    if (row.bSummary)
+    if (row.IsSummary())
         return row.Cell(column);
     if (column == colIsReaded)
         return row.bRead ? tr("Read") : tr("Unread");
     if (column == colLevel)
-        return row.lLevel == 0 ? tr("Urgent") : row.lLevel == 2 ? tr("Low priority") : tr("Normal priority");
+        return row.Level() == 0   ? tr("Urgent")
+               : row.Level() == 2 ? tr("Low priority")
+                                  : tr("Normal priority");
     return ToListText(row.Cell(column));
 }
 
@@ -99,24 +101,14 @@ QVariant FaxListModel::headerData(int section, Qt::Orientation orientation, int 
     }
 }
 
-void FaxListModel::RememberIndexes()
-{
-    emit layoutAboutToBeChanged({}, VerticalSortHint);
-    aMovedIds.clear();
-    for (const QModelIndex &index : persistentIndexList())
-        aMovedIds.append(list.Row(index.row() + 1).strID);
-}
-
 /// A selection goes with its faxes.
-void FaxListModel::MoveIndexes()
+void FaxListModel::MoveIndexes(const std::vector<int> &newRows)
 {
     const QModelIndexList before = persistentIndexList();
-    QHash<QString, int> rows;
-    for (int row = 1; row <= list.RowCount() && !before.isEmpty(); ++row)
-        rows.insert(list.Row(row).strID, row - 1);
     QModelIndexList after;
-    for (int i = 0; i < before.size(); ++i)
-        after.append(index(rows.value(aMovedIds.at(i)), before.at(i).column()));
+    after.reserve(before.size());
+    for (const QModelIndex &old : before)
+        after.append(index(newRows[static_cast<std::size_t>(old.row())], old.column()));
     changePersistentIndexList(before, after);
     emit layoutChanged({}, VerticalSortHint);
 }

@@ -2,8 +2,10 @@
 
 #include <QAbstractTableModel>
 
+#include <vector>
+
 class FaxList;
-struct FaxRow;
+class FaxRow;
 
 /// Shows a `FaxList`, in the roles of `ModelRole`. Row 0 is the list's row 1; column 0 is the hidden id.
 class FaxListModel final : public QAbstractTableModel
@@ -21,9 +23,7 @@ public:
 private:
     QString AccessibleText(const FaxRow &row, int column) const;
 
-    void RememberIndexes();
-    void MoveIndexes();
+    void MoveIndexes(const std::vector<int> &newRows);
 
     FaxList &list;
-    QStringList aMovedIds; ///< faxes of the persistent indexes while the list is sorted
 };

@@ -1,7 +1,5 @@
 #include "mailbox/FaxListQueries.h"
 
-#include "mailbox/FolderTree.h"
-
 #include <QCoreApplication>
 
 namespace {
@@ -127,7 +125,7 @@ FaxListQueries::SummaryLine RecyleLine(const QString &dateRange)
 QList<FaxListQueries::Query> FaxListQueries::ForFolder(const Selection &selection)
 {
     const QString notIn =
-        selection.aListed.isEmpty() ? QString() : " and Fax_ID Not in(" + QuoteIds(selection.aListed) + ")";
+        selection.strListed.isEmpty() ? QString() : " and Fax_ID Not in(" + selection.strListed + ")";
     QList<Query> queries;
     for (const QueryTexts *texts : GetTexts(selection.lMode)) {
         QString where = selection.bAllFolders ? texts->strAllFolders : texts->strFolder;

@@ -2,7 +2,6 @@
 
 #include <QList>
 #include <QString>
-#include <QStringList>
 
 /// The statements that fill the fax list.
 namespace FaxListQueries {
@@ -13,7 +12,7 @@ struct Selection
     int lMode = 0;          ///< list mode 1 to 7
     QString strExtraFilter; ///< further text of the condition
     bool bAllFolders = false;
-    QStringList aListed;  ///< ids that the list has already
+    QString strListed;    ///< quoted ids that the list has already, see `QuoteIds`
     QString strDateRange; ///< see `DateFilter::Text`
 };
 
@@ -27,7 +26,7 @@ struct Query
 /// All queries give the oldest fax first. The Recycle bin takes two.
 QList<Query> ForFolder(const Selection &selection);
 
-/// Reads one listed fax again, for `ReadFaxRowAgain`. `mode` is the list's, `faxTable` that of the fax.
+/// Reads one listed fax again, for `FaxRow::ReadAgain`. `mode` is the list's, `faxTable` that of the fax.
 QString ForFax(const QString &id, int mode, int faxTable);
 
 /// One line of the summary.

@@ -7,10 +7,13 @@
 #include <QStringBuilder>
 
 #include <algorithm>
+#include <array>
+#include <iterator>
 
 namespace {
 
 constexpr int lReceiverWidth = 100;
+constexpr int lBinMode = 3;
 
 /// The first reader, in queries of received faxes. The statement that reads a single fax goes without it.
 constexpr int lFirstReaderField = 9;
@@ -20,74 +23,87 @@ enum class CellKind { Plain, Receiver, Sender, Time, FileList, BareName, Result 
 /// Which field of a query's row stands in which column.
 struct CellRule
 {
-    int lColumn;
-    int lField;
-    CellKind kind;
+    int lColumn = 0; ///< 0 ends the rules of a row
+    int lField = 0;
+    CellKind kind = CellKind::Plain;
 };
+
+constexpr std::size_t lMostCells = 7;
 
 struct RowRules
 {
     int lLevelField;
     int lReadField;
-    QList<CellRule> aCells;
+    CellRule aCells[lMostCells];
+
+    std::size_t CellCount() const
+    {
+        const auto isEnd = [](const CellRule &rule) { return rule.lColumn == 0; };
+        return static_cast<std::size_t>(std::find_if(std::begin(aCells), std::end(aCells), isEnd) - aCells);
+    }
 };
 
 const RowRules &GetRules(int mode, int faxTable)
 {
-    static const RowRules draft{1,
-                                7,
-                                {{4, 2, CellKind::Receiver},
-                                 {5, 3, CellKind::Plain},
-                                 {6, 4, CellKind::Plain},
-                                 {7, 5, CellKind::Time},
-                                 {8, 6, CellKind::FileList}}};
-    static const RowRules received{2,
-                                   1,
-                                   {{4, 3, CellKind::Sender},
-                                    {5, lFirstReaderField, CellKind::Plain},
-                                    {6, 4, CellKind::Plain},
-                                    {7, 5, CellKind::Plain},
-                                    {8, 6, CellKind::Time},
-                                    {9, 7, CellKind::Plain},
-                                    {10, 8, CellKind::Plain}}};
+    static constexpr RowRules draft{1,
+                                    7,
+                                    {{4, 2, CellKind::Receiver},
+                                     {5, 3, CellKind::Plain},
+                                     {6, 4, CellKind::Plain},
+                                     {7, 5, CellKind::Time},
+                                     {8, 6, CellKind::FileList}}};
+    static constexpr RowRules received{2,
+                                       1,
+                                       {{4, 3, CellKind::Sender},
+                                        {5, lFirstReaderField, CellKind::Plain},
+                                        {6, 4, CellKind::Plain},
+                                        {7, 5, CellKind::Plain},
+                                        {8, 6, CellKind::Time},
+                                        {9, 7, CellKind::Plain},
+                                        {10, 8, CellKind::Plain}}};
     // Rows of the Recycle bin leave no room for "First Read By" though its column stands there: from the
     // title on every value is one column left of its caption, and column 10 tells the table of the fax.
-    static const RowRules recyleSent{
+    static constexpr RowRules recyleSent{
         1, 5, {{5, 2, CellKind::Plain}, {6, 3, CellKind::Plain}, {9, 4, CellKind::BareName}}};
-    static const RowRules recyleReceived{2,
-                                         1,
-                                         {{4, 3, CellKind::Sender},
-                                          {5, 4, CellKind::Plain},
-                                          {6, 5, CellKind::Plain},
-                                          {7, 6, CellKind::Time},
-                                          {8, 7, CellKind::Plain},
-                                          {9, 8, CellKind::Plain}}};
-    static const RowRules outgoing{1,
-                                   6,
-                                   {{4, 2, CellKind::Receiver},
-                                    {5, 3, CellKind::Plain},
-                                    {6, 4, CellKind::Plain},
-                                    {7, 5, CellKind::BareName}}};
-    static const RowRules sended{1,
-                                 8,
-                                 {{4, 2, CellKind::Receiver},
-                                  {5, 3, CellKind::Plain},
-                                  {6, 4, CellKind::Plain},
-                                  {7, 5, CellKind::Result},
-                                  {8, 6, CellKind::Time},
-                                  {9, 7, CellKind::Plain}}};
+    static constexpr RowRules recyleReceived{2,
+                                             1,
+                                             {{4, 3, CellKind::Sender},
+                                              {5, 4, CellKind::Plain},
+                                              {6, 5, CellKind::Plain},
+                                              {7, 6, CellKind::Time},
+                                              {8, 7, CellKind::Plain},
+                                              {9, 8, CellKind::Plain}}};
+    static constexpr RowRules outgoing{1,
+                                       6,
+                                       {{4, 2, CellKind::Receiver},
+                                        {5, 3, CellKind::Plain},
+                                        {6, 4, CellKind::Plain},
+                                        {7, 5, CellKind::BareName}}};
+    static constexpr RowRules sended{1,
+                                     8,
+                                     {{4, 2, CellKind::Receiver},
+                                      {5, 3, CellKind::Plain},
+                                      {6, 4, CellKind::Plain},
+                                      {7, 5, CellKind::Result},
+                                      {8, 6, CellKind::Time},
+                                      {9, 7, CellKind::Plain}}};
     switch (mode) {
     case 1:
         return draft;
     case 2:
         return received;
-    case 3:
+    case lBinMode:
         return faxTable == 1 ? recyleSent : recyleReceived;
     case 4:
         return outgoing;
     default:
         return sended;
     }
+}
+
+QString ToText(std::string_view utf8)
+{
+    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
 QString FormatCell(const QString &stored, CellKind kind)
@@ -112,39 +128,87 @@ QString FormatCell(const QString &stored, CellKind kind)
     return text;
 }
 
-/// A level that is missing or no number is the normal one.
-int ReadLevel(const QString &stored)
+bool ReadsAsRead(std::string_view stored)
 {
-    const QString level = stored.trimmed();
-    return level.isEmpty() || !level.front().isDigit() ? 1 : ToNumber(level);
+    if (stored == "0" || stored == "1" || stored == "-1") // nearly always, and quicker
+        return stored != "0";
+    return ReadsAsTrue(ToText(stored));
 }
 
-void ReadCells(FaxRow &row, const clsStatement &statement, int mode, bool again)
+/// 0, 2 or 1 for all that is normal. A level that is missing or no number is a normal one.
+int ReadLevel(std::string_view stored)
 {
-    const RowRules &rules = GetRules(mode, row.lFaxTable);
-    row.strID = statement.Text(0);
-    row.bRead = ReadsAsTrue(statement.Text(rules.lReadField));
-    row.lLevel = ReadLevel(statement.Text(rules.lLevelField));
-    for (const CellRule &rule : rules.aCells) {
-        if (!again || rule.lField != lFirstReaderField)
-            row.SetCell(rule.lColumn, FormatCell(statement.Text(rule.lField), rule.kind));
-    }
-    if (mode == 3)
-        row.SetCell(colFaxTable, QString::number(row.lFaxTable));
+    if (stored == "1")
+        return 1;
+    const QString text = ToText(stored).trimmed();
+    if (text.isEmpty() || !text.front().isDigit())
+        return 1;
+    const int level = ToNumber(text);
+    return level == 0 || level == 2 ? level : 1;
 }
 
 } // namespace
 
-void FaxRow::SetCell(int column, const QString &text)
+FaxRow::FaxRow(const clsStatement &statement, int mode, int faxTable)
+    : lMode(static_cast<quint8>(mode))
+    , lFaxTable(static_cast<quint8>(faxTable))
 {
-    while (aCells.size() < column - 1)
-        aCells.append(QString());
-    aCells[column - 2] = text;
+    Read(statement, {});
+}
+
+void FaxRow::ReadAgain(const clsStatement &statement, int mode)
+{
+    const PackedTexts before = lMode == mode ? texts : PackedTexts();
+    lMode = static_cast<quint8>(mode);
+    Read(statement, before);
+}
+
+/// `before` has what the statement leaves out.
+void FaxRow::Read(const clsStatement &statement, const PackedTexts &before)
+{
+    const RowRules &rules = GetRules(lMode, lFaxTable);
+    std::array<std::string_view, 1 + lMostCells> stored{statement.Utf8(0)};
+    std::size_t count = 1;
+    for (; count <= rules.CellCount(); ++count) {
+        const int field = rules.aCells[count - 1].lField;
+        stored[count] =
+            field < statement.ColumnCount() ? statement.Utf8(field) : before.At(static_cast<int>(count));
+    }
+    lIdHash = HashOf(stored[0]);
+    bRead = ReadsAsRead(statement.Utf8(rules.lReadField));
+    lLevel = ReadLevel(statement.Utf8(rules.lLevelField));
+    texts = PackedTexts({stored.data(), count});
+}
+
+FaxRow::FaxRow(const QString &label, long unread, long total)
+{
+    const std::string cells[] = {label.toStdString(), std::to_string(unread), std::to_string(total)};
+    const std::string_view all[] = {{}, cells[0], cells[1], cells[2]};
+    texts = PackedTexts(all);
+}
+
+quint32 FaxRow::HashOf(std::string_view id)
+{
+    return static_cast<quint32>(std::hash<std::string_view>()(id));
+}
+
+QString FaxRow::Cell(int column) const
+{
+    if (column == colFaxID || IsSummary())
+        return texts.Text(column - colFaxID);
+    if (lMode == lBinMode && column == colFaxTable)
+        return QString::number(lFaxTable);
+    const RowRules &rules = GetRules(lMode, lFaxTable);
+    for (std::size_t i = 0; i < rules.CellCount(); ++i) {
+        if (rules.aCells[i].lColumn == column)
+            return FormatCell(texts.Text(static_cast<int>(i) + 1), rules.aCells[i].kind);
+    }
+    return {};
 }
 
 QString FaxRow::ReadImageKey() const
 {
-    if (bSummary)
+    if (IsSummary())
         return {};
     return bRead ? "imgReaded" : bHovered ? "imgFaxMouseOn" : "imgNotRead";
 }
@@ -159,19 +223,6 @@ std::optional<quint32> FaxRow::TextColor() const
     if (lLevel == 0)
         return 0xff0000;
     return lLevel == 2 ? std::optional<quint32>(0x969696) : std::nullopt;
-}
-
-FaxRow ReadFaxRow(const clsStatement &statement, int mode, int faxTable)
-{
-    FaxRow row;
-    row.lFaxTable = faxTable;
-    ReadCells(row, statement, mode, false);
-    return row;
-}
-
-void ReadFaxRowAgain(FaxRow &row, const clsStatement &statement, int mode)
-{
-    ReadCells(row, statement, mode, true);
 }
 
 /// By hand, since it runs for every row of a long list.

@@ -1,39 +1,57 @@
 #pragma once
 
-#include <QList>
+#include "mailbox/PackedTexts.h"
+
 #include <QString>
-#include <QStringList>
 
 #include <optional>
 
 class clsStatement;
 
-/// One row of the fax list.
-struct FaxRow
+/// One row of the fax list. It keeps the texts as they are stored; those of the cells are made when they are
+/// asked for, since few of a long list's rows are ever shown.
+class FaxRow
 {
-    QString strID;
-    QStringList aCells; ///< texts of the columns from 2 on
-    bool bRead = true;
-    int lLevel = 1;        ///< 0 urgent, 2 low, anything else normal
-    int lFaxTable = 0;     ///< 0 `ReceiveFax`, 1 `SendFax`
-    bool bHovered = false; ///< the cursor is over the icon of an unread fax
-    bool bSummary = false; ///< a line of the summary: no fax, no icons
+public:
+    /// Reads the current row of a query of list mode 1 to 7. `faxTable` is the query's: 0 `ReceiveFax`, 1
+    /// `SendFax`.
+    FaxRow(const clsStatement &statement, int mode, int faxTable);
+    /// Reads the current row of `FaxListQueries::ForFax`, which does not tell the first reader again.
+    void ReadAgain(const clsStatement &statement, int mode);
+    /// A line of the summary: no fax, no icons.
+    FaxRow(const QString &label, long unread, long total);
 
+    QString ID() const { return texts.Text(0); }
+    /// The id as UTF-8, valid as long as the row.
+    std::string_view StoredID() const { return texts.At(0); }
+    /// `id` as UTF-8, with its `HashOf`.
+    bool HasID(std::string_view id, quint32 hash) const { return lIdHash == hash && StoredID() == id; }
+    static quint32 HashOf(std::string_view id);
+    bool IsSummary() const { return lMode == 0; }
+    /// 0 `ReceiveFax`, 1 `SendFax`.
+    int FaxTable() const { return lFaxTable; }
+    /// 0 urgent, 2 low, 1 normal.
+    int Level() const { return lLevel; }
     /// Text of a column, numbered from 1.
-    QString Cell(int column) const { return column == 1 ? strID : aCells.value(column - 2); }
-    void SetCell(int column, const QString &text);
+    QString Cell(int column) const;
 
     QString ReadImageKey() const;
     QString LevelImageKey() const;
     /// 0xRRGGBB; nothing for the normal colour.
     std::optional<quint32> TextColor() const;
+
+    bool bRead = true;
+    bool bHovered = false; ///< the cursor is over the icon of an unread fax
+
+private:
+    void Read(const clsStatement &statement, const PackedTexts &before);
+
+    quint8 lMode : 4 = 0;
+    quint8 lLevel : 2 = 1;
+    quint8 lFaxTable : 2 = 0;
+    quint32 lIdHash = 0; ///< finds a fax among many without a look at their texts
+    PackedTexts texts;   ///< the id, then one text for each cell that has one
 };
-
-/// Reads the current row of a query of list mode 1 to 7. `faxTable` is the query's.
-FaxRow ReadFaxRow(const clsStatement &statement, int mode, int faxTable);
-
-/// Reads the current row of `FaxListQueries::ForFax` into the row of that fax, whose table it knows.
-void ReadFaxRowAgain(FaxRow &row, const clsStatement &statement, int mode);
 
 /// "YYYY-MM-DD HH:MM:SS" as the list shows it, "MM/DD/YYYY hh:mm:ss"; any other text as it stands.
 QString FormatListTime(const QString &stored);

@@ -29,32 +29,27 @@ std::vector<std::size_t> OrderOf(const std::vector<Key> &keys, bool descending)
 }
 
 template <typename MakeKey>
-void SortBy(std::vector<FaxRow> &rows, bool descending, MakeKey makeKey)
+std::vector<std::size_t> OrderBy(const std::vector<FaxRow> &rows, bool descending, MakeKey makeKey)
 {
     std::vector<decltype(makeKey(rows.front()))> keys;
     keys.reserve(rows.size());
     for (const FaxRow &row : rows)
         keys.push_back(makeKey(row));
-    std::vector<FaxRow> sorted;
-    sorted.reserve(rows.size());
-    for (const std::size_t place : OrderOf(keys, descending))
-        sorted.push_back(std::move(rows[place]));
-    rows = std::move(sorted);
+    return OrderOf(keys, descending);
 }
 
 } // namespace
 
-void SortFaxRows(std::vector<FaxRow> &rows, int column, const QString &key, bool descending)
+std::vector<std::size_t> OrderFaxRows(const std::vector<FaxRow> &rows, int column, const QString &key,
+                                      bool descending)
 {
-    if (key == "PageCount") {
-        SortBy(rows, descending, [&](const FaxRow &row) { return NumericPrefix(row.Cell(column)); });
-    } else if (key.endsWith("Time")) {
-        SortBy(rows, descending, [&](const FaxRow &row) { return TimeKey(row.Cell(column)); });
-    } else {
-        QCollator collator;
-        collator.setNumericMode(true);
-        // Folded by hand: the plain locale knows no case.
-        SortBy(rows, descending,
-               [&](const FaxRow &row) { return collator.sortKey(row.Cell(column).toCaseFolded()); });
-    }
+    if (key == "PageCount")
+        return OrderBy(rows, descending, [&](const FaxRow &row) { return NumericPrefix(row.Cell(column)); });
+    if (key.endsWith("Time"))
+        return OrderBy(rows, descending, [&](const FaxRow &row) { return TimeKey(row.Cell(column)); });
+    QCollator collator;
+    collator.setNumericMode(true);
+    // Folded by hand: the plain locale knows no case.
+    return OrderBy(rows, descending,
+                   [&](const FaxRow &row) { return collator.sortKey(row.Cell(column).toCaseFolded()); });
 }

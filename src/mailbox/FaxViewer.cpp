@@ -22,7 +22,7 @@ void FaxViewer::mnuViewFax()
     const int row = mailbox.SelectedRow();
     if (row == 0)
         return;
-    const QString id = mailbox.List().Row(row).strID;
+    const QString id = mailbox.List().Row(row).ID();
     const bool isSent = mailbox.GetFaxTable() == 1;
     if (mailbox.SelectedNode()->Family == FolderFamily::Draft) {
         mailbox.Marks().MarkOpened(id, isSent);

@@ -136,11 +136,11 @@ void ReadMarks::ClickReadIcon(int row)
         return;
     }
     Guard("MarkReceivedFaxRead", [&] {
-        if (fax.lFaxTable != lReceived) // in the Recycle bin: nobody waits for its receipt
-            SetRead("SendFax", true, {fax.strID});
-        else if (MarkReceivedFaxRead(fax.strID))
+        if (fax.FaxTable() != lReceived) // in the Recycle bin: nobody waits for its receipt
+            SetRead("SendFax", true, {fax.ID()});
+        else if (MarkReceivedFaxRead(fax.ID()))
             emit ReceiptsQueued();
-        ShowMarks({fax.strID}, true);
+        ShowMarks({fax.ID()}, true);
     });
 }
 
@@ -160,14 +160,14 @@ void ReadMarks::OnMarkFaxTick()
     if (row == 0 || key == "1000" || key == "1001" || mailbox.SelectedFaxes().size() != 1)
         return;
     const FaxRow fax = mailbox.List().Row(row);
-    if (fax.bRead || (key == "1008" && fax.lFaxTable == lReceived))
+    if (fax.bRead || (key == "1008" && fax.FaxTable() == lReceived))
         return;
     Guard("tmrMarkFax", [&] {
         if (mailbox.GetFaxTable() == lReceived)
-            MarkReceived({fax.strID});
+            MarkReceived({fax.ID()});
         else
-            SetRead("SendFax", "1", "Where Fax_ID='" + fax.strID + "'");
-        ShowMarks({fax.strID}, true);
+            SetRead("SendFax", "1", "Where Fax_ID='" + fax.ID() + "'");
+        ShowMarks({fax.ID()}, true);
     });
 }
 

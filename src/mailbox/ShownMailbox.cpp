@@ -197,8 +197,8 @@ void ShownMailbox::SelectRow(int row)
     if (row < 1 || row > list.RowCount())
         return;
     const FaxRow &chosen = list.Row(row);
-    aSelected = chosen.bSummary ? QStringList() : QStringList(chosen.strID);
-    strCurrent = chosen.strID;
+    aSelected = chosen.IsSummary() ? QStringList() : QStringList(chosen.ID());
+    strCurrent = chosen.ID();
     emit RowSelected(row);
     ShowFax(strCurrent);
 }

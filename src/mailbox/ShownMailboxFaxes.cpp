@@ -22,7 +22,7 @@ int ShownMailbox::GetFaxTable() const
     if (selected->Family != FolderFamily::Recyle)
         return 1;
     const int row = SelectedRow();
-    return row > 0 ? list.Row(row).lFaxTable : 0;
+    return row > 0 ? list.Row(row).FaxTable() : 0;
 }
 
 ShownMailbox::GridSelection ShownMailbox::GetGridSelectedID()
@@ -31,8 +31,8 @@ ShownMailbox::GridSelection ShownMailbox::GetGridSelectedID()
     GridSelection selection;
     for (int row = 1; row <= list.RowCount(); ++row) {
         const FaxRow &fax = list.Row(row);
-        if (chosen.contains(fax.strID))
-            (fax.lFaxTable == 0 ? selection.aReceived : selection.aSent).append(fax.strID);
+        if (chosen.contains(fax.ID()))
+            (fax.FaxTable() == 0 ? selection.aReceived : selection.aSent).append(fax.ID());
     }
     if (!DoFaxFilesExist(selection.aReceived, false) || !DoFaxFilesExist(selection.aSent, true))
         emit FaxFileMissing();
@@ -47,7 +47,7 @@ int ShownMailbox::ModeOfSelected() const
 
 void ShownMailbox::ChangeRowText(int row, const QString &id, int kind)
 {
-    if (row < 1 || row > list.RowCount() || list.Row(row).bSummary)
+    if (row < 1 || row > list.RowCount() || list.Row(row).IsSummary())
         return;
     Guard("ChangeRowText", [&] { list.ReloadRow(row, id, kind); });
 }

@@ -1,3 +1,4 @@
+#include "controls/Icons.h"
 #include "controls/PageCanvas.h"
 #include "core/Globals.h"
 #include "core/RaisedError.h"
@@ -379,6 +380,30 @@ private slots:
         }
     }
 
+    void everyImageKeyHasAPicture()
+    {
+        const QString keys =
+            "imgContact imgReceived imgSketchup imgWaitSend imgSended imgRecyle imgGroup imgContactMain "
+            "imgPublicContact imgFolderRoot imgIsRead imgNotRead imgReaded imgWait imgLevel imgOK imgWarning "
+            "imgError imgLowLevel imgSortDown imgSortUp imgPublicGroup imgPersonGroup imgNewFaxItem "
+            "imgEditContact imgNormalLevel imgFaxMouseOn imgProgram";
+        for (const QString &key : keys.split(' '))
+            QVERIFY2(!Icons::Get(key).isNull(), qPrintable(key));
+        for (const QAction *action : Get<QToolBar>("tbClient").actions())
+            QVERIFY2(action->isSeparator() || !action->icon().isNull(), qPrintable(action->objectName()));
+    }
+
+    void faxKeysKeepOutOfTheTrees()
+    {
+        int deletions = 0;
+        window->SetCommand("mnuEditDelete", [&] { ++deletions; });
+        QTest::keyClick(&Get<QTreeView>("tvFolder"), Qt::Key_Delete);
+        QCOMPARE(deletions, 0);
+        Get<QTreeView>("grdFaxList").setFocus();
+        QTest::keyClick(&Get<QTreeView>("grdFaxList"), Qt::Key_Delete);
+        QCOMPARE(deletions, 1);
+    }
+
     void popupShowsTheKeysOfItsCommands()
     {
         for (const QAction *action : Get<QMenu>("GridRightMenu").actions()) {
@@ -418,12 +443,13 @@ private slots:
     {
         QFETCH(QString, value);
         window->close();
+        QList<std::pair<QString, QString>> values{{"tvAddressbook_IsVisible", "True"},
+                                                  {"tbClient_Style", value}};
         for (const char *pane : {"Main", "tvFolder", "tvAddressbook", "grdFaxList", "picPreview"}) {
             for (const char *side : {"_Left", "_Top", "_Width", "_Height"})
-                QVERIFY(WriteIniValue("anna", QString(pane) + side, value, Global().strIniFile));
+                values.append({QString(pane) + side, value});
         }
-        QVERIFY(WriteIniValue("anna", "tvAddressbook_IsVisible", "True", Global().strIniFile));
-        QVERIFY(WriteIniValue("anna", "tbClient_Style", value, Global().strIniFile));
+        QVERIFY(WriteIniValues("anna", values, Global().strIniFile));
         OpenWindow();
         const QRect room = window->screen()->availableGeometry();
         QVERIFY(window->width() <= room.width() && window->height() <= room.height());

@@ -53,7 +53,7 @@ private slots:
                                       {"result", QString("Busy") + QChar(2) + "more"}});
         Load(mode, folder);
         QCOMPARE(list->RowCount(), 1);
-        QTEST(list->Row(1).aCells.mid(2), "cells");
+        QTEST(Cells(1, colFirstText), "cells");
     }
 
     void rowIsReadAgain_data()
@@ -83,16 +83,27 @@ private slots:
             Profile::Execute("UPDATE ReceiveFax SET FirstReader='Carl'");
         }
         Load(mode, "1001");
-        const FaxRow before = list->Row(1);
+        QStringList wanted = Cells(1, colFirstText);
+        wanted[titleColumn - colFirstText] = "It's";
         Profile::Execute("UPDATE " + table + " SET title='It~$@~s', faxLevel='2'");
         list->ReloadRow(1, "A", mode);
-        QCOMPARE(list->Row(1).lLevel, 2);
-        FaxRow wanted = before;
-        wanted.SetCell(titleColumn, "It's");
-        QCOMPARE(list->Row(1).aCells, wanted.aCells);
+        QCOMPARE(list->Row(1).Level(), 2);
+        QCOMPARE(Cells(1, colFirstText), wanted);
         Profile::Execute("DELETE FROM " + table);
         list->ReloadRow(1, "A", mode);
-        QCOMPARE(list->Row(1).strID, "A");
+        QCOMPARE(list->Row(1).ID(), "A");
+    }
+
+    void textsOfAnyLengthAreKept()
+    {
+        for (const int length : {0, 1, 254, 255, 256, 70000}) {
+            const QString title(length, QChar(0xe4));
+            Profile::Execute("DELETE FROM ReceiveFax");
+            profile->InsertReceivedFax("A", {{"title", title}, {"pages", "7"}});
+            Load(2, "1001");
+            QCOMPARE(list->Row(1).Cell(6), title);
+            QCOMPARE(list->Row(1).Cell(7), "7"); // stands behind it
+        }
     }
 
     void additionKeepsWhatIsListed()
@@ -144,9 +155,9 @@ private slots:
         Load(3, "1008");
         QCOMPARE(ShownIds(), QStringList({"R", "S"}));
         // Each value from the title on stands one column left of its caption; column 10 tells the table.
-        QCOMPARE(list->Row(1).aCells.mid(2),
+        QCOMPARE(Cells(1, colFirstText),
                  QStringList({"Ann", "Bill", "3", "01/01/2026 00:00:00", "Bob", "r.tif", "0"}));
-        QCOMPARE(list->Row(2).aCells.mid(2), QStringList({"", "Offer", "1", "", "", "s.tif", "1"}));
+        QCOMPARE(Cells(2, colFirstText), QStringList({"", "Offer", "1", "", "", "s.tif", "1"}));
     }
 
     void levelsAndReadStateShow()
@@ -210,7 +221,7 @@ private slots:
         list->LoadSummary({",'SUB'", "", ",'1005','1006','1007'", ""}, {});
         QStringList rows;
         for (int row = 1; row <= list->RowCount(); ++row)
-            rows.append(list->Row(row).aCells.join('|'));
+            rows.append(Cells(row, colIsReaded).join('|'));
         // The total of Outgoing counts the recycled fax as well.
         QCOMPARE(rows, QStringList({"Incoming Fax|1|2", "Draft Fax|0|0", "Sent Fax|1|1", "Outgoing fax|0|2",
                                     "Recycle bin|1|1"}));
@@ -280,11 +291,21 @@ private:
     {
         list->LoadFaxes({key, mode, {}, false, {}, {}}, clearFirst);
     }
+    /// Texts from a column on, up to the last one that is not empty.
+    QStringList Cells(int row, int firstColumn) const
+    {
+        QStringList cells;
+        for (int column = firstColumn; column <= colFaxTable; ++column)
+            cells.append(list->Row(row).Cell(column));
+        while (!cells.isEmpty() && cells.last().isEmpty())
+            cells.removeLast();
+        return cells;
+    }
     QStringList ShownIds() const
     {
         QStringList ids;
         for (int row = 1; row <= list->RowCount(); ++row)
-            ids.append(list->Row(row).strID);
+            ids.append(list->Row(row).ID());
         return ids;
     }
 

@@ -121,11 +121,11 @@ private slots:
         QStringList rows;
         for (int row = 1; row <= mailbox->RowCount(); ++row) {
             const FaxRow &fax = mailbox->List().Row(row);
-            rows.append(fax.strID + (fax.Cell(5) == "Changed" ? "!" : ""));
+            rows.append(fax.ID() + (fax.Cell(5) == "Changed" ? "!" : ""));
         }
         QTEST(rows, "rows");
         QTEST(mailbox->SelectedFaxes().join(','), "shown");
-        QCOMPARE(mailbox->List().Row(mailbox->SelectedRow()).strID, mailbox->SelectedFaxes().first());
+        QCOMPARE(mailbox->List().Row(mailbox->SelectedRow()).ID(), mailbox->SelectedFaxes().first());
         if (kind != 3)
             QCOMPARE(mailbox->SelectedNode()->lUnread, 4);
     }

@@ -78,6 +78,7 @@ void PaneLayout::Restore(const MainLayout &layout)
         panes.tbClient->setToolButtonStyle(static_cast<Qt::ToolButtonStyle>(*layout.lToolBarStyle));
 }
 
+/// A window that was minimised or maximised has no place of its own to go back to.
 void PaneLayout::PlaceWindow(const MainLayout &layout)
 {
     const int state = layout.lState.value_or(MainLayout::Normal);
