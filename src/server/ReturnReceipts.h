@@ -50,6 +50,6 @@ private:
     Mailbox &mailbox;
     MainWindow &mainWindow;
     std::unique_ptr<Timer> tmrBusyPointer;
-    bool bFlushDue = false;   ///< something was read and not sent yet
+    bool bFlushDue = true;    ///< something was read and not sent yet, perhaps in an earlier session
     bool bMoreQueued = false; ///< the last request did not hold the whole queue
 };
