@@ -186,6 +186,13 @@ void FaxList::SortBy(int column)
     emit HeaderChanged();
 }
 
+/// The Recycle bin shows each value from the title on one column left of its caption.
+QString FaxList::KindOfTexts(int column) const
+{
+    const bool isShifted = lLayout == GetColumnLayout(FolderFamily::Recyle) && column > colFirstText;
+    return aColumns.value(isShifted ? column : column - 1).strKey;
+}
+
 /// The new row of each row, counted from 0; empty without an order.
 std::vector<int> FaxList::SortRows()
 {
@@ -193,7 +200,7 @@ std::vector<int> FaxList::SortRows()
         return {};
     // The last place is the first row, so the greatest goes first where the smallest is wanted on top.
     const std::vector<std::size_t> order =
-        OrderFaxRows(aRows, lSortColumn, aColumns.at(lSortColumn - 1).strKey, !bDescending);
+        OrderFaxRows(aRows, lSortColumn, KindOfTexts(lSortColumn), !bDescending);
     std::vector<int> newRows(aRows.size());
     Rows sorted;
     sorted.reserve(aRows.size());

@@ -72,6 +72,7 @@ private:
     std::size_t Place(int row) const { return aRows.size() - static_cast<std::size_t>(row); }
     void Replace(Rows rows);
     void AddOnTop(Rows rows);
+    QString KindOfTexts(int column) const;
     std::vector<int> SortRows();
     void ResetOrder();
 

@@ -13,6 +13,8 @@
 namespace {
 
 constexpr int lReceiverWidth = 100;
+/// Bytes of a text that the list keeps: more than it shows, and little enough to be made anew for each paint.
+constexpr std::size_t lMostStored = 65536;
 constexpr int lBinMode = 3;
 
 /// The first reader, in queries of received faxes. The statement that reads a single fax goes without it.
@@ -173,6 +175,7 @@ void FaxRow::Read(const clsStatement &statement, const PackedTexts &before)
         const int field = rules.aCells[count - 1].lField;
         stored[count] =
             field < statement.ColumnCount() ? statement.Utf8(field) : before.At(static_cast<int>(count));
+        stored[count] = stored[count].substr(0, lMostStored);
     }
     lIdHash = HashOf(stored[0]);
     bRead = ReadsAsRead(statement.Utf8(rules.lReadField));

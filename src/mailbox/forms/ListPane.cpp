@@ -205,8 +205,8 @@ void ListPane::TakeSelection()
         return;
     QStringList ids;
     for (const int row : SelectedRows()) {
-        if (const FaxRow &fax = mailbox.List().Row(row); !fax.IsSummary())
-            ids.append(fax.ID());
+        if (const QString id = mailbox.List().Row(row).ID(); !id.isEmpty())
+            ids.append(id);
     }
     const QString current = grdFaxList->currentIndex().data(KeyRole).toString();
     mailbox.SelectFaxes(ids, ids.contains(current) ? current : ids.value(0));
