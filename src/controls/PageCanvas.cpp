@@ -1,34 +1,50 @@
 #include "controls/PageCanvas.h"
 
+#include "controls/BusyPointer.h"
 #include "controls/Colors.h"
 #include "controls/PageScaler.h"
 
-#include <QEvent>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QResizeEvent>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QStyle>
 #include <QWheelEvent>
 
-#include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace {
 
-constexpr double dSmallestZoom = 0.02;
-constexpr double dLargestZoom = 8.0;
 constexpr double dZoomStep = 1.2;
 constexpr double dLinePixels = 40.0;
-constexpr int lMargin = 8;
+constexpr double dMostOfView = 0.9;
+
+/// Bytes of a page beyond which the user may notice that it is made smaller.
+constexpr qsizetype lUsualBytes = 4 * 1024 * 1024;
+
+void ShowInBar(QScrollBar &bar, double last, double view, double offset)
+{
+    bar.setRange(0, static_cast<int>(std::ceil(last)));
+    bar.setPageStep(static_cast<int>(view));
+    bar.setSingleStep(static_cast<int>(dLinePixels));
+    bar.setValue(static_cast<int>(std::lround(offset)));
+}
 
 } // namespace
 
 PageCanvas::PageCanvas(QWidget *parent)
-    : QWidget(parent)
+    : QAbstractScrollArea(parent)
 {
     setFocusPolicy(Qt::StrongFocus);
     setMinimumSize(120, 80);
-    setAttribute(Qt::WA_OpaquePaintEvent);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    horizontalScrollBar()->setAccessibleName(tr("Place across the page"));
+    verticalScrollBar()->setAccessibleName(tr("Place down the page"));
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
 void PageCanvas::SetPage(const PageBits &shownPage, bool stretchX, bool stretchY, bool keepView)
@@ -36,57 +52,44 @@ void PageCanvas::SetPage(const PageBits &shownPage, bool stretchX, bool stretchY
     page = shownPage;
     bStretchX = stretchX;
     bStretchY = stretchY;
-    picture = {};
-    scaledPage = {};
-    strNotice.clear();
+    shrunk = {};
+    geometry.SetPage({page.lWidth * (bStretchX ? 2.0 : 1.0), page.lHeight * (bStretchY ? 2.0 : 1.0)});
     if (!keepView)
-        offset = {};
-    if (bAutoFit)
-        FitToView();
-    ClampOffset();
-    ShowCursor();
-    update();
+        geometry.ScrollTo({});
+    TakeSpace();
+}
+
+void PageCanvas::DropPage()
+{
+    page = {};
+    shrunk = {};
 }
 
 void PageCanvas::Clear(const QString &notice)
 {
-    page = {};
-    picture = {};
-    scaledPage = {};
+    DropPage();
     strNotice = notice;
-    offset = {};
-    ShowCursor();
-    update();
-}
-
-QSizeF PageCanvas::PageSize() const
-{
-    return {page.lWidth * (bStretchX ? 2.0 : 1.0), page.lHeight * (bStretchY ? 2.0 : 1.0)};
-}
-
-QRectF PageCanvas::PageRect() const
-{
-    const QSizeF size = PageSize() * dZoom;
-    const double x = size.width() < width() ? std::floor((width() - size.width()) / 2) : -offset.x();
-    const double y = size.height() < height() ? std::floor((height() - size.height()) / 2) : -offset.y();
-    return {QPointF(x, y), size};
+    setAccessibleDescription(notice);
+    geometry.SetPage({0, 0});
+    ShowGeometry();
 }
 
 // Zoom
 
+/// Fits only where it is wanted: this runs whenever page or view have another size.
+void PageCanvas::TakeSpace()
+{
+    const int spacing = style()->pixelMetric(QStyle::PM_ScrollView_ScrollBarSpacing, nullptr, this);
+    geometry.SetSpace(contentsRect().size(), verticalScrollBar()->sizeHint().width() + spacing);
+    if (bAutoFit)
+        geometry.FitToView(static_cast<Fit>(lFitMode));
+    ShowGeometry();
+}
+
 void PageCanvas::FitToView()
 {
-    const QSizeF size = PageSize();
-    if (size.isEmpty())
-        return;
-    const double zoomX = std::max(1, width() - 2 * lMargin) / size.width();
-    const double zoomY = std::max(1, height() - 2 * lMargin) / size.height();
-    const double zoom = lFitMode == FitWidth ? zoomX : lFitMode == FitHeight ? zoomY : std::min(zoomX, zoomY);
-    const double place = dZoom > 0 ? offset.y() / dZoom : 0;
-    dZoom = zoom > 0 ? zoom : 1.0;
-    offset = {0, place * dZoom};
-    ClampOffset();
-    update();
+    geometry.FitToView(static_cast<Fit>(lFitMode));
+    ShowGeometry();
 }
 
 void PageCanvas::SetZAutoFit(bool autoFit)
@@ -99,22 +102,18 @@ void PageCanvas::SetZAutoFit(bool autoFit)
 void PageCanvas::SetZMethod(int method)
 {
     lMethod = method;
-    update();
+    viewport()->update();
 }
 
 void PageCanvas::SetZValue(double zoom)
 {
-    ZoomAround(QPointF(width() / 2.0, height() / 2.0), zoom);
+    geometry.ZoomAround(Middle(), zoom);
+    ShowGeometry();
 }
 
-void PageCanvas::ZoomAround(const QPointF &place, double zoom)
+QPointF PageCanvas::Middle() const
 {
-    const QPointF inPage = (place - PageRect().topLeft()) / dZoom;
-    dZoom = std::clamp(zoom, dSmallestZoom, dLargestZoom);
-    offset = inPage * dZoom - place;
-    ClampOffset();
-    ShowCursor();
-    update();
+    return {geometry.View().width() / 2, geometry.View().height() / 2};
 }
 
 void PageCanvas::ZoomByUser(const QPointF &place, double factor)
@@ -122,108 +121,173 @@ void PageCanvas::ZoomByUser(const QPointF &place, double factor)
     if (!HasPage())
         return;
     bAutoFit = false;
-    ZoomAround(place, dZoom * factor);
+    geometry.ZoomAround(place, geometry.Zoom() * factor);
+    ShowGeometry();
     emit ZoomedByUser();
 }
 
-void PageCanvas::ClampOffset()
+void PageCanvas::ZoomIn()
 {
-    const QSizeF size = PageSize() * dZoom;
-    offset.setX(std::max(0.0, std::min(offset.x(), size.width() - width())));
-    offset.setY(std::max(0.0, std::min(offset.y(), size.height() - height())));
+    ZoomByUser(Middle(), dZoomStep);
+}
+
+void PageCanvas::ZoomOut()
+{
+    ZoomByUser(Middle(), 1 / dZoomStep);
+}
+
+// Scrolling
+
+/// The scroll bars follow the geometry, and it follows them when the user moves them.
+void PageCanvas::ShowGeometry()
+{
+    const QScopedValueRollback<bool> showing(bShowingGeometry, true);
+    const auto policy = [](bool shown) { return shown ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff; };
+    setHorizontalScrollBarPolicy(policy(geometry.HasBarX()));
+    setVerticalScrollBarPolicy(policy(geometry.HasBarY()));
+    const QPointF last = geometry.LastOffset();
+    ShowInBar(*horizontalScrollBar(), last.x(), geometry.View().width(), OffsetX());
+    ShowInBar(*verticalScrollBar(), last.y(), geometry.View().height(), OffsetY());
+    ShowCursor();
+    viewport()->update();
+}
+
+void PageCanvas::scrollContentsBy(int, int)
+{
+    if (bShowingGeometry)
+        return;
+    geometry.ScrollTo(QPointF(horizontalScrollBar()->value(), verticalScrollBar()->value()));
+    viewport()->update();
 }
 
 void PageCanvas::ScrollBy(const QPointF &delta)
 {
-    offset += delta;
-    ClampOffset();
-    update();
+    geometry.ScrollTo(geometry.Offset() + delta);
+    ShowGeometry();
 }
 
 /// Down or up by most of a view; at the end of the page, to the next one.
 void PageCanvas::ScrollPageBy(double delta)
 {
-    const QPointF before = offset;
-    ScrollBy({0, delta * height() * 0.9});
-    if (offset == before && delta > 0)
+    const QPointF before = geometry.Offset();
+    ScrollBy({0, delta * geometry.View().height() * dMostOfView});
+    if (geometry.Offset() == before && delta > 0)
         emit PageDownRequested();
-    else if (offset == before)
+    else if (geometry.Offset() == before)
         emit PageUpRequested();
+}
+
+void PageCanvas::ScrollToEnd()
+{
+    geometry.ScrollTo({OffsetX(), geometry.LastOffset().y()});
+    ShowGeometry();
 }
 
 // Painting
 
 void PageCanvas::paintEvent(QPaintEvent *)
 {
-    QPainter painter(this);
-    painter.fillRect(rect(), palette().color(HasPage() ? QPalette::Mid : QPalette::Base));
+    QPainter painter(viewport());
+    const QRect view = viewport()->rect();
+    painter.fillRect(view, palette().color(HasPage() ? QPalette::Mid : QPalette::Base));
     if (HasPage()) {
-        const QRectF place = PageRect();
-        painter.fillRect(place.adjusted(-1, -1, 1, 1), palette().color(QPalette::Dark));
-        PaintPage(painter, place.intersected(rect()));
+        painter.fillRect(PageRect().adjusted(-1, -1, 1, 1), palette().color(QPalette::Dark));
+        PaintPage(painter);
     } else {
+        constexpr int margin = 20;
         painter.setPen(GetHintColor(palette()));
-        painter.drawText(rect().adjusted(20, 20, -20, -20), Qt::AlignCenter | Qt::TextWordWrap, strNotice);
+        painter.drawText(view.adjusted(margin, margin, -margin, -margin), Qt::AlignCenter | Qt::TextWordWrap,
+                         strNotice);
     }
     if (hasFocus()) {
         painter.setPen(palette().color(QPalette::Highlight));
-        painter.drawRect(rect().adjusted(0, 0, -1, -1));
+        painter.drawRect(view.adjusted(0, 0, -1, -1));
     }
 }
 
-void PageCanvas::PaintPage(QPainter &painter, const QRectF &visible)
+void PageCanvas::PaintPage(QPainter &painter)
 {
     const QRectF place = PageRect();
-    const double ratio = devicePixelRatioF();
-    const QSize deviceSize = (place.size() * ratio).toSize().expandedTo({1, 1});
-    if (deviceSize.width() < page.lWidth || deviceSize.height() < page.lHeight) {
-        // Whole device pixels, or the averaged page would be averaged a second time.
-        const QPointF corner((place.topLeft() * ratio).toPoint());
-        const QPixmap &scaled = ScaledPage(deviceSize);
-        painter.drawPixmap(QRectF(corner / ratio, QSizeF(deviceSize) / ratio), scaled, QRectF(scaled.rect()));
-        return;
-    }
-    if (picture.isNull())
-        picture = PageScaler::ToImage(page);
+    const QSize deviceSize = (place.size() * devicePixelRatioF()).toSize().expandedTo({1, 1});
+    if (deviceSize.width() < page.lWidth || deviceSize.height() < page.lHeight)
+        PaintShrunk(painter, place, deviceSize);
+    else
+        PaintEnlarged(painter, place);
+}
+
+void PageCanvas::PaintEnlarged(QPainter &painter, const QRectF &place)
+{
+    const QRectF visible = place.intersected(viewport()->rect());
     const double scaleX = page.lWidth / place.width();
     const double scaleY = page.lHeight / place.height();
     const QRectF source((visible.x() - place.x()) * scaleX, (visible.y() - place.y()) * scaleY,
                         visible.width() * scaleX, visible.height() * scaleY);
+    const QRect part = source.toAlignedRect().intersected(QRect(0, 0, page.lWidth, page.lHeight));
     painter.setRenderHint(QPainter::SmoothPixmapTransform, lMethod == Halftone);
-    painter.drawImage(visible, picture, source);
+    painter.drawImage(visible, PageScaler::Crop(page, part), source.translated(-part.topLeft()));
 }
 
-const QPixmap &PageCanvas::ScaledPage(const QSize &size)
+/// In whole pixels of the screen, or the averaged page would be averaged a second time.
+void PageCanvas::PaintShrunk(QPainter &painter, const QRectF &place, const QSize &deviceSize)
 {
-    if (scaledPage.size() != size)
-        scaledPage = QPixmap::fromImage(PageScaler::Shrink(page, size));
-    return scaledPage;
+    const double ratio = devicePixelRatioF();
+    const QPoint corner = (place.topLeft() * ratio).toPoint();
+    const QRect view(QPoint(), (QSizeF(viewport()->size()) * ratio).toSize());
+    const QRect visible = view.translated(-corner).intersected(QRect(QPoint(), deviceSize));
+    ShrinkVisible(deviceSize, visible);
+    painter.drawImage(QRectF(QPointF(corner + visible.topLeft()) / ratio, QSizeF(visible.size()) / ratio),
+                      shrunk, QRectF(visible.translated(-shrunkPart.topLeft())));
+}
+
+/// A page that comes on show is made smaller as far as it is visible; one that is scrolled, a view further on
+/// each side, so that not every step has to.
+void PageCanvas::ShrinkVisible(const QSize &deviceSize, const QRect &visible)
+{
+    const bool isSameZoom = !shrunk.isNull() && shrunkSize == deviceSize;
+    if (isSameZoom && shrunkPart.contains(visible))
+        return;
+    std::optional<BusyPointer> busy;
+    if (page.abBits.size() > lUsualBytes)
+        busy.emplace();
+    const QRect around =
+        visible.adjusted(-visible.width(), -visible.height(), visible.width(), visible.height());
+    shrunkSize = deviceSize;
+    shrunkPart = isSameZoom ? around.intersected(QRect(QPoint(), deviceSize)) : visible;
+    shrunk = PageScaler::Shrink(page, shrunkSize, shrunkPart);
 }
 
 void PageCanvas::resizeEvent(QResizeEvent *)
 {
-    if (bAutoFit)
-        FitToView();
-    ClampOffset();
-    ShowCursor();
+    if (!bShowingGeometry)
+        TakeSpace();
+}
+
+void PageCanvas::focusInEvent(QFocusEvent *)
+{
+    viewport()->update();
+}
+
+void PageCanvas::focusOutEvent(QFocusEvent *)
+{
+    viewport()->update();
 }
 
 void PageCanvas::changeEvent(QEvent *event)
 {
-    QWidget::changeEvent(event);
-    update();
+    QAbstractScrollArea::changeEvent(event);
+    if (event->type() == QEvent::StyleChange)
+        TakeSpace();
+    viewport()->update();
 }
 
 // Mouse and keys
 
 void PageCanvas::ShowCursor()
 {
-    const QSizeF size = PageSize() * dZoom;
-    const bool canMove = HasPage() && (size.width() > width() || size.height() > height());
-    if (!canMove)
-        unsetCursor();
+    if (!HasPage() || !geometry.CanScroll())
+        viewport()->unsetCursor();
     else
-        setCursor(bDragging ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
+        viewport()->setCursor(bDragging ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
 }
 
 void PageCanvas::mousePressEvent(QMouseEvent *event)
@@ -246,6 +310,8 @@ void PageCanvas::mouseMoveEvent(QMouseEvent *event)
 
 void PageCanvas::mouseReleaseEvent(QMouseEvent *event)
 {
+    if (event->button() == Qt::RightButton)
+        emit MenuRequested(event->globalPosition().toPoint());
     if (event->button() != Qt::LeftButton)
         return;
     bDragging = false;
@@ -254,8 +320,15 @@ void PageCanvas::mouseReleaseEvent(QMouseEvent *event)
 
 void PageCanvas::mouseDoubleClickEvent(QMouseEvent *event)
 {
-    if (event->button() == Qt::LeftButton && HasPage())
+    if (event->button() == Qt::LeftButton)
         emit ViewRequested();
+}
+
+/// The mouse has asked with its button's release, which some desktops do not wait for.
+void PageCanvas::contextMenuEvent(QContextMenuEvent *event)
+{
+    if (event->reason() == QContextMenuEvent::Keyboard)
+        emit MenuRequested(viewport()->mapToGlobal(Middle().toPoint()));
 }
 
 void PageCanvas::wheelEvent(QWheelEvent *event)
@@ -274,7 +347,6 @@ void PageCanvas::wheelEvent(QWheelEvent *event)
 
 void PageCanvas::keyPressEvent(QKeyEvent *event)
 {
-    const QPointF middle(width() / 2.0, height() / 2.0);
     switch (event->key()) {
     case Qt::Key_Left:
         return ScrollBy({-dLinePixels, 0});
@@ -287,17 +359,18 @@ void PageCanvas::keyPressEvent(QKeyEvent *event)
     case Qt::Key_PageUp:
         return ScrollPageBy(-1);
     case Qt::Key_PageDown:
-    case Qt::Key_Space:
         return ScrollPageBy(1);
+    case Qt::Key_Space:
+        return ScrollPageBy(event->modifiers().testFlag(Qt::ShiftModifier) ? -1 : 1);
     case Qt::Key_Home:
-        return ScrollBy({0, -PageSize().height() * dZoom});
+        return ScrollBy(-geometry.LastOffset());
     case Qt::Key_End:
-        return ScrollBy({0, PageSize().height() * dZoom});
+        return ScrollToEnd();
     case Qt::Key_Plus:
     case Qt::Key_Equal:
-        return ZoomByUser(middle, dZoomStep);
+        return ZoomIn();
     case Qt::Key_Minus:
-        return ZoomByUser(middle, 1 / dZoomStep);
+        return ZoomOut();
     default:
         event->ignore();
     }

@@ -1,16 +1,15 @@
 #pragma once
 
+#include "controls/PageGeometry.h"
 #include "core/FaxImage.h"
 
+#include <QAbstractScrollArea>
 #include <QImage>
-#include <QPixmap>
-#include <QPointF>
 #include <QString>
-#include <QWidget>
 
 /// Shows one page of a fax. The left button drags it, the wheel scrolls it and, with Ctrl, zooms around the
-/// cursor; so do the arrow keys, "+" and "-".
-class PageCanvas final : public QWidget
+/// cursor; the arrow and page keys, "+" and "-" do the same.
+class PageCanvas final : public QAbstractScrollArea
 {
     Q_OBJECT
     Q_PROPERTY(double ZValue READ ZValue WRITE SetZValue)
@@ -23,17 +22,19 @@ public:
     /// How an enlarged page is drawn: with hard pixels, or with smooth ones. A page made smaller is always
     /// averaged: thin strokes would get lost otherwise.
     enum StretchMethod { ColorOnColor = 3, Halftone = 4 };
-    enum Fit { FitWhole = 0, FitWidth = 1, FitHeight = 2 };
+    using Fit = PageGeometry::Fit;
 
     explicit PageCanvas(QWidget *parent = nullptr);
 
-    /// Shows a page, each pixel stretched by whole factors, at the top left when `keepView` is false.
+    /// Shows a page, each pixel stretched by whole factors, from its top left when `keepView` is false.
     void SetPage(const PageBits &shownPage, bool stretchX, bool stretchY, bool keepView);
+    /// Gives the memory of the page back; one of the two others follows before anything is drawn.
+    void DropPage();
     /// Drops the page and shows a text in its place.
     void Clear(const QString &notice);
     bool HasPage() const { return !page.IsEmpty(); }
 
-    double ZValue() const { return dZoom; }
+    double ZValue() const { return geometry.Zoom(); }
     /// Zooms around the middle of the view.
     void SetZValue(double zoom);
     bool ZAutoFit() const { return bAutoFit; }
@@ -47,54 +48,69 @@ public:
     void SetZMethod(int method);
     void FitToView();
 
-    /// Offsets of the view in the page, in pixels of the screen.
-    QPointF Offset() const { return offset; }
-    /// Place of the page in the widget, for the present zoom.
-    QRectF PageRect() const;
+    // What the user does; it ends the fitting
+    void ZoomIn();
+    void ZoomOut();
+
+    /// Of the view in the page, in pixels of the widget.
+    double OffsetX() const { return geometry.Offset().x(); }
+    double OffsetY() const { return geometry.Offset().y(); }
+    void ScrollToEnd();
+    /// Place of the page in the view, for the present zoom.
+    QRectF PageRect() const { return geometry.PageRect(); }
 
     QSize sizeHint() const override { return {400, 300}; }
 
 signals:
-    /// The user zoomed by wheel or key.
+    /// The user zoomed by wheel, key or command.
     void ZoomedByUser();
-    void PageUpRequested();
-    void PageDownRequested();
-    void ViewRequested(); ///< by a double click
+    void PageUpRequested();   ///< beyond the top of the page
+    void PageDownRequested(); ///< beyond its end
+    void ViewRequested();     ///< by a double click
+    /// The right button was released, or the menu key pressed, at a place on the screen.
+    void MenuRequested(const QPoint &place);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:
-    QSizeF PageSize() const;
+    void TakeSpace();
+    void ShowGeometry();
     void ScrollBy(const QPointF &delta);
     void ScrollPageBy(double delta);
-    void ZoomAround(const QPointF &place, double zoom);
     void ZoomByUser(const QPointF &place, double factor);
-    void ClampOffset();
-    void PaintPage(QPainter &painter, const QRectF &visible);
-    const QPixmap &ScaledPage(const QSize &size);
+    QPointF Middle() const;
+    void PaintPage(QPainter &painter);
+    void PaintEnlarged(QPainter &painter, const QRectF &place);
+    void PaintShrunk(QPainter &painter, const QRectF &place, const QSize &deviceSize);
+    void ShrinkVisible(const QSize &deviceSize, const QRect &visible);
     void ShowCursor();
 
     PageBits page;
     bool bStretchX = false;
     bool bStretchY = false;
     QString strNotice;
-    QImage picture;     ///< the page in its own size, made when it is first enlarged
-    QPixmap scaledPage; ///< the page made smaller for the present zoom
-    double dZoom = 1.0;
+    PageGeometry geometry;
     double dMoveFactor = 1.0;
-    int lFitMode = FitWhole;
+    int lFitMode = PageGeometry::FitWhole;
     int lMethod = Halftone;
     bool bAutoFit = false;
-    QPointF offset;
+    QImage shrunk;    ///< what was drawn of the page last, made smaller for its zoom
+    QSize shrunkSize; ///< of the whole page at that zoom, in pixels of the screen
+    QRect shrunkPart; ///< what `shrunk` is of it
     QPoint lastDragPlace;
     bool bDragging = false;
+    bool bShowingGeometry = false;
 };

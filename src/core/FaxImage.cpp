@@ -1,7 +1,5 @@
 #include "core/FaxImage.h"
 
-#include "core/TiffTable.h"
-
 #include <QFile>
 #include <QSaveFile>
 
@@ -118,23 +116,40 @@ PageBits ToPageBits(FIBITMAP *bitmap, const TiffPage &page)
 
 } // namespace
 
-int FaxImage::GetPageCount(const QString &path)
+FaxPages::FaxPages(const QString &path)
+    : strPath(path)
+    , aPages(TiffFile(path).ReadPages())
 {
-    return static_cast<int>(TiffFile(path).ReadPages().size());
 }
 
-PageBits FaxImage::LoadPage(const QString &path, int page, int rotation)
+PageBits FaxPages::Load(int page, int rotation) const
 {
-    TiffFile file(path);
-    const QList<TiffPage> pages = file.ReadPages();
-    if (page < 0 || page >= pages.size() || !file.ShowOnly(pages[page]))
+    TiffFile file(strPath);
+    if (page < 0 || page >= aPages.size() || !file.ShowOnly(aPages[page]))
         return {};
     Bitmap bitmap = Decode(file);
     if (bitmap)
         bitmap = Normalise(std::move(bitmap));
     if (bitmap)
         bitmap = Turn(std::move(bitmap), rotation);
-    return bitmap ? ToPageBits(bitmap.get(), pages[page]) : PageBits();
+    return bitmap ? ToPageBits(bitmap.get(), aPages[page]) : PageBits();
+}
+
+bool FaxPages::IsLarge(int page) const
+{
+    constexpr qint64 usualBytes = 2 * 1024 * 1024;
+    const TiffPage entry = aPages.value(page);
+    return qint64(entry.lWidth) * entry.lHeight * entry.lDecodedBits / 8 > usualBytes;
+}
+
+int FaxImage::GetPageCount(const QString &path)
+{
+    return FaxPages(path).Count();
+}
+
+PageBits FaxImage::LoadPage(const QString &path, int page, int rotation)
+{
+    return FaxPages(path).Load(page, rotation);
 }
 
 bool FaxImage::HasSizePrefix(const QString &path)

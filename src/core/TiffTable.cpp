@@ -17,8 +17,11 @@ constexpr qint64 pointerSize = 4;
 constexpr uint32_t widest = 10000, highest = 50000;
 constexpr int mostPages = 5000;
 
-/// A decoded page: A4 in colour at 600 dpi fits.
-constexpr quint64 mostPageBytes = 144 * 1024 * 1024;
+/// A decoded page: A4 in colour at 400 dpi fits. A decoder holds it twice and its packed bytes besides.
+constexpr quint64 mostPageBytes = 64 * 1024 * 1024;
+
+/// A page as it lies in the file. Noise takes more than its pixels; a fax never does.
+constexpr qint64 mostPackedBytes = 48 * 1024 * 1024;
 
 /// What reading one page table may take: entries can overlap, so that a small file has a long table.
 constexpr qint64 mostTableBytes = 64 * 1024 * 1024;
@@ -103,16 +106,10 @@ quint64 DecodedDepth(quint64 bits, quint64 samples)
     return bits == 4 ? 8 : bits;
 }
 
-bool IsWithinBounds(TIFF *tiff)
+bool IsWithinBounds(quint64 width, quint64 height, quint64 depth)
 {
-    uint32_t width = 0, height = 0;
-    TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &width);
-    TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &height);
-    if (width < 1 || height < 1 || width > widest || height > highest)
-        return false;
-    const quint64 depth =
-        DecodedDepth(Field(tiff, TIFFTAG_BITSPERSAMPLE), Field(tiff, TIFFTAG_SAMPLESPERPIXEL));
-    return quint64(width) * height * depth / 8 <= mostPageBytes;
+    return width >= 1 && height >= 1 && width <= widest && height <= highest &&
+           width * height * depth / 8 <= mostPageBytes;
 }
 
 /// Pictures within a page would be decoded along with it, and nobody has looked at their size.
@@ -138,10 +135,33 @@ int DotsPerInch(TIFF *tiff, ttag_t tag)
 
 std::optional<TiffPage> LookAtPage(TIFF *tiff)
 {
-    if (!IsKnownPixelForm(tiff) || !IsWithinBounds(tiff) || HoldsOtherPictures(tiff))
+    uint32_t width = 0, height = 0;
+    TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &width);
+    TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &height);
+    const quint64 depth =
+        DecodedDepth(Field(tiff, TIFFTAG_BITSPERSAMPLE), Field(tiff, TIFFTAG_SAMPLESPERPIXEL));
+    if (!IsKnownPixelForm(tiff) || !IsWithinBounds(width, height, depth) || HoldsOtherPictures(tiff))
         return std::nullopt;
-    return TiffPage{static_cast<qint64>(TIFFCurrentDirOffset(tiff)), DotsPerInch(tiff, TIFFTAG_XRESOLUTION),
-                    DotsPerInch(tiff, TIFFTAG_YRESOLUTION)};
+    TiffPage page;
+    page.lOffset = static_cast<qint64>(TIFFCurrentDirOffset(tiff));
+    page.lWidth = static_cast<int>(width);
+    page.lHeight = static_cast<int>(height);
+    page.lDecodedBits = static_cast<int>(depth);
+    page.lDotsPerInchX = DotsPerInch(tiff, TIFFTAG_XRESOLUTION);
+    page.lDotsPerInchY = DotsPerInch(tiff, TIFFTAG_YRESOLUTION);
+    return page;
+}
+
+/// What the strips say of themselves, and a decoder allots before it reads them; what exceeds the file counts
+/// as the whole file.
+qint64 PackedBytes(TIFF *tiff, qint64 fileSize)
+{
+    qint64 sum = 0;
+    const uint32_t strips = TIFFNumberOfStrips(tiff);
+    for (uint32_t strip = 0; strip < strips && sum <= mostPackedBytes; ++strip)
+        sum +=
+            static_cast<qint64>(std::min<uint64_t>(TIFFGetStrileByteCount(tiff, strip), uint64_t(fileSize)));
+    return sum;
 }
 
 QList<TiffPage> WalkTable(TIFF *tiff)
@@ -206,7 +226,6 @@ QList<TiffPage> TiffFile::ReadPages()
     lBytesLeft = mostTableBytes;
     const TiffHandle tiff = OpenTable(*this);
     const QList<TiffPage> pages = tiff ? WalkTable(tiff.get()) : QList<TiffPage>();
-    lBytesLeft = -1;
     // A pointer that was cut off reads as the end of the table.
     const bool whole = !pages.isEmpty() && PointerToNext(pages.last()) >= 0;
     return whole ? pages : QList<TiffPage>();
@@ -234,20 +253,30 @@ bool TiffFile::ShowOnly(const TiffPage &page)
         return false;
     aPatches = {{pointerToFirst, ToBytes(static_cast<quint32>(page.lOffset), IsBigEndian())},
                 {pointerToNext, ToBytes(quint32(0), IsBigEndian())}};
+    if (!CanDecode(page))
+        return false;
+    lBytesLeft = mostTableBytes + mostPackedBytes;
     return Seek(0, SEEK_SET);
+}
+
+/// The file may be another one by now, and what decodes it trusts the look that was taken.
+bool TiffFile::CanDecode(const TiffPage &page)
+{
+    lBytesLeft = mostTableBytes;
+    const TiffHandle tiff = Seek(0, SEEK_SET) ? OpenTable(*this) : nullptr;
+    return tiff && LookAtPage(tiff.get()) == page && PackedBytes(tiff.get(), Size()) <= mostPackedBytes;
 }
 
 qint64 TiffFile::Read(char *buffer, qint64 size)
 {
-    if (lBytesLeft >= 0 && size > lBytesLeft)
+    if (size > lBytesLeft)
         return -1;
     if (!file.seek(lStart + lPosition))
         return -1;
     const qint64 read = file.read(buffer, size);
     if (read <= 0)
         return read;
-    if (lBytesLeft >= 0)
-        lBytesLeft -= read;
+    lBytesLeft -= read;
     ApplyPatches(buffer, read);
     lPosition += read;
     return read;

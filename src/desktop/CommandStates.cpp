@@ -109,6 +109,9 @@ QString CommandStates::GetMenuOfTool(const QString &tool)
         {"RightMenu_ReSendError", "mnuResendError"},
         {"RightMenu_Resume", "mnuResume"},
         {"RightMenu_NewFax", "mnuNewFax"},
+        {"mnuFaxview_Property", "mnuFaxProperty"},
+        {"mnuFaxview_ViewFax", "mnuViewFax"},
+        {"mnuFaxview_FaxSaveAs", "mnuSaveAs"},
     };
     return menus.value(tool);
 }

@@ -37,7 +37,8 @@ States SetGridCommands(const GridInput &input);
 States SetFolderCommands(const FolderNode *node);
 States SetRecycleBinCommands(bool isEmpty);
 
-/// The menu item that a tool bar button or an item of the list's own menu runs; empty for any other name.
+/// The menu item that a tool bar button, or an item of the list's or page's own menu, runs; empty for any
+/// other name.
 QString GetMenuOfTool(const QString &tool);
 
 /// The items of the list's own menu in their order; an empty name for a separator.

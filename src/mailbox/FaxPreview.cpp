@@ -46,12 +46,9 @@ void FaxPreview::ShowPreviewPage()
 {
     lRotation = 0;
     lPage = 0;
-    lPages = strPreviewFile.isEmpty() ? 0 : FaxImage::GetPageCount(strPreviewFile);
-    if (lPages == 0 || !Load()) {
-        const QString complaint =
-            strPreviewFile.isEmpty()
-                ? tr("This fax has no pages yet.")
-                : tr("The file of this fax is missing or cannot be read:") + "\n" + header.strFileName;
+    pages = strPreviewFile.isEmpty() ? FaxPages() : FaxPages(strPreviewFile);
+    if (pages.Count() == 0 || !Load()) {
+        const QString complaint = WhyNoPage();
         ResetPreview(false);
         strComplaint = complaint;
         emit FaxChanged();
@@ -64,6 +61,15 @@ void FaxPreview::ShowPreviewPage()
     EmitAll();
 }
 
+QString FaxPreview::WhyNoPage() const
+{
+    if (strPreviewFile.isEmpty())
+        return tr("This fax has no pages yet.");
+    const QString problem = FileExists(strPreviewFile) ? tr("The file of this fax cannot be read:")
+                                                       : tr("The file of this fax is missing:");
+    return problem + "\n" + header.strFileName;
+}
+
 void FaxPreview::EmitAll()
 {
     emit FaxChanged();
@@ -73,7 +79,10 @@ void FaxPreview::EmitAll()
 
 bool FaxPreview::Load()
 {
-    page = FaxImage::LoadPage(strPreviewFile, lPage, lRotation);
+    page = {}; // two large pages would take too much memory
+    emit AboutToLoad(pages.IsLarge(lPage));
+    page = pages.Load(lPage, lRotation);
+    emit Loaded();
     return HasImage();
 }
 
@@ -82,8 +91,9 @@ void FaxPreview::ResetPreview(bool toDefaults)
     header = {};
     strPreviewFile.clear();
     strComplaint.clear();
+    pages = {};
     page = {};
-    lPage = lPages = lRotation = 0;
+    lPage = lRotation = 0;
     bDoubleHeight = false;
     if (toDefaults)
         bFitWidth = bZoom100 = false;
@@ -92,12 +102,13 @@ void FaxPreview::ResetPreview(bool toDefaults)
 
 QString FaxPreview::PageText() const
 {
-    return lPages > 0 ? QString::number(lPage + 1) + " / " + QString::number(lPages) : QString();
+    const int total = pages.Count();
+    return total > 0 ? QString::number(lPage + 1) + " / " + QString::number(total) : QString();
 }
 
 void FaxPreview::GoToPage(int zeroBased)
 {
-    if (zeroBased < 0 || zeroBased >= lPages)
+    if (zeroBased < 0 || zeroBased >= pages.Count())
         return;
     lPage = zeroBased;
     Load();
@@ -106,7 +117,7 @@ void FaxPreview::GoToPage(int zeroBased)
 
 void FaxPreview::Rotate(int degrees)
 {
-    if (lPages == 0)
+    if (pages.Count() == 0)
         return;
     lRotation += degrees;
     Load();

@@ -44,12 +44,12 @@ public:
     /// "<page> / <total>"; empty without a page.
     QString PageText() const;
     bool CanGoBack() const { return lPage > 0; }
-    bool CanGoForward() const { return lPage + 1 < lPages; }
+    bool CanGoForward() const { return lPage + 1 < pages.Count(); }
     void GoToPage(int zeroBased);
     void FirstPage() { GoToPage(0); }
     void PreviousPage() { GoToPage(lPage - 1); }
     void NextPage() { GoToPage(lPage + 1); }
-    void LastPage() { GoToPage(lPages - 1); }
+    void LastPage() { GoToPage(pages.Count() - 1); }
     /// Adds degrees, a multiple of 90, counter-clockwise. The sum runs on until another fax is shown.
     void Rotate(int degrees);
     int PreviewRotation() const { return lRotation; }
@@ -70,20 +70,24 @@ signals:
     /// Another page or rotation, or another fax.
     void PageChanged();
     void ZoomChanged();
+    /// A page is about to be decoded, which may take a while when it is large; the one before is gone.
+    void AboutToLoad(bool isLarge);
+    void Loaded();
 
 private:
     bool IsSideways() const { return lRotation % 180 != 0; }
     void ReadHeader(const QString &id, int faxTable);
     void ShowPreviewPage();
+    QString WhyNoPage() const;
     bool Load();
     void EmitAll();
 
     Header header;
     QString strPreviewFile;
     QString strComplaint;
+    FaxPages pages;
     PageBits page;
     int lPage = 0;
-    int lPages = 0;
     int lRotation = 0;
     bool bDoubleHeight = false;
     bool bFitWidth = false;

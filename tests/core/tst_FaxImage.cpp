@@ -178,6 +178,35 @@ private slots:
         QVERIFY(FaxImage::LoadPage(strFile, 0, 0).IsEmpty());
     }
 
+    void pageThatIsAnotherOneByNowIsRefused()
+    {
+        HandMadeTiff tiff, other;
+        tiff.AddPage(32, 1, true);
+        other.AddPage(32, 50000, true);
+        QVERIFY(WriteTestFile(strFile, tiff.abBytes));
+        const FaxPages pages(strFile);
+        QVERIFY(!pages.Load(0, 0).IsEmpty());
+        QVERIFY(WriteTestFile(strFile, other.abBytes));
+        QVERIFY(pages.Load(0, 0).IsEmpty());
+        QVERIFY(QFile::remove(strFile));
+        QVERIFY(pages.Load(0, 0).IsEmpty());
+        QVERIFY(!FaxPages(strFile).Count());
+    }
+
+    void absurdStripsTakeNoMemory()
+    {
+        for (const auto &[count, bytes] : {std::pair(0xffffffffU, 8U), {0U, 4U}, {1U, 0xffffffffU}}) {
+            HandMadeTiff tiff;
+            tiff.AddPage(32, 1, true, {{259, 3, 1, 4}, {273, 4, count, 8}, {279, 4, count, bytes}});
+            QVERIFY(WriteTestFile(strFile, tiff.abBytes));
+            QVERIFY(FaxImage::LoadPage(strFile, 0, 0).abBits.size() <= 4); // shown or not
+            QFile file(strFile);
+            const bool grown = file.open(QIODevice::ReadWrite) && file.resize(600 * 1024 * 1024);
+            QVERIFY(grown); // with a hole: the bytes could be there
+            QVERIFY(FaxImage::LoadPage(strFile, 0, 0).IsEmpty() == (bytes == 0xffffffffU));
+        }
+    }
+
     void tornFileIsReadSafely()
     {
         QCOMPARE(FaxImage::GetPageCount(folder->path()), 0);

@@ -110,6 +110,53 @@ private slots:
         QCOMPARE(Get<PageCanvas>("picPreviewImage").ZValue(), 1.0);
     }
 
+    void pageMenuFollowsItsCommands()
+    {
+        QStringList run;
+        window->SetCommand("mnuViewFax", [&] { run.append("view"); });
+        window->SetCommand("mnuFaxProperty", [&] { run.append("properties"); });
+        auto &canvas = Get<PageCanvas>("picPreviewImage");
+        auto &menu = Get<QMenu>("mnuFaxview_RightMenu");
+        QTest::mousePress(canvas.viewport(), Qt::RightButton);
+        QVERIFY(!menu.isVisible());
+        QTest::mouseRelease(canvas.viewport(), Qt::RightButton);
+        QVERIFY(menu.isVisible());
+        menu.close();
+        QContextMenuEvent key(QContextMenuEvent::Keyboard, {}, {});
+        QCoreApplication::sendEvent(&canvas, &key);
+        QVERIFY(menu.isVisible());
+        menu.close();
+        for (const char *name : {"mnuFaxview_ViewFax", "mnuFaxview_Property", "mnuFaxview_FaxSaveAs"})
+            Command(name).trigger(); // of saving there is no routine
+        QCOMPARE(run, QStringList({"view", "properties"}));
+        QVERIFY(Command("mnuFaxview_FixWidth").isChecked() && !Command("mnuFaxview_ActualSize").isChecked());
+        QVERIFY(Command("mnuFaxview_LastPage").isEnabled() && !Command("mnuFaxview_FirstPage").isEnabled());
+        SelectInTree("Draft");
+        QVERIFY(!Command("mnuFaxview_ViewFax").isEnabled() && !Command("mnuFaxview_ActualSize").isEnabled());
+    }
+
+    void keysOfThePageHoldOnPageAndListOnly()
+    {
+        window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window.get()));
+        const auto &canvas = Get<PageCanvas>("picPreviewImage");
+        for (const char *name : {"cmbYear", "tvFolder", "grdFaxList", "picPreviewImage"}) {
+            Command("mnuFaxview_FixWidth").trigger();
+            auto &pane = Get<QWidget>(name);
+            pane.setFocus();
+            QTest::keyClick(&pane, Qt::Key_0);
+            const bool isOfPage = &pane == &canvas || pane.objectName() == "grdFaxList";
+            QCOMPARE(Command("mnuFaxview_ActualSize").isChecked(), isOfPage);
+        }
+        QTest::keyClick(&Get<QWidget>("cmbYear"), Qt::Key_Down, Qt::AltModifier); // holds everywhere
+        QCOMPARE(Get<QLineEdit>("txtPage").text(), "2 / 2");
+        Get<PageCanvas>("picPreviewImage").setFocus();
+        QTest::keyClick(&Get<PageCanvas>("picPreviewImage"), Qt::Key_Home);
+        QTest::keyClick(&Get<PageCanvas>("picPreviewImage"), Qt::Key_PageUp);
+        QCOMPARE(Get<QLineEdit>("txtPage").text(), "1 / 2");
+        QVERIFY(canvas.OffsetY() > 0); // the end of the page before
+    }
+
     void clickOnSentSelectsSending()
     {
         SelectInTree("Sent");

@@ -68,11 +68,12 @@ CommandActions::CommandActions(QMainWindow &mainWindow,
 {
     for (QAction *action : window.findChildren<QAction *>()) {
         const QString name = action->objectName();
-        if (name.startsWith("mnu") && !name.startsWith("mnuFaxview_")) {
+        const QString command = CommandStates::GetMenuOfTool(name);
+        if (!command.isEmpty()) {
+            Register(action, command);
+        } else if (name.startsWith("mnu") && !name.startsWith("mnuFaxview_")) { // those are the pane's own
             menuItems.insert(name, action);
             Register(action, name);
-        } else if (name.startsWith("tb")) {
-            Register(action, CommandStates::GetMenuOfTool(name));
         }
     }
     MakeGridMenu();

@@ -77,6 +77,7 @@ void frmMain::SetUpCommands()
         *this, [this](const QString &name, const CommandActions::Routine &run) { RunGuarded(name, run); });
     ui->mnuPage->addActions(picPreview->PageActions());
     ui->mnuView->insertMenu(ui->mnuPage->menuAction(), &listPane->SortMenu());
+    listPane->Grid().addActions(picPreview->PageActions()); // for their keys
     SetUpToolBar();
     SetUpOwnCommands();
 }

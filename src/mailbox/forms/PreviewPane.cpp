@@ -10,7 +10,14 @@
 
 namespace {
 
-constexpr double dZoomStep = 1.2;
+/// Nobody reads more of a title; a line edit that shows a text of a megabyte takes long.
+constexpr qsizetype lMostShown = 1000;
+
+/// A single key, which would be taken away from where one types.
+bool IsPlainKey(const QKeySequence &shortcut)
+{
+    return !shortcut.isEmpty() && (shortcut[0].keyboardModifiers() & ~Qt::ShiftModifier) == 0;
+}
 
 } // namespace
 
@@ -20,22 +27,17 @@ PreviewPane::PreviewPane(ShownMailbox &shownMailbox, QWidget *parent)
     , ui(std::make_unique<Ui::PreviewPane>())
 {
     ui->setupUi(this);
+    SetUpCanvas();
     MakeActions();
+    MakeRightMenu();
     SetUpButtons();
     ui->txtPage->setMaximumWidth(fontMetrics().horizontalAdvance("0000 / 0000") + 12);
-    PageCanvas &canvas = Canvas();
-    canvas.SetFitMode(PageCanvas::FitWidth);
-    canvas.SetZMethod(PageCanvas::ColorOnColor);
-    canvas.setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(&canvas, &QWidget::customContextMenuRequested, this, &PreviewPane::ShowRightMenu);
-    connect(&canvas, &PageCanvas::ZoomedByUser, this, [this] { mailbox.Preview().SetFreeZoom(); });
-    connect(&canvas, &PageCanvas::PageDownRequested, this, &PreviewPane::NextPage);
-    connect(&canvas, &PageCanvas::PageUpRequested, this, &PreviewPane::PreviousPage);
-    connect(&canvas, &PageCanvas::ViewRequested, this, &PreviewPane::ViewRequested);
-    connect(&mailbox.Preview(), &FaxPreview::FaxChanged, this, &PreviewPane::ShowHeader);
-    connect(&mailbox.Preview(), &FaxPreview::PageChanged, this, &PreviewPane::ShowPage);
-    connect(&mailbox.Preview(), &FaxPreview::ZoomChanged, this, &PreviewPane::ShowZoom);
-    connect(&mailbox, &ShownMailbox::CommandsChanged, this, &PreviewPane::ShowHeader);
+    const FaxPreview &preview = mailbox.Preview();
+    connect(&preview, &FaxPreview::FaxChanged, this, &PreviewPane::ShowHeader);
+    connect(&preview, &FaxPreview::PageChanged, this, &PreviewPane::ShowPage);
+    connect(&preview, &FaxPreview::ZoomChanged, this, &PreviewPane::ShowZoom);
+    connect(&preview, &FaxPreview::AboutToLoad, this, &PreviewPane::ShowBusy);
+    connect(&preview, &FaxPreview::Loaded, this, [this] { busyPointer.reset(); });
     ShowHeader();
     ShowPage();
     ShowZoom();
@@ -48,6 +50,19 @@ PageCanvas &PreviewPane::Canvas() const
     return *ui->picPreviewImage;
 }
 
+void PreviewPane::SetUpCanvas()
+{
+    PageCanvas &canvas = Canvas();
+    canvas.SetFitMode(PageGeometry::FitWidth);
+    canvas.SetZMethod(PageCanvas::ColorOnColor);
+    connect(&canvas, &PageCanvas::MenuRequested, this,
+            [this](const QPoint &place) { mnuFaxview_RightMenu->popup(place); });
+    connect(&canvas, &PageCanvas::ZoomedByUser, this, [this] { mailbox.Preview().SetFreeZoom(); });
+    connect(&canvas, &PageCanvas::PageDownRequested, this, &PreviewPane::NextPage);
+    connect(&canvas, &PageCanvas::PageUpRequested, this, &PreviewPane::EndOfPreviousPage);
+    connect(&canvas, &PageCanvas::ViewRequested, this, &PreviewPane::ViewRequested);
+}
+
 // Commands
 
 void PreviewPane::AddAction(const QString &name, const QString &text, const QString &shortcut,
@@ -56,8 +71,21 @@ void PreviewPane::AddAction(const QString &name, const QString &text, const QStr
     auto *action = new QAction(text, this);
     action->setObjectName(name);
     action->setShortcut(QKeySequence(shortcut));
+    if (!shortcut.isEmpty())
+        action->setToolTip(QString(text).remove('&') + " (" +
+                           action->shortcut().toString(QKeySequence::NativeText) + ")");
+    const bool isPlain = IsPlainKey(action->shortcut());
+    action->setShortcutContext(isPlain ? Qt::WidgetShortcut : Qt::WindowShortcut);
+    Canvas().addAction(action);
     connect(action, &QAction::triggered, this, run);
     aActions.append(action);
+}
+
+void PreviewPane::AddSeparator()
+{
+    auto *separator = new QAction(this);
+    separator->setSeparator(true);
+    aActions.append(separator);
 }
 
 void PreviewPane::MakeActions()
@@ -65,16 +93,36 @@ void PreviewPane::MakeActions()
     AddAction("mnuFaxview_FixWidth", tr("Fit &Width"), "W", &PreviewPane::FitWidth);
     AddAction("mnuFaxview_ActualSize", tr("&Actual Size"), "0", &PreviewPane::ActualSize);
     AddAction("mnuFaxview_ZoomIn", tr("Zoom &In"), "+", &PreviewPane::ZoomIn);
-    AddAction("mnuFaxview_ZoomOut", tr("Zoom &Out"), "-", &PreviewPane::ZoomOut);
+    AddAction("mnuFaxview_ZoomOut", tr("Zoom O&ut"), "-", &PreviewPane::ZoomOut);
+    AddSeparator();
     AddAction("mnuFaxview_RotateLeft90", tr("Rotate &Left"), "Shift+R", &PreviewPane::RotateLeft);
-    AddAction("mnuFaxview_Rotate180", tr("&Turn Upside Down"), {}, &PreviewPane::RotatePlane);
-    AddAction("mnuFaxview_RotateRight90", tr("&Rotate Right"), "R", &PreviewPane::RotateRight);
+    AddAction("mnuFaxview_Rotate180", tr("Turn Upside &Down"), {}, &PreviewPane::RotatePlane);
+    AddAction("mnuFaxview_RotateRight90", tr("Rotate Ri&ght"), "R", &PreviewPane::RotateRight);
+    AddSeparator();
     AddAction("mnuFaxview_PreviousPage", tr("&Previous Page"), "Alt+Up", &PreviewPane::PreviousPage);
     AddAction("mnuFaxview_NextPage", tr("&Next Page"), "Alt+Down", &PreviewPane::NextPage);
     AddAction("mnuFaxview_FirstPage", tr("&First Page"), "Alt+Home", &PreviewPane::FirstPage);
     AddAction("mnuFaxview_LastPage", tr("La&st Page"), "Alt+End", &PreviewPane::LastPage);
     for (const char *name : {"mnuFaxview_FixWidth", "mnuFaxview_ActualSize"})
         findChild<QAction *>(name)->setCheckable(true);
+}
+
+/// Three of its items are commands of the fax. The main window runs them and sets their states.
+void PreviewPane::MakeRightMenu()
+{
+    mnuFaxview_RightMenu = new QMenu(this);
+    mnuFaxview_RightMenu->setObjectName("mnuFaxview_RightMenu");
+    const auto add = [this](const QString &name, const QString &text) {
+        QAction *action = mnuFaxview_RightMenu->addAction(text);
+        action->setObjectName(name);
+        action->setEnabled(false);
+    };
+    add("mnuFaxview_ViewFax", tr("&Open Fax"));
+    mnuFaxview_RightMenu->addSeparator();
+    mnuFaxview_RightMenu->addActions(aActions);
+    mnuFaxview_RightMenu->addSeparator();
+    add("mnuFaxview_FaxSaveAs", tr("Sa&ve Fax As..."));
+    add("mnuFaxview_Property", tr("P&roperties"));
 }
 
 void PreviewPane::SetUpButtons()
@@ -104,6 +152,15 @@ void PreviewPane::FirstPage()
 void PreviewPane::PreviousPage()
 {
     mailbox.Preview().PreviousPage();
+}
+
+/// Whoever reads backwards goes on at the end of the page.
+void PreviewPane::EndOfPreviousPage()
+{
+    if (!mailbox.Preview().CanGoBack())
+        return;
+    PreviousPage();
+    Canvas().ScrollToEnd();
 }
 
 void PreviewPane::NextPage()
@@ -143,14 +200,12 @@ void PreviewPane::RotateRight()
 
 void PreviewPane::ZoomIn()
 {
-    mailbox.Preview().SetFreeZoom();
-    Canvas().SetZValue(Canvas().ZValue() * dZoomStep);
+    Canvas().ZoomIn();
 }
 
 void PreviewPane::ZoomOut()
 {
-    mailbox.Preview().SetFreeZoom();
-    Canvas().SetZValue(Canvas().ZValue() / dZoomStep);
+    Canvas().ZoomOut();
 }
 
 // What the pane shows
@@ -159,19 +214,18 @@ void PreviewPane::ShowHeader()
 {
     const FaxPreview &preview = mailbox.Preview();
     const auto show = [](QLineEdit *box, const QString &text) {
-        if (box->text() == text)
+        const QString shown = text.size() > lMostShown ? text.left(lMostShown) + "..." : text;
+        if (box->text() == shown)
             return;
-        box->setText(text);
+        box->setText(shown);
         box->setCursorPosition(0);
-        box->setToolTip(text.toHtmlEscaped());
+        box->setToolTip(shown.isEmpty() ? QString() : Qt::convertFromPlainText(shown));
     };
     show(ui->txtSender, preview.Texts().strSender);
     show(ui->txtReceiver, preview.Texts().strReceiver);
     show(ui->txtTitle, preview.Texts().strTitle);
     show(ui->txtFileName, preview.Texts().strFileName);
-    if (!preview.HasImage())
-        Canvas().Clear(preview.Complaint().isEmpty() ? tr("Choose a fax to see its pages.")
-                                                     : preview.Complaint());
+    ShowNotice();
 }
 
 void PreviewPane::ShowPage()
@@ -179,17 +233,38 @@ void PreviewPane::ShowPage()
     const FaxPreview &preview = mailbox.Preview();
     if (preview.HasImage())
         Canvas().SetPage(preview.Page(), preview.IsStretchedX(), preview.IsStretchedY(), false);
-    else if (!preview.PageText().isEmpty())
-        Canvas().Clear(tr("This page cannot be read."));
     ui->txtPage->setText(preview.PageText());
+    ShowNotice();
     ShowStates();
+}
+
+/// What stands in the place of a page.
+void PreviewPane::ShowNotice()
+{
+    const FaxPreview &preview = mailbox.Preview();
+    if (preview.HasImage())
+        return;
+    if (!preview.PageText().isEmpty())
+        Canvas().Clear(tr("This page cannot be read."));
+    else if (!preview.Complaint().isEmpty())
+        Canvas().Clear(preview.Complaint());
+    else
+        Canvas().Clear(mailbox.RowCount() > 0 ? tr("Choose a fax to see its pages.") : QString());
+}
+
+void PreviewPane::ShowBusy(bool isLarge)
+{
+    Canvas().DropPage();
+    if (isLarge)
+        busyPointer.emplace();
 }
 
 void PreviewPane::ShowZoom()
 {
     const FaxPreview &preview = mailbox.Preview();
     Canvas().SetZAutoFit(preview.IsFitWidth());
-    if (preview.IsZoom100())
+    const bool isReset = !preview.HasImage() && !preview.IsFitWidth();
+    if (preview.IsZoom100() || isReset)
         Canvas().SetZValue(1.0);
     ShowStates();
 }
@@ -198,20 +273,11 @@ void PreviewPane::ShowStates()
 {
     const FaxPreview &preview = mailbox.Preview();
     for (QAction *action : aActions)
-        action->setEnabled(!preview.PageText().isEmpty());
+        action->setEnabled(action->isSeparator() || !preview.PageText().isEmpty());
     for (const char *name : {"mnuFaxview_PreviousPage", "mnuFaxview_FirstPage"})
         findChild<QAction *>(name)->setEnabled(preview.CanGoBack());
     for (const char *name : {"mnuFaxview_NextPage", "mnuFaxview_LastPage"})
         findChild<QAction *>(name)->setEnabled(preview.CanGoForward());
     findChild<QAction *>("mnuFaxview_FixWidth")->setChecked(preview.IsFitWidth());
     findChild<QAction *>("mnuFaxview_ActualSize")->setChecked(preview.IsZoom100());
-}
-
-void PreviewPane::ShowRightMenu(const QPoint &place)
-{
-    auto *menu = new QMenu(this);
-    menu->setObjectName("mnuFaxview_RightMenu");
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addActions(aActions);
-    menu->popup(Canvas().mapToGlobal(place));
 }

@@ -1,12 +1,16 @@
 #pragma once
 
-#include <QMap>
+#include "controls/BusyPointer.h"
+
+#include <QList>
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 
 class PageCanvas;
 class QAction;
+class QMenu;
 class ShownMailbox;
 
 namespace Ui {
@@ -23,7 +27,8 @@ public:
     ~PreviewPane() override;
 
     /// The page's commands by their names, such as "mnuFaxview_NextPage", in the order of the menu. They are
-    /// enabled as the buttons are.
+    /// enabled as the buttons are. Shortcuts of a single key hold on the canvas, and on what the actions are
+    /// added to.
     QList<QAction *> PageActions() const { return aActions; }
     PageCanvas &Canvas() const;
 
@@ -34,16 +39,21 @@ signals:
 private:
     void AddAction(const QString &name, const QString &text, const QString &shortcut,
                    void (PreviewPane::*run)());
+    void AddSeparator();
     void MakeActions();
+    void MakeRightMenu();
     void SetUpButtons();
+    void SetUpCanvas();
     void ShowHeader();
     void ShowPage();
     void ShowZoom();
+    void ShowNotice();
     void ShowStates();
-    void ShowRightMenu(const QPoint &place);
+    void ShowBusy(bool isLarge);
 
     void FirstPage();
     void PreviousPage();
+    void EndOfPreviousPage();
     void NextPage();
     void LastPage();
     void FitWidth();
@@ -57,4 +67,6 @@ private:
     ShownMailbox &mailbox;
     std::unique_ptr<Ui::PreviewPane> ui;
     QList<QAction *> aActions;
+    QMenu *mnuFaxview_RightMenu = nullptr;
+    std::optional<BusyPointer> busyPointer;
 };

@@ -1,0 +1,196 @@
+#include "controls/PageCanvas.h"
+#include "core/Globals.h"
+#include "fakes/FakePorts.h"
+#include "fixtures/Profile.h"
+#include "mailbox/ShownMailbox.h"
+#include "mailbox/forms/PreviewPane.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QImage>
+#include <QPainter>
+#include <QTest>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <vector>
+
+#include <FreeImage.h>
+#include <benchmark/benchmark.h>
+#include <tiffio.h>
+
+// The next page of a fax in the preview, from the key to the painted page, against the least that showing it
+// takes: FreeImage opens the file and decodes the page, and one painter scales it to the same width. The
+// painter of the comparison leaves pixels out ("least"), as the preview does not; one that averages them as
+// well is told besides ("smooth"). Both work on the fax's own pages, which are full of text.
+
+namespace {
+
+constexpr int lPages = 20, lPaneWidth = 800, lPaneHeight = 600;
+
+/// A page of a letter, at the resolution of a fine fax.
+QImage DrawLetter(int number)
+{
+    constexpr int width = 1728, height = 2292, left = 150, lineHeight = 46;
+    QImage page(width, height, QImage::Format_Mono);
+    page.fill(1);
+    QPainter painter(&page);
+    QFont font("Liberation Serif");
+    font.setPixelSize(34);
+    painter.setFont(font);
+    for (int line = 0; line < 44; ++line)
+        painter.drawText(left, 160 + line * lineHeight,
+                         QString("Page %1, line %2: the goods of your order have left our house today.")
+                             .arg(number)
+                             .arg(line));
+    return page;
+}
+
+bool WriteFax(const QString &path)
+{
+    TIFF *tiff = TIFFOpen(QFile::encodeName(path).constData(), "w");
+    bool isWritten = tiff != nullptr;
+    for (int number = 0; isWritten && number < lPages; ++number) {
+        QImage page = DrawLetter(number);
+        TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, page.width());
+        TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, page.height());
+        TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, page.height());
+        TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_CCITTFAX4);
+        TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+        TIFFSetField(tiff, TIFFTAG_XRESOLUTION, 204.0);
+        TIFFSetField(tiff, TIFFTAG_YRESOLUTION, 196.0);
+        for (int row = 0; row < page.height(); ++row)
+            isWritten = isWritten && TIFFWriteScanline(tiff, page.scanLine(row), uint32_t(row)) == 1;
+        isWritten = isWritten && TIFFWriteDirectory(tiff) == 1;
+    }
+    if (tiff)
+        TIFFClose(tiff);
+    return isWritten;
+}
+
+/// Notes when its widget has been painted.
+class PaintWatch final : public QObject
+{
+public:
+    bool bPainted = false;
+
+private:
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (event->type() != QEvent::Paint)
+            return false;
+        object->removeEventFilter(this);
+        QCoreApplication::sendEvent(object, event);
+        object->installEventFilter(this);
+        bPainted = true;
+        return true;
+    }
+};
+
+/// The preview pane in a window of its own, on a fax of many pages.
+struct ShownFax
+{
+    ShownFax()
+        : mailbox(fakes.message, fakes.clock)
+        , pane(mailbox)
+    {
+        if (!WriteFax(strFile))
+            qFatal("The fax could not be written.");
+        profile.InsertReceivedFax("A", {{"fileName", "A.tif"}});
+        mailbox.LoadFaxFolderTree();
+        mailbox.SelectFolder("1001");
+        pane.resize(lPaneWidth, lPaneHeight);
+        pane.show();
+        pane.activateWindow();
+        pane.Canvas().setFocus();
+        if (!QTest::qWaitForWindowActive(&pane))
+            qFatal("The window does not become active.");
+        pane.Canvas().viewport()->installEventFilter(&watch);
+    }
+
+    /// Milliseconds from a key of the preview to the end of its painting.
+    double TimeOfKey(Qt::Key key)
+    {
+        watch.bPainted = false;
+        const auto start = std::chrono::steady_clock::now();
+        QTest::keyClick(&pane.Canvas(), key, Qt::AltModifier);
+        while (!watch.bPainted)
+            QCoreApplication::processEvents();
+        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    }
+
+    Profile profile;
+    const QString strFile = Global().strInputBoxPath + "A.tif";
+    FakePorts fakes;
+    ShownMailbox mailbox;
+    PreviewPane pane;
+    PaintWatch watch;
+};
+
+/// Milliseconds for one page by the two libraries alone.
+double TimeOfLibraries(const QString &file, int number, const QSize &view, bool isSmooth)
+{
+    QImage screen(view, QImage::Format_RGB32);
+    const auto start = std::chrono::steady_clock::now();
+    FIMULTIBITMAP *fax = FreeImage_OpenMultiBitmap(FIF_TIFF, QFile::encodeName(file).constData(), FALSE, TRUE,
+                                                   FALSE, TIFF_DEFAULT);
+    FIBITMAP *page = FreeImage_LockPage(fax, number);
+    FreeImage_FlipVertical(page);
+    QImage picture(FreeImage_GetBits(page), static_cast<int>(FreeImage_GetWidth(page)),
+                   static_cast<int>(FreeImage_GetHeight(page)), static_cast<int>(FreeImage_GetPitch(page)),
+                   QImage::Format_Mono);
+    picture.setColorTable({0xff000000, 0xffffffff});
+    QPainter painter(&screen);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, isSmooth);
+    const double visible = double(view.height()) * picture.width() / view.width();
+    painter.drawImage(QRectF(screen.rect()), picture, QRectF(0, 0, picture.width(), visible));
+    painter.end();
+    FreeImage_UnlockPage(fax, page, FALSE);
+    FreeImage_CloseMultiBitmap(fax, 0);
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+double Median(std::vector<double> times)
+{
+    std::sort(times.begin(), times.end());
+    return times.at(times.size() / 2);
+}
+
+/// Page by page in turn, so that what else the machine does hits each way.
+void NextPage(benchmark::State &state)
+{
+    ShownFax fax;
+    const QSize view = fax.pane.Canvas().viewport()->size();
+    std::vector<double> preview, least, smooth;
+    for (auto _ : state) {
+        if (!fax.mailbox.Preview().CanGoForward())
+            fax.TimeOfKey(Qt::Key_Home);
+        const int number = fax.mailbox.Preview().PreviewPage() + 1;
+        preview.push_back(fax.TimeOfKey(Qt::Key_Down));
+        if (fax.mailbox.Preview().PreviewPage() != number || !fax.mailbox.Preview().HasImage())
+            state.SkipWithError("The key has not shown the next page.");
+        least.push_back(TimeOfLibraries(fax.strFile, number, view, false));
+        smooth.push_back(TimeOfLibraries(fax.strFile, number, view, true));
+        state.SetIterationTime(preview.back() / 1000);
+    }
+    state.counters["median_ms"] = Median(preview);
+    state.counters["worst_ms"] = *std::max_element(preview.begin(), preview.end());
+    state.counters["least_ms"] = Median(least);
+    state.counters["smooth_ms"] = Median(smooth);
+    state.counters["ratio_least"] = Median(preview) / Median(least);
+    state.counters["ratio_smooth"] = Median(preview) / Median(smooth);
+}
+BENCHMARK(NextPage)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(200)->Repetitions(3);
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QApplication application(argc, argv);
+    TIFFSetErrorHandler(nullptr);
+    TIFFSetWarningHandler(nullptr);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
