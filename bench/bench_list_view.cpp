@@ -84,7 +84,7 @@ struct ShownOffice
 
     Profile profile;
     FakePorts ports;
-    ShownMailbox mailbox{ports.message, ports.clock};
+    ShownMailbox mailbox{ports.message, ports.clock, ports.ids};
     frmMain window{mailbox, ports.message};
 };
 

@@ -32,7 +32,7 @@ struct Office
 
     Profile profile;
     FakePorts ports;
-    ShownMailbox mailbox{ports.message, ports.clock};
+    ShownMailbox mailbox{ports.message, ports.clock, ports.ids};
 };
 
 /// One for all benchmarks that leave it as it was.
