@@ -70,7 +70,7 @@ void AddressSync::GetServerData()
     if (!scope)
         return;
     const auto end = qScopeGuard([this] { rooms.session.lPendingCommand = pndNone; });
-    bSyncFailed = false;
+    SyncFailed = false;
     strError.clear();
     if (!rooms.session.ConnectToServer()) {
         if (!IsEnded())
@@ -90,7 +90,7 @@ void AddressSync::Run()
         LoadContacts();
     if (IsEnded())
         return;
-    if (!bSyncFailed)
+    if (!SyncFailed)
         StoreVersions();
     Ask(pndFaxConfig, &clsClient::GetFaxConfigAndKeepTouckTime);
     if (!IsEnded())
@@ -212,7 +212,7 @@ void AddressSync::Ask(PendingCommand pending, void (clsClient::*request)())
     (session.BeginCommand(pending).*request)();
     const WaitEnd end = session.WaitForServerReply(); // ends at once without a connection
     if (end != WaitEnd::Replied || !session.IsConnected())
-        bSyncFailed = true;
+        SyncFailed = true;
     if (end == WaitEnd::Failed && strError.isEmpty())
         strError = session.HandlerError();
 }

@@ -88,5 +88,6 @@ private:
     SyncRooms rooms;
     QStringList LocalVersions; ///< group, contact, user list, department
     QString strError;          ///< the first error of the run, for the user; empty for none
-    bool bSyncFailed = false;  ///< a step failed: the stored versions stay, and the next run fetches again
+    bool SyncFailed = false;   ///< a step failed: the stored versions stay, and the next run fetches again
+    bool bStoring = false;     ///< a list is being written
 };

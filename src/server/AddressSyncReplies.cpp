@@ -11,6 +11,7 @@
 #include "server/wire/clsClient.h"
 
 #include <QCoreApplication>
+#include <QScopeGuard>
 
 namespace {
 
@@ -52,6 +53,10 @@ void AddressSync::HandleListReply(const AddressList &list, const ClientReply &re
         ShowListProgress(reply.lPercent);
         return;
     }
+    if (bStoring) { // in the events that run between the rows of a list: nobody has asked for this
+        rooms.session.MarkOutOfStep();
+        return;
+    }
     const AddressListReply cut(reply.abData);
     const bool isStored = cut.IsWhole() && StoreList(list, cut);
     if (isStored && !cut.Lines().isEmpty())
@@ -60,13 +65,15 @@ void AddressSync::HandleListReply(const AddressList &list, const ClientReply &re
     rooms.session.SignalServerReply();
     if (isStored || IsEnded())
         return;
-    bSyncFailed = true;
+    SyncFailed = true;
     ports.message.ShowMessage(QCoreApplication::translate("Session", "Unexpected data received from server!"),
                               mbExclamation);
 }
 
 bool AddressSync::StoreList(const AddressList &list, const AddressListReply &cut)
 {
+    bStoring = true;
+    const auto stored = qScopeGuard([this] { bStoring = false; });
     qint64 since = ports.clock.Milliseconds();
     const auto goOn = [this, &since] {
         if (ports.clock.Milliseconds() - since < lLongestStretch)

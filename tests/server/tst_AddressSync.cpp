@@ -2,6 +2,8 @@
 #include "core/RaisedError.h"
 #include "fixtures/SessionBench.h"
 #include "fixtures/TestTable.h"
+#include "server/AddressList.h"
+#include "server/AddressStore.h"
 #include "server/AddressSync.h"
 #include "server/ReturnReceipts.h"
 
@@ -127,6 +129,16 @@ private slots:
         QCOMPARE(bench->progress.Text(), QString("Completed."));
         QTEST(bench->ports.prompts.Texts(), "boxes");
         QCOMPARE(bench->desktop.addressTree.lLoads, column.startsWith("Contact") ? 1 : 0);
+    }
+
+    void stoppedListKeepsItsRows()
+    {
+        int rows = 0;
+        const AddressListReply cut(Reply("d1|A|\nd2|B|\nd3|C|\n"));
+        const auto result =
+            AddressStore::Replace(AddressList::Departments(), cut.Lines(), [&] { return ++rows < 3; });
+        QCOMPARE(result, AddressStore::Result::Stopped);
+        QCOMPARE(Profile::Value("Select group_concat(ID) From UserDepartment"), QString("d1,d2"));
     }
 
     void brokenVersionReply_data()

@@ -4,11 +4,17 @@
 #include "server/forms/ProgressModel.h"
 #include "ui_frmProcess.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QHeaderView>
+#include <QTimer>
 #include <QWindow>
 
 #include <algorithm>
+
+namespace {
+constexpr int lModalPause = 100; // milliseconds
+}
 
 /// The pictures of a static library are dropped unless somebody asks for them.
 static void InitPictures()
@@ -67,6 +73,13 @@ void frmProcess::closeEvent(QCloseEvent *event)
 
 void frmProcess::ShowOver(bool owned)
 {
+    if (QApplication::activeModalWidget()) { // a question of the run would be covered
+        QTimer::singleShot(lModalPause, this, [this, owned] {
+            if (progress.IsVisible() && !isVisible())
+                ShowOver(owned);
+        });
+        return;
+    }
     ShowControls();
     ShowRows();
     winId(); // makes the native window, which has the owner

@@ -6,6 +6,7 @@
 #include "server/forms/frmProcess.h"
 
 #include <QAbstractItemModelTester>
+#include <QDialog>
 #include <QIcon>
 #include <QLabel>
 #include <QProgressBar>
@@ -156,6 +157,18 @@ private slots:
         progress->Unload();
         QTest::mouseClick(Find<QPushButton>("btnCancelOperate"), Qt::LeftButton); // a person need not wait
         QVERIFY(!form->isVisible());
+    }
+
+    void questionOfTheRunIsNotCovered()
+    {
+        progress->Unload();
+        QDialog question;
+        question.setModal(true);
+        question.show();
+        progress->Show();
+        QVERIFY(!form->isVisible());
+        question.close();
+        QTRY_VERIFY(form->isVisible());
     }
 
     void synchronisationKeepsOneRow()
