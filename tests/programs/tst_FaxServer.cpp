@@ -332,6 +332,8 @@ private slots:
         state.remove(1);
         QCOMPARE(state, (QByteArrayList{"4", '[' + ben + "];", "4;4;", "\"Shop\"<123>;", ""}));
         QVERIFY(anna.Fetch(id) == file);
+        QCOMPARE(anna.Fields(History("0;1;0;0")), (QByteArrayList{id, QByteArray::number(file.size()), "4"}));
+        QCOMPARE(anna.Ask(Number(10) + "yesterday;today" + '\0' + "1;1;1;1"), Refused(22));
 
         RawClient other(*server);
         QCOMPARE(other.LogIn("ben", abBen), abOk);
@@ -364,24 +366,6 @@ private slots:
         states = anna.Ask(Counted(20, mine[0] + ';'));
         QCOMPARE(states.count(",1;"), 2);
         QVERIFY(anna.Ask(Counted(20, mine[2] + ';')).endsWith("\1,0;\r\n"));
-    }
-
-    void historyFollowsRangeAndFlags()
-    {
-        StartWithFaxes(2);
-        RawClient client(*server);
-        QCOMPARE(client.LogIn("anna", abAnna), abOk);
-        QCOMPARE(client.Ask(Counted(8, "1;")), abOk);
-        const QByteArray bad = client.Ask(Number(12) + Number(4) + "text").mid(4);
-        QCOMPARE(client.Fields(Counted(9, bad)).value(1), QByteArray("6")); // no fax
-        QCOMPARE(client.List(History("1;1;1;1")).size(), 3);
-        QCOMPARE(client.List(History("1;1;0;1")).size(), 2);
-        QCOMPARE(client.Fields(History("0;0;1;0")), (QByteArrayList{bad, "4", "6"}));
-        QCOMPARE(client.Ask(History("0;0;0;1")).right(4), QByteArray("\0"
-                                                                     "9\r\n",
-                                                                     4));
-        QCOMPARE(client.List(Number(10) + "1900-01-01;2000-01-01" + '\0' + "1;1;1;1").size(), 0);
-        QCOMPARE(client.Ask(Number(10) + "yesterday;today" + '\0' + "1;1;1;1"), Refused(22));
     }
 
     void hostileInputEndsOneConnectionOnly()

@@ -260,6 +260,11 @@ private slots:
         session().BeginCommand(pndReceiptStates).GetReturnReceiptState("F1;");
         QCOMPARE(session().WaitForServerReply(), WaitEnd::Replied);
         QCOMPARE(lReplies, 1);
+        CountReplies(pndContacts); // whole in one read, and told as a part and as complete
+        bench->SayLong(QByteArray(3000, 'a'));
+        session().BeginCommand(pndContacts).GetPublicContacts();
+        QCOMPARE(session().WaitForServerReply(), WaitEnd::Replied);
+        QCOMPARE(lReplies, 1);
     }
 
     void serverSettingsAreStored()

@@ -80,17 +80,13 @@ private slots:
         QTest::keyClick(Check("chkAutoLogin"), Qt::Key_Space);
         QTest::keyClick(Check("chkRememberPwd"), Qt::Key_Space);
         QVERIFY(!Check("chkAutoLogin")->isChecked());
-        QTest::mouseClick(Button("btnLogin"), Qt::LeftButton);
-        Server().AcceptConnection();
-        Greet();
-        QVERIFY(Server().TakeWrite().endsWith("bert\r\n" + QByteArray(32, 'B')));
-        Server().FeedShort("ERR\r\n1\r\n");
-        QCOMPARE(form->focusWidget(), Account());
         QTest::keyClick(Edit("txtPwd"), Qt::Key_X);
         QTest::mouseClick(Button("btnLogin"), Qt::LeftButton);
         Server().AcceptConnection();
         Greet();
         QVERIFY(!Server().TakeWrite().contains("BBB")); // digested as typed text
+        Server().FeedShort("ERR\r\n1\r\n");
+        QCOMPARE(form->focusWidget(), Account());
     }
 
     void missingInputIsAskedForAndGetsTheFocus()
