@@ -120,28 +120,20 @@ private slots:
         QCOMPARE(ben.mailbox.SelectedRow(), ben.RowOf("offline"));
     }
 
-    void refusalEmptiesTheQueue()
+    void refusalEmptiesTheQueueAndAFetchOnlyDelaysIt()
     {
-        QVERIFY(Begin({"fax"}, "on 19 refuse 22"));
+        QVERIFY(Begin({"refused", "first"}, "on 19 once refuse 22\non 7 #3+ delay 300 answer"));
         Reader anna(*server, home->path(), "anna");
         anna.Fetch();
-        anna.Read("fax");
+        anna.Read("refused");
         QCOMPARE(Reader::Queued(), 1);
         QVERIFY(anna.Sends());
-    }
-
-    void faxReadDuringAFetchIsToldAfterIt()
-    {
-        QVERIFY(Begin({"first"}, "on 7 #2+ delay 300 answer"));
-        Reader anna(*server, home->path(), "anna");
-        anna.Fetch();
         QVERIFY(server->Deliver("anna", {server->MakeFax("second.tif", 3, 200000)}));
         QTimer::singleShot(100, [&] { anna.Read("first"); });
         anna.Fetch();
         QVERIFY(anna.RowOf("second") > 0);
         QCOMPARE(Reader::Queued(), 1);
         QVERIFY(anna.Sends());
-        QVERIFY(!anna.client.session.bIsSocketBusy && anna.client.desktop.mainWindow.bEnabled);
     }
 
 private:
