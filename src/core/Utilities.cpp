@@ -125,23 +125,6 @@ QString UnescapeText(const QString &text)
     return QString(text).replace(escapedApostrophe, QLatin1StringView("'"));
 }
 
-QString GetShownText(const QString &text)
-{
-    constexpr qsizetype longest = 500; // fills a wide screen
-    QString shown = text.left(longest);
-    for (QChar &character : shown) {
-        const QChar::Category category = character.category();
-        if (category == QChar::Other_Control || category == QChar::Separator_Line ||
-            category == QChar::Separator_Paragraph)
-            character = ' ';
-    }
-    if (text.size() <= longest)
-        return shown;
-    if (shown.back().isHighSurrogate())
-        shown.chop(1);
-    return shown + QChar(0x2026);
-}
-
 QString NewFaxID(Ids &ids, Message &message)
 {
     constexpr qsizetype guidSize = 16;

@@ -64,9 +64,6 @@ QDateTime ToDateTime(const QString &text);
 QString EscapeText(const QString &text);
 /// The way back.
 QString UnescapeText(const QString &text);
-/// A text from outside as it is shown on one line: characters that control or end lines become blanks, and of
-/// a very long text the beginning stands with "…" behind.
-QString GetShownText(const QString &text);
 /// 32 upper-case hexadecimal digits. A failure shows "Error while creating GUID!" and gives "".
 QString NewFaxID(Ids &ids, Message &message);
 /// True for 1 to 64 letters, digits, "-" or "_": what may become a file name or part of a statement.

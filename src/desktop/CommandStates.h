@@ -35,6 +35,7 @@ States SetGridCommands(const GridInput &input);
 
 /// The commands on the selected folder, null for none.
 States SetFolderCommands(const FolderNode *node);
+/// The commands on the whole Recycle bin.
 States SetRecycleBinCommands(bool isEmpty);
 
 /// The menu item that a tool bar button, or an item of the list's or page's own menu, runs; empty for any

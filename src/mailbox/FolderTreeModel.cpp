@@ -1,9 +1,9 @@
 #include "mailbox/FolderTreeModel.h"
 
 #include "core/ModelRoles.h"
-#include "core/Utilities.h"
 #include "mailbox/FolderRules.h"
 #include "mailbox/FolderTree.h"
+#include "mailbox/ShownText.h"
 
 #include <QMimeData>
 
@@ -77,9 +77,9 @@ QVariant FolderTreeModel::data(const QModelIndex &index, int role) const
         return {};
     switch (role) {
     case Qt::DisplayRole:
-        return GetShownText(node->strText);
+        return ToListText(node->strText);
     case Qt::AccessibleTextRole: {
-        const QString text = GetShownText(node->strText);
+        const QString text = ToListText(node->strText);
         return node->lUnread > 0 ? tr("%1, %n unread", nullptr, static_cast<int>(node->lUnread)).arg(text)
                                  : text;
     }

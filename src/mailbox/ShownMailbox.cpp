@@ -2,8 +2,8 @@
 
 #include "core/Globals.h"
 #include "core/Message.h"
-#include "core/Utilities.h"
 #include "core/ports/Clock.h"
+#include "mailbox/ShownText.h"
 
 namespace {
 
@@ -272,6 +272,6 @@ void ShownMailbox::ApplyDates()
 
 QString ShownMailbox::labFolderTip() const
 {
-    return "    " + GetShownText(GetTreeItemText(selected)) + "  " + dates.YearText() + "  " +
+    return "    " + ToListText(GetTreeItemText(selected)) + "  " + dates.YearText() + "  " +
            dates.PressedCaption();
 }

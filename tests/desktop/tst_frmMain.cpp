@@ -368,6 +368,19 @@ private slots:
         QTRY_VERIFY(Get<QWidget>("picPreview").height() > 50);
     }
 
+    void maximisedWindowComesBack()
+    {
+        window->showMaximized();
+        QTRY_VERIFY(window->isMaximized() && window->height() > 700);
+        Get<QSplitter>("picHSource_2").setSizes({500, 150});
+        const int height = Get<QWidget>("picPreview").height();
+        window->close();
+        QCOMPARE(Setting("Main_Width"), QString());
+        OpenWindow();
+        QVERIFY(window->isMaximized());
+        QTRY_COMPARE(Get<QWidget>("picPreview").height(), height);
+    }
+
     void closeDuringTheLogOffIsPassedOver()
     {
         int closings = 0;

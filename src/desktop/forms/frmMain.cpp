@@ -150,6 +150,7 @@ void frmMain::SetUpFolderCommands()
     tvFolder->addActions({ui->mnuAddFolder, ui->mnuEditFolder, ui->mnuDeleteFolder});
     connect(&mailbox, &ShownMailbox::FolderSelected, this, &frmMain::SetFolderCommands);
     connect(&mailbox.Folders(), &FolderTree::Moved, this, &frmMain::SetFolderCommands);
+    connect(&mailbox.Folders(), &FolderTree::Moved, this, &frmMain::SetGridCommands); // another branch
     connect(ui->mnuFolder, &QMenu::aboutToShow, this, [this] {
         RunGuarded("IsRecycleBinEmpty", [this] {
             commands->Apply(CommandStates::SetRecycleBinCommands(FolderTree::IsRecycleBinEmpty()));
@@ -290,9 +291,9 @@ void frmMain::closeEvent(QCloseEvent *event)
     RunGuarded("Form_Unload", [this] {
         DeleteLeftovers(Global().strOutputBoxPath);
         StoreLayout();
-        if (closing)
-            closing();
     });
+    if (closing) // whatever failed above: nothing else ends the program
+        RunGuarded("Form_Unload", closing);
     event->accept();
 }
 

@@ -1,6 +1,7 @@
 #include "programs/client/MainStage.h"
 
 #include "core/Globals.h"
+#include "core/Message.h"
 #include "core/ports/Instance.h"
 #include "core/ports/Ports.h"
 #include "core/ports/Timer.h"
@@ -18,8 +19,8 @@ MainStage::MainStage(Ports &ports, Forms &forms, std::function<void()> ended)
     , window(mailbox, ports.message)
     , faxViewer(mailbox, ports, [&forms](const QString &id) { forms.EditDraft(id); })
     , help(ports, QCoreApplication::applicationVersion())
-    , outsideFile(ports.blocks, ports.instance)
-    , server(ports, window, mailbox, forms, [this, &forms] { return outsideFile.Take(forms.Count()); })
+    , server(ports, window, mailbox, forms,
+             [this, &forms] { return outsideFile ? outsideFile->Take(forms.Count()) : QString(); })
     , progressWindow(server.progress, &window)
 {
     QObject::connect(&ports.instance, &Instance::RaiseRequested, &window, [this] { window.Raise(); });
@@ -70,6 +71,8 @@ void MainStage::ConnectCommands()
 void MainStage::Show()
 {
     bLoaded = true;
+    ports.message.RunGuarded("error in frmMain Load",
+                             [this] { outsideFile.emplace(ports.blocks, ports.instance); });
     window.Load();
 }
 

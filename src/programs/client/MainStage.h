@@ -9,6 +9,7 @@
 #include "server/forms/frmProcess.h"
 
 #include <functional>
+#include <optional>
 
 class Forms;
 struct Ports;
@@ -41,7 +42,7 @@ private:
     frmMain window;
     FaxViewer faxViewer;
     HelpCommands help;
-    OutsideFile outsideFile;
+    std::optional<OutsideFile> outsideFile; ///< unset where the system refuses it: the rest works without
     ServerParts server;
     frmProcess progressWindow;
     bool bLoaded = false;
