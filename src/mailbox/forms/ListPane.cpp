@@ -163,7 +163,7 @@ void ListPane::ShowHint()
         grdFaxList->SetHint(
             tr("No faxes in this folder from %1 to %2.\nChoose \"All faxes\" above to see the others.")
                 .arg(day(dates.FirstDay()), day(dates.LastDay())));
-    else if (mailbox.SelectedNode()->Family == FolderFamily::Received)
+    else if (mailbox.SelectedFolder() == "1001")
         grdFaxList->SetHint(tr("No faxes in this folder.\nPress F9 to fetch new ones from the server."));
     else
         grdFaxList->SetHint(tr("No faxes in this folder."));
