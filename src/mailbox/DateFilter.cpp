@@ -11,6 +11,7 @@ constexpr int lYearsListed = 10;
 
 DateFilter::DateFilter(QDate day)
     : today(day)
+    , lNewestYear(day.year())
 {
 }
 
@@ -18,7 +19,7 @@ QStringList DateFilter::Years() const
 {
     QStringList years{QCoreApplication::translate("mailbox", "All faxes")};
     for (int i = 0; i < lYearsListed; ++i)
-        years.append(QString::number(today.year() - i));
+        years.append(QString::number(lNewestYear - i));
     return years;
 }
 

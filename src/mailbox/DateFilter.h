@@ -8,9 +8,12 @@
 class DateFilter
 {
 public:
-    explicit DateFilter(QDate today);
+    /// Lists the years up to that of `day`.
+    explicit DateFilter(QDate day);
+    /// The program may run for weeks: the months up to that of `day` are enabled.
+    void SetToday(QDate day) { today = day; }
 
-    /// "All faxes", then ten years from the current one back.
+    /// "All faxes", then ten years, newest first.
     QStringList Years() const;
     int YearIndex() const { return lYear; } ///< 0 for all faxes
     QString YearText() const;               ///< empty for all faxes
@@ -38,10 +41,11 @@ public:
     QDate LastDay() const { return first.isValid() ? end.addDays(-1) : QDate(); }
 
 private:
-    int Year() const { return today.year() - lYear + 1; }
+    int Year() const { return lNewestYear - lYear + 1; }
     void SetRange(QDate from, QDate to);
 
     QDate today;
+    int lNewestYear; ///< of those listed
     int lYear = 0;
     int lMonth = -1;
     QDate first;

@@ -63,11 +63,6 @@ int FaxList::UnreadCount() const
         std::count_if(aRows.begin(), aRows.end(), [](const FaxRow &row) { return !row.bRead; }));
 }
 
-void FaxList::Clear()
-{
-    Replace({});
-}
-
 void FaxList::LoadSummary(const FaxListQueries::Subtrees &subtrees, const QString &dateRange)
 {
     Rows rows;

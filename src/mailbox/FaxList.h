@@ -32,7 +32,6 @@ public:
     QString QuotedIds() const;
     int UnreadCount() const;
 
-    void Clear();
     /// Fills the list for mode 0.
     void LoadSummary(const FaxListQueries::Subtrees &subtrees, const QString &dateRange);
     /// Fills the list for modes 1 to 7. `clearFirst` false adds on top what is not listed yet.

@@ -13,8 +13,9 @@ constexpr const char *strRecountStatus = QT_TRANSLATE_NOOP("ShownMailbox", "Tota
 
 } // namespace
 
-ShownMailbox::ShownMailbox(Message &messageBox, const Clock &clock, Ids &ids)
+ShownMailbox::ShownMailbox(Message &messageBox, const Clock &systemClock, Ids &ids)
     : message(messageBox)
+    , clock(systemClock)
     , changes(*this, folders, messageBox, ids)
     , dates(clock.Now().date())
     , marks(*this, messageBox)
@@ -137,6 +138,7 @@ void ShownMailbox::LoadGridItem(const QString &key, int mode, const QString &ext
             LoadSummary();
         else
             list.LoadFaxes({key, mode, extraFilter, allFolders, {}, dates.Text()}, clearFirst);
+        narrowing = {dates.FirstDay(), dates.LastDay(), !extraFilter.isEmpty()};
         SelectAfterLoad(previousFax);
         emit CommandsChanged();
     });
@@ -250,6 +252,7 @@ void ShownMailbox::ResetPreview()
 
 void ShownMailbox::SelectYear(int index)
 {
+    dates.SetToday(clock.Now().date());
     dates.SelectYear(index);
     ApplyDates();
 }

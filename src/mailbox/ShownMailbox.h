@@ -35,6 +35,15 @@ public:
     const FaxPreview &Preview() const { return preview; }
     ReadMarks &Marks() { return marks; }
     const DateFilter &Dates() const { return dates; }
+    /// What the list was narrowed to when it was loaded. The range may have changed since: the Recycle bin is
+    /// not loaded again.
+    struct Narrowing
+    {
+        QDate firstDay; ///< invalid for all faxes
+        QDate lastDay;
+        bool bFiltered = false; ///< by a further condition
+    };
+    const Narrowing &ListNarrowing() const { return narrowing; }
 
     /// Loads the folders of the open profile and selects the first one.
     void LoadFaxFolderTree();
@@ -106,7 +115,6 @@ signals:
 private:
     void Trap(const QString &heading, const std::function<void()> &run);
     void Guard(const QString &routine, const std::function<void()> &run);
-    void LoadList(const FaxListQueries::Selection &selection, bool clearFirst);
     void LoadSummary();
     void ShowFolder(FolderNode *node);
     void LeaveFolder(const FolderNode *removed);
@@ -124,11 +132,13 @@ private:
     void ApplyDates();
 
     Message &message;
+    const Clock &clock;
     FolderTree folders;
     FolderChanges changes;
     FaxList list;
     FaxPreview preview;
     DateFilter dates;
+    Narrowing narrowing;
     ReadMarks marks;
     FolderNode *selected = nullptr;
     QStringList aSelected;

@@ -70,6 +70,11 @@ private slots:
         mailbox->ReloadCurrentFolder(true);
         QCOMPARE(mailbox->RowCount(), 1);
         QCOMPARE(mailbox->GetFaxTable(), 0);
+        mailbox->SelectYear(2);
+        QCOMPARE(mailbox->RowCount(), 1);
+        QVERIFY(!mailbox->ListNarrowing().firstDay.isValid()); // the list is not of that year
+        mailbox->SelectFolder("1008");
+        QCOMPARE(mailbox->ListNarrowing().lastDay, QDate(2025, 12, 31));
     }
 
     void savedFaxesChangeTheListTheyAreIn_data()
@@ -206,6 +211,9 @@ private slots:
         QCOMPARE(dates.Text(), "");
         dates.SelectYear(1);
         QVERIFY(dates.IsMonthEnabled(2) && !dates.IsMonthEnabled(3));
+        dates.SetToday(QDate(2027, 1, 1)); // the program still runs
+        QVERIFY(dates.IsMonthEnabled(11));
+        QCOMPARE(dates.YearText(), "2026");
         dates.SelectYear(2);
         QCOMPARE(dates.Text(), " between '2025-01-01' and '2026-01-01' ");
         dates.ClickMonth(11);

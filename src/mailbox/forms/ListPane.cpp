@@ -135,7 +135,7 @@ void ListPane::FillSortMenu()
                                 [this, column] { Sort(column); });
     }
     if (sortMenu->isEmpty())
-        sortMenu->addAction(tr("(no faxes in this folder)"))->setEnabled(false);
+        sortMenu->addAction(tr("(the summary keeps its order)"))->setEnabled(false);
 }
 
 void ListPane::Sort(int column)
@@ -155,18 +155,27 @@ void ListPane::ShowTip()
 
 void ListPane::ShowHint()
 {
-    const DateFilter &dates = mailbox.Dates();
+    grdFaxList->SetHint(mailbox.SelectedNode() ? WhyEmpty() : tr("Choose a folder to see its faxes."));
+}
+
+QString ListPane::WhyEmpty() const
+{
+    const ShownMailbox::Narrowing &narrowing = mailbox.ListNarrowing();
+    if (!narrowing.firstDay.isValid()) {
+        if (narrowing.bFiltered)
+            return tr("No fax matches the search.");
+        return mailbox.SelectedFolder() == "1001"
+                   ? tr("No faxes in this folder.\nPress F9 to fetch new ones from the server.")
+                   : tr("No faxes in this folder.");
+    }
     const auto day = [](QDate date) { return QLocale().toString(date, QLocale::ShortFormat); };
-    if (!mailbox.SelectedNode())
-        grdFaxList->SetHint(tr("Choose a folder to see its faxes."));
-    else if (dates.FirstDay().isValid())
-        grdFaxList->SetHint(
-            tr("No faxes in this folder from %1 to %2.\nChoose \"All faxes\" above to see the others.")
-                .arg(day(dates.FirstDay()), day(dates.LastDay())));
-    else if (mailbox.SelectedFolder() == "1001")
-        grdFaxList->SetHint(tr("No faxes in this folder.\nPress F9 to fetch new ones from the server."));
-    else
-        grdFaxList->SetHint(tr("No faxes in this folder."));
+    const QString why = narrowing.bFiltered ? tr("No fax from %1 to %2 matches the search.")
+                                            : tr("No faxes in this folder from %1 to %2.");
+    // The list of the Recycle bin does not follow the range at once.
+    const QString remedy = mailbox.SelectedNode()->Family == FolderFamily::Recyle
+                               ? tr("Choose \"All faxes\" above and open the folder again to see the others.")
+                               : tr("Choose \"All faxes\" above to see the others.");
+    return why.arg(day(narrowing.firstDay), day(narrowing.lastDay)) + "\n" + remedy;
 }
 
 // Selection

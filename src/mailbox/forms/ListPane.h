@@ -44,6 +44,7 @@ private:
     void Sort(int column);
     void ShowTip();
     void ShowHint();
+    QString WhyEmpty() const;
     /// Rows of the list, from 1, in their order.
     std::vector<int> SelectedRows() const;
     void FollowMailbox(int row);
