@@ -4,6 +4,9 @@
 #include "core/Utilities.h"
 #include "mailbox/FaxFiles.h"
 #include "mailbox/FaxRow.h"
+#include "mailbox/ShownText.h"
+
+#include <QScopeGuard>
 
 namespace {
 
@@ -19,7 +22,9 @@ void FaxPreview::LoadFaxPreview(const QString &id, int faxTable)
 {
     header = {};
     strPreviewFile.clear();
+    auto resetOnError = qScopeGuard([this] { ResetPreview(false); });
     ReadHeader(id, faxTable);
+    resetOnError.dismiss();
     ShowPreviewPage();
 }
 
@@ -67,7 +72,7 @@ QString FaxPreview::WhyNoPage() const
         return tr("This fax has no pages yet.");
     const QString problem = FileExists(strPreviewFile) ? tr("The file of this fax cannot be read:")
                                                        : tr("The file of this fax is missing:");
-    return problem + "\n" + header.strFileName;
+    return problem + "\n" + ToListText(header.strFileName);
 }
 
 void FaxPreview::EmitAll()

@@ -23,7 +23,7 @@ public:
     };
 
     /// Reads the fax from its table, 0 `ReceiveFax` or 1 `SendFax`, and shows its first page upright. A fax
-    /// without a file that can be shown resets the preview. Raises the errors of the database.
+    /// without a file that can be shown resets the preview. Raises the errors of the database, after a reset.
     void LoadFaxPreview(const QString &id, int faxTable);
     /// Empties the pane. `toDefaults` also forgets the zoom.
     void ResetPreview(bool toDefaults);

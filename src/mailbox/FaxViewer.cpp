@@ -8,6 +8,7 @@
 #include "mailbox/FaxFiles.h"
 #include "mailbox/FaxRow.h"
 #include "mailbox/ShownMailbox.h"
+#include "mailbox/ShownText.h"
 
 FaxViewer::FaxViewer(ShownMailbox &shownMailbox, const Ports &systemPorts,
                      std::function<void(const QString &)> composer)
@@ -39,20 +40,20 @@ void FaxViewer::mnuViewFax()
 bool FaxViewer::Open(const QString &path, const Ports &ports)
 {
     constexpr int showNormal = 1;
-    const auto refuse = [&ports](const QString &text) {
-        ports.message.ShowMessage(text, mbExclamation);
+    const auto refuse = [&ports](const QString &text, const QString &file) {
+        ports.message.ShowMessage(text + "\n" + ToListText(file), mbExclamation);
         return false;
     };
     const QString viewer = AppPath(ports.folders) + "VelmarBrowser.exe";
     if (!FileExists(path))
-        return refuse(tr("The file of this fax is missing:\n%1").arg(path));
+        return refuse(tr("The file of this fax is missing:"), path);
     if (!FileExists(viewer))
-        return refuse(tr("The viewer program is not installed:\n%1").arg(viewer));
+        return refuse(tr("The viewer program is not installed:"), viewer);
     const QString shown = FileForViewer(path);
     if (shown.isEmpty())
-        return refuse(tr("The file of this fax could not be copied for the viewer:\n%1").arg(path));
+        return refuse(tr("The file of this fax could not be copied for the viewer:"), path);
     if (!ShellOpen(ports.shell, viewer, "Open", {"/Brenmot", shown}, {}, showNormal))
-        return refuse(tr("The viewer program could not be started:\n%1").arg(viewer));
+        return refuse(tr("The viewer program could not be started:"), viewer);
     return true;
 }
 

@@ -88,6 +88,12 @@ private slots:
         QCOMPARE(window->windowTitle(), "Velmar Client");
         SelectInTree("Draft");
         QCOMPARE(Get<QTreeView>("grdFaxList").model()->rowCount(), 0);
+        QCOMPARE(Get<QTreeView>("grdFaxList").accessibleDescription(), "No faxes in this folder.");
+        mailbox->SelectYear(1);
+        QVERIFY(Get<QTreeView>("grdFaxList").accessibleDescription().contains(" from "));
+        mailbox->NotifySaveFax(3, false, " and title='Offer'");
+        QVERIFY(Get<QTreeView>("grdFaxList").accessibleDescription().contains("matches the search"));
+        mailbox->SelectYear(0);
         QVERIFY(!Get<PageCanvas>("picPreviewImage").HasPage());
         SelectInTree("Incoming");
         auto &grid = Get<QTreeView>("grdFaxList");
@@ -101,6 +107,10 @@ private slots:
         QCOMPARE(Get<QLabel>("labTotals").text(), "Total Faxes: 2  Unread: 2");
         QTest::keyClick(&grid, Qt::Key_Down);
         QCOMPARE(Get<QLineEdit>("txtTitle").text(), "Subject A");
+        Profile::Execute("UPDATE ReceiveFax SET title='Tab\tand\nline', sender='A\x1b'");
+        mailbox->SelectCurrentRow();
+        QCOMPARE(Get<QLineEdit>("txtTitle").text(), "Tab and line");
+        QCOMPARE(Get<QLineEdit>("txtSender").text(), "A ");
         QVERIFY(!Get<QToolButton>("btnPreviousPage").isEnabled());
         Get<QToolButton>("btnNextPage").click();
         QCOMPARE(Get<QLineEdit>("txtPage").text(), "2 / 2");

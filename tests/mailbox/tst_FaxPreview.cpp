@@ -1,4 +1,5 @@
 #include "core/Globals.h"
+#include "core/RaisedError.h"
 #include "fixtures/FaxFile.h"
 #include "fixtures/Profile.h"
 #include "mailbox/FaxFiles.h"
@@ -122,6 +123,18 @@ private slots:
         profile->InsertReceivedFax("JUNK", {{"fileName", "junk.tif"}});
         preview->LoadFaxPreview("JUNK", 0);
         QVERIFY(!preview->HasImage() && !preview->Complaint().isEmpty());
+        profile->InsertReceivedFax("LONG", {{"fileName", QString(1 << 20, 'x')}});
+        preview->LoadFaxPreview("LONG", 0);
+        QVERIFY(preview->Complaint().size() < 1000);
+    }
+
+    void errorLeavesNoOtherFaxOnShow()
+    {
+        Receive("A", {});
+        preview->LoadFaxPreview("A", 0);
+        Profile::Execute("DROP TABLE SendFax");
+        QVERIFY_THROWS_EXCEPTION(RaisedError, preview->LoadFaxPreview("B", 1));
+        QVERIFY(!preview->HasImage() && preview->PageText().isEmpty());
     }
 
     void fileNameStaysInTheFolder()

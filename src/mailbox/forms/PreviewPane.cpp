@@ -3,15 +3,13 @@
 #include "controls/Icons.h"
 #include "controls/PageCanvas.h"
 #include "mailbox/ShownMailbox.h"
+#include "mailbox/ShownText.h"
 #include "ui_PreviewPane.h"
 
 #include <QAction>
 #include <QMenu>
 
 namespace {
-
-/// Nobody reads more of a title; a line edit that shows a text of a megabyte takes long.
-constexpr qsizetype lMostShown = 1000;
 
 /// A single key, which would be taken away from where one types.
 bool IsPlainKey(const QKeySequence &shortcut)
@@ -214,7 +212,7 @@ void PreviewPane::ShowHeader()
 {
     const FaxPreview &preview = mailbox.Preview();
     const auto show = [](QLineEdit *box, const QString &text) {
-        const QString shown = text.size() > lMostShown ? text.left(lMostShown) + "..." : text;
+        const QString shown = ToListText(text);
         if (box->text() == shown)
             return;
         box->setText(shown);
@@ -244,12 +242,13 @@ void PreviewPane::ShowNotice()
     const FaxPreview &preview = mailbox.Preview();
     if (preview.HasImage())
         return;
+    const bool hasFaxes = mailbox.RowCount() > 0 && !mailbox.List().Row(1).IsSummary();
     if (!preview.PageText().isEmpty())
         Canvas().Clear(tr("This page cannot be read."));
     else if (!preview.Complaint().isEmpty())
         Canvas().Clear(preview.Complaint());
     else
-        Canvas().Clear(mailbox.RowCount() > 0 ? tr("Choose a fax to see its pages.") : QString());
+        Canvas().Clear(hasFaxes ? tr("Choose a fax to see its pages.") : QString());
 }
 
 void PreviewPane::ShowBusy(bool isLarge)
