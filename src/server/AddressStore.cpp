@@ -103,6 +103,16 @@ private:
     int lLeftOut = 0;
 };
 
+/// The rows before an error stay, unless the database has rolled back by itself.
+void CommitBeforeError(TransactionScope &transaction)
+{
+    try {
+        transaction.Commit();
+    } catch (const RaisedError &) {
+        // The first error is on its way to the caller.
+    }
+}
+
 AddressStore::Result InsertAsBatch(Inserter &inserter, const QList<QStringView> &lines)
 {
     TransactionScope transaction(*Global().objDB);
@@ -111,7 +121,7 @@ AddressStore::Result InsertAsBatch(Inserter &inserter, const QList<QStringView> 
         transaction.Commit();
         return result;
     } catch (const RaisedError &) {
-        transaction.Commit(); // the rows before the error stay
+        CommitBeforeError(transaction);
         throw;
     }
 }

@@ -135,7 +135,10 @@ bool AddressSync::AcceptServer()
     if (!Global().strServerID.isEmpty()) {
         const QString question = Tr("The specified Velmar Server does not match original server, do you wish "
                                     "to continue?");
-        if (ports.message.ShowMessage(question, mbYesNo | mbQuestion | mbDefaultButton2) != mbAnswerYes) {
+        const long answer = ports.message.ShowMessage(question, mbYesNo | mbQuestion | mbDefaultButton2);
+        if (IsEnded()) // the program's end has closed the box: nobody has refused
+            return false;
+        if (answer != mbAnswerYes) {
             rooms.session.bServerRefused = true;
             return false;
         }
@@ -215,6 +218,7 @@ void AddressSync::Ask(PendingCommand pending, void (clsClient::*request)())
         SyncFailed = true;
     if (end == WaitEnd::Failed && strError.isEmpty())
         strError = session.HandlerError();
+    session.lPendingCommand = pndNone; // what comes unasked meanwhile has no reader
 }
 
 void AddressSync::AskReceipts(void (ReturnReceipts::*step)(bool &sent))
@@ -224,7 +228,8 @@ void AddressSync::AskReceipts(void (ReturnReceipts::*step)(bool &sent))
     bool sent = false;
     (rooms.receipts.*step)(sent);
     if (sent)
-        rooms.session.WaitForServerReply();
+        rooms.session.WaitForServerReply(); // what fails is left for the next run, quietly
+    rooms.session.lPendingCommand = pndNone;
 }
 
 /// A cancel has closed the connection; nothing is sent any more.

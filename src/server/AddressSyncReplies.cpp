@@ -59,7 +59,7 @@ void AddressSync::HandleListReply(const AddressList &list, const ClientReply &re
     }
     const AddressListReply cut(reply.abData);
     const bool isStored = cut.IsWhole() && StoreList(list, cut);
-    if (isStored && !cut.Lines().isEmpty())
+    if (isStored && (!cut.Lines().isEmpty() || rooms.session.lPendingCommand == pndContactGroups))
         ShowListProgress(reply.lPercent);
     rooms.session.bReplyDone = true;
     rooms.session.SignalServerReply();

@@ -173,15 +173,11 @@ void ReturnReceipts::RequestReceiptStates(bool &sent)
 
 void ReturnReceipts::HandleReceiptStateReply(const ClientReply &reply)
 {
-    try {
-        const QStringList lines = AnsiText::FromAnsi(reply.abData).split("\r\n");
-        if (!lines.first().startsWith("OK") || lines.size() < 2)
-            return; // no answer: the watchdog ends the wait
-        if (StoreStates(lines))
-            mailbox.ReloadSelectedFolder();
-    } catch (const RaisedError &) {
-        return; // the same; the next login asks again
-    }
+    const QStringList lines = AnsiText::FromAnsi(reply.abData).split("\r\n");
+    if (!lines.first().startsWith("OK") || lines.size() < 2)
+        return; // no answer: the watchdog ends the wait
+    if (StoreStates(lines))
+        mailbox.ReloadSelectedFolder();
     session.SignalServerReply();
 }
 

@@ -157,11 +157,17 @@ void Session::SetIdleState(bool enabled)
 {
     bIdleState = enabled;
     bIsSocketBusy = !enabled;
-    tmrMarkFax->SetEnabled(enabled);
-    tmrCheckFax->SetEnabled(enabled);
+    SetTimersOn(enabled);
     bReplyDone = enabled;
     mainWindow.SetEnabled(enabled);
     lCheckTicks = 0;
+}
+
+void Session::SetTimersOn(bool on)
+{
+    bTimersOn = on;
+    tmrMarkFax->SetEnabled(on);
+    tmrCheckFax->SetEnabled(on);
 }
 
 void Session::CancelTransfer()

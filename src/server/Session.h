@@ -71,6 +71,9 @@ public:
 
     /// Off: a run owns the connection, the timers stand still and the main window is disabled.
     void SetIdleState(bool enabled);
+    /// Lets both timers run, or stand still during a run that leaves the main window enabled.
+    void SetTimersOn(bool on);
+    bool AreTimersOn() const { return bTimersOn; }
     bool IsIdleState() const { return bIdleState; }
     Timer &CheckFaxTimer() { return *tmrCheckFax; } ///< 1000 ms
     Timer &MarkFaxTimer() { return *tmrMarkFax; }
@@ -119,5 +122,6 @@ private:
     bool bOutOfStep = false;
     bool bReplyRefused = false; ///< the last reply was a failure: a transfer may be left half set
     bool bIdleState = true;
+    bool bTimersOn = true; ///< no run keeps them from being started
     bool bRunPermitted = false;
 };

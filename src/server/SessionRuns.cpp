@@ -94,7 +94,12 @@ void SessionRuns::SyncWithServer(bool showProgress)
     rooms.progress.SetButton("Cancel", Tr("&Cancel"));
     rooms.progress.SetText({});
     rooms.progress.ClearRows(); // of a run whose window is still open
-    const auto finish = qScopeGuard([this, showProgress] {
+    rooms.progress.SetBar(0);
+    const bool isPolling = rooms.session.CheckFaxTimer().IsEnabled(); // not before the first activation ends
+    rooms.session.SetTimersOn(false);
+    const auto finish = qScopeGuard([this, showProgress, isPolling] {
+        rooms.session.SetTimersOn(true);
+        rooms.session.CheckFaxTimer().SetEnabled(isPolling);
         rooms.progress.SetButton("Close", Tr("&Close"));
         rooms.progress.SetButtonEnabled(true);
         rooms.progress.SetWindowMode(false, {});

@@ -1,3 +1,4 @@
+#include "addressbook/AddressTree.h"
 #include "core/Globals.h"
 #include "core/RaisedError.h"
 #include "fixtures/SessionBench.h"
@@ -32,6 +33,17 @@ bool IsAdvanced()
     return Profile::Value("Select ContactGroupVersion || ContactVersion || UserListVersion || "
                           "DepartmentVersion From Option") == "1234";
 }
+
+struct NoisyTree final : AddressTree
+{
+    explicit NoisyTree(const SessionBench &bench)
+        : bench(bench)
+    {
+    }
+    void LoadAddressBook() override { bench.Socket().FeedShort("OK\r\n"); }
+
+    const SessionBench &bench;
+};
 
 struct Bench : SessionBench
 {
@@ -129,6 +141,17 @@ private slots:
         QCOMPARE(bench->progress.Text(), QString("Completed."));
         QTEST(bench->ports.prompts.Texts(), "boxes");
         QCOMPARE(bench->desktop.addressTree.lLoads, column.startsWith("Contact") ? 1 : 0);
+    }
+
+    void unaskedReplyBetweenTheCommandsIsNoList()
+    {
+        SetVersions("ContactVersion");
+        NoisyTree tree(*bench);
+        AddressSync sync(bench->ports.ports, {bench->session, bench->progress, bench->receipts, tree});
+        bench->SayShort(abVersions).SayLong(Reply("c1|a|b|c|d|e|f|g|h|i|g1\n")).SayShort(abConfig);
+        sync.GetServerData();
+        QCOMPARE(Profile::Value("Select ID From Contacts"), QString("c1"));
+        QVERIFY(IsAdvanced());
     }
 
     void stoppedListKeepsItsRows()

@@ -70,15 +70,18 @@ private slots:
         Global().strUserName = "Anna";
         bench->session.ServerVersions = QStringList{"old"};
         bench->session.bUserAbort = true; // from a window that was closed earlier
+        Timer &checkFax = bench->session.CheckFaxTimer(), &markFax = bench->session.MarkFaxTimer();
+        checkFax.SetEnabled(true);
         bench->sync.onSync = [&] {
             QVERIFY(bench->session.bIsSocketBusy && bench->session.ServerVersions.isEmpty());
+            QVERIFY(!checkFax.IsEnabled() && !markFax.IsEnabled() && bench->desktop.mainWindow.bEnabled);
             QCOMPARE(bench->progress.ButtonTag(), QString("Cancel"));
         };
         bench->runs.SyncWithServer(true);
         QCOMPARE(bench->sync.lCalls, 1);
         QCOMPARE(bench->status.aChecks, QList<bool>{true});
         QCOMPARE(Global().strUserID, QString("u7"));
-        QVERIFY(!bench->progress.IsLoaded());
+        QVERIFY(!bench->progress.IsLoaded() && checkFax.IsEnabled() && markFax.IsEnabled());
         const RunScope other(bench->session); // a second run does nothing
         bench->runs.SyncWithServer(true);
         QCOMPARE(bench->sync.lCalls, 1);

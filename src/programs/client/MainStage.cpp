@@ -41,7 +41,7 @@ void MainStage::ConnectReading()
     QObject::connect(&mailbox, &ShownMailbox::FaxSelected, &window, [this, &tmrMarkFax] {
         tmrMarkFax.SetEnabled(false);
         tmrMarkFax.SetInterval(Global().MarkFax * 1000);
-        tmrMarkFax.SetEnabled(server.session.IsIdleState());
+        tmrMarkFax.SetEnabled(server.session.AreTimersOn());
     });
     QObject::connect(&tmrMarkFax, &Timer::Tick, &window, [this, &tmrMarkFax] {
         tmrMarkFax.SetEnabled(false);
