@@ -189,12 +189,12 @@ void PageCanvas::paintEvent(QPaintEvent *)
 {
     QPainter painter(viewport());
     const QRect view = viewport()->rect();
-    painter.fillRect(view, palette().color(HasPage() ? QPalette::Mid : QPalette::Base));
     if (HasPage()) {
-        painter.fillRect(PageRect().adjusted(-1, -1, 1, 1), palette().color(QPalette::Dark));
+        PaintSurroundings(painter);
         PaintPage(painter);
     } else {
         constexpr int margin = 20;
+        painter.fillRect(view, palette().color(QPalette::Base));
         painter.setPen(GetHintColor(palette()));
         painter.drawText(view.adjusted(margin, margin, -margin, -margin), Qt::AlignCenter | Qt::TextWordWrap,
                          strNotice);
@@ -203,6 +203,17 @@ void PageCanvas::paintEvent(QPaintEvent *)
         painter.setPen(palette().color(QPalette::Highlight));
         painter.drawRect(view.adjusted(0, 0, -1, -1));
     }
+}
+
+/// Under the page's edge, which may lie between two pixels, but not under all of it.
+void PageCanvas::PaintSurroundings(QPainter &painter)
+{
+    const QRect place = PageRect().toRect();
+    const QRegion frame = place.adjusted(-1, -1, 1, 1);
+    for (const QRect &part : QRegion(viewport()->rect()) - frame)
+        painter.fillRect(part, palette().color(QPalette::Mid));
+    for (const QRect &part : frame - place.adjusted(1, 1, -1, -1))
+        painter.fillRect(part, palette().color(QPalette::Dark));
 }
 
 void PageCanvas::PaintPage(QPainter &painter)

@@ -92,6 +92,7 @@ private:
     void ScrollPageBy(double delta);
     void ZoomByUser(const QPointF &place, double factor);
     QPointF Middle() const;
+    void PaintSurroundings(QPainter &painter);
     void PaintPage(QPainter &painter);
     void PaintEnlarged(QPainter &painter, const QRectF &place);
     void PaintShrunk(QPainter &painter, const QRectF &place, const QSize &deviceSize);

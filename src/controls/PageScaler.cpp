@@ -1,6 +1,7 @@
 #include "controls/PageScaler.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <vector>
 
@@ -19,31 +20,17 @@ std::vector<qint64> EdgesOf(int first, int count, int pageSide, int newSide)
     return edges;
 }
 
-/// Rows of a page, each added up over the new pixels of a row. A row gives one or three levels per new pixel.
-class RowSource
+/// What all sources of rows share. A source adds each row of a page up over the new pixels of a row, and has
+/// one or three levels for each of these.
+struct RowSums
 {
-public:
-    RowSource(const PageBits &shownPage, std::vector<qint64> edgesInRow, int levelsPerPixel)
+    RowSums(const PageBits &shownPage, std::vector<qint64> edgesInRow, std::size_t levels)
         : page(shownPage)
         , edges(std::move(edgesInRow))
-        , lLevels(levelsPerPixel)
-        , aSums((edges.size() - 1) * static_cast<std::size_t>(levelsPerPixel))
+        , aSums((edges.size() - 1) * levels)
     {
     }
-    virtual ~RowSource() = default;
-    RowSource(const RowSource &) = delete;
-    RowSource &operator=(const RowSource &) = delete;
 
-    /// False when the row adds nothing.
-    virtual bool Read(int row) = 0;
-    /// A level that was added up, as one of 0 to 255; `area` is what it was added up over.
-    virtual int LevelOf(qint64 sum, qint64 area) const = 0;
-
-    const std::vector<qint64> &Edges() const { return edges; }
-    const std::vector<int> &Sums() const { return aSums; }
-    int Levels() const { return lLevels; }
-
-protected:
     const uchar *Bytes(int row) const
     {
         return reinterpret_cast<const uchar *>(page.abBits.constData()) + qint64(row) * page.lBytesPerLine;
@@ -51,86 +38,106 @@ protected:
 
     const PageBits &page;
     const std::vector<qint64> edges;
-    const int lLevels;
     std::vector<int> aSums; ///< by new pixel and level, times the parts of a pixel
 };
 
+/// Ones in each byte.
+constexpr auto aOnes = [] {
+    std::array<uchar, 256> ones{};
+    for (unsigned byte = 0; byte < ones.size(); ++byte)
+        ones[byte] = static_cast<uchar>(std::popcount(byte));
+    return ones;
+}();
+
 /// A page of ink and paper: the ink is counted, and most rows of a fax have none.
-class InkSource final : public RowSource
+class InkSource final : public RowSums
 {
 public:
+    static constexpr std::size_t Levels = 1;
+
     InkSource(const PageBits &shownPage, std::vector<qint64> edgesInRow)
-        : RowSource(shownPage, std::move(edgesInRow), 1)
+        : RowSums(shownPage, std::move(edgesInRow), Levels)
         , lPaper(std::max(qGray(page.aPalette.value(0)), qGray(page.aPalette.value(1))))
         , lInk(std::min(qGray(page.aPalette.value(0)), qGray(page.aPalette.value(1))))
-        , bInkIsZero(qGray(page.aPalette.value(0)) < qGray(page.aPalette.value(1)))
-        , abInk((static_cast<std::size_t>(page.lWidth) + 7) / 8 + 1)
-        , aCounts(abInk.size())
+        , lTurn(qGray(page.aPalette.value(0)) < qGray(page.aPalette.value(1)) ? 0xff : 0)
+        , lBytes((static_cast<std::size_t>(page.lWidth) + 7) / 8)
+        , abPaper(lBytes, static_cast<uchar>(lTurn))
+        , abInk(lBytes + 1)
+        , aCounts(lBytes + 1)
     {
+        for (const qint64 edge : edges) {
+            const qint64 pixel = edge >> partBits;
+            places.push_back({static_cast<int>(pixel / 8), static_cast<uchar>(pixel % 8),
+                              static_cast<uchar>(edge & partMask)});
+        }
     }
 
-    bool Read(int row) override
+    /// False when the row adds nothing.
+    bool Read(int row)
     {
-        if (!ReadInk(Bytes(row)))
+        const uchar *bytes = Bytes(row);
+        if (std::equal(abPaper.begin(), abPaper.end(), bytes))
             return false;
-        int count = 0;
-        for (std::size_t byte = 0; byte < abInk.size(); ++byte) {
-            aCounts[byte] = count;
-            count += std::popcount(abInk[byte]);
-        }
-        qint64 before = InkUpTo(edges.front());
+        CountInk(bytes);
+        int before = InkUpTo(places.front());
         for (std::size_t pixel = 0; pixel < aSums.size(); ++pixel) {
-            const qint64 upTo = InkUpTo(edges[pixel + 1]);
-            aSums[pixel] = static_cast<int>(upTo - before);
+            const int upTo = InkUpTo(places[pixel + 1]);
+            aSums[pixel] = upTo - before;
             before = upTo;
         }
         return true;
     }
 
-    int LevelOf(qint64 sum, qint64 area) const override
-    {
-        return static_cast<int>((lPaper * area - (lPaper - lInk) * sum + area / 2) / area);
-    }
+    /// A mean of what was added up, as a level of 0 to 255.
+    int LevelOf(double mean) const { return static_cast<int>(lPaper - (lPaper - lInk) * mean + 0.5); }
 
 private:
-    /// False for an empty row.
-    bool ReadInk(const uchar *bytes)
+    struct Place
     {
-        const uchar turn = bInkIsZero ? 0xff : 0;
-        const std::size_t whole = abInk.size() - 1; // one empty byte stands behind the row
-        uchar any = 0;
-        for (std::size_t byte = 0; byte < whole; ++byte)
-            any |= abInk[byte] = bytes[byte] ^ turn;
-        if (page.lWidth % 8 != 0)
-            abInk[whole - 1] &= static_cast<uchar>(0xff00 >> page.lWidth % 8);
-        return any != 0;
+        int lByte;
+        uchar lBit, lPart;
+    };
+
+    /// What stands behind the row's last pixel in its last byte is never asked for.
+    void CountInk(const uchar *bytes)
+    {
+        int count = 0;
+        for (std::size_t byte = 0; byte < lBytes; ++byte) {
+            aCounts[byte] = count;
+            abInk[byte] = static_cast<uchar>(bytes[byte] ^ lTurn);
+            count += aOnes[abInk[byte]];
+        }
+        aCounts[lBytes] = count; // one empty byte stands behind the row
     }
 
-    qint64 InkUpTo(qint64 place) const
+    int InkUpTo(const Place &place) const
     {
-        const auto pixel = static_cast<std::size_t>(place >> partBits);
-        const unsigned ink = abInk[pixel / 8];
-        const unsigned bit = pixel % 8;
-        const int before = aCounts[pixel / 8] + std::popcount(ink >> (8 - bit));
-        return (qint64(before) << partBits) + (place & partMask) * (ink >> (7 - bit) & 1);
+        const auto byte = static_cast<std::size_t>(place.lByte);
+        const unsigned ink = abInk[byte];
+        const int before = aCounts[byte] + aOnes[ink >> (8 - place.lBit)];
+        return (before << partBits) + place.lPart * static_cast<int>(ink >> (7 - place.lBit) & 1);
     }
 
-    const int lPaper, lInk;
-    const bool bInkIsZero;
+    const int lPaper, lInk, lTurn;
+    const std::size_t lBytes;
+    const std::vector<uchar> abPaper; ///< an empty row
     std::vector<uchar> abInk;
     std::vector<int> aCounts; ///< ink left of each byte
+    std::vector<Place> places;
 };
 
 /// A page of any colours.
-class ColorSource final : public RowSource
+class ColorSource final : public RowSums
 {
 public:
+    static constexpr std::size_t Levels = 3;
+
     ColorSource(const PageBits &shownPage, std::vector<qint64> edgesInRow)
-        : RowSource(shownPage, std::move(edgesInRow), 3)
+        : RowSums(shownPage, std::move(edgesInRow), Levels)
     {
     }
 
-    bool Read(int row) override
+    bool Read(int row)
     {
         const uchar *bytes = Bytes(row);
         for (std::size_t pixel = 0; pixel + 1 < edges.size(); ++pixel) {
@@ -144,14 +151,14 @@ public:
                 blue += qBlue(color) * share;
                 at = end;
             }
-            aSums[3 * pixel] = red;
-            aSums[3 * pixel + 1] = green;
-            aSums[3 * pixel + 2] = blue;
+            aSums[Levels * pixel] = red;
+            aSums[Levels * pixel + 1] = green;
+            aSums[Levels * pixel + 2] = blue;
         }
         return true;
     }
 
-    int LevelOf(qint64 sum, qint64 area) const override { return static_cast<int>((sum + area / 2) / area); }
+    static int LevelOf(double mean) { return static_cast<int>(mean + 0.5); }
 
 private:
     QRgb ColorAt(const uchar *bytes, int pixel) const
@@ -163,41 +170,86 @@ private:
     }
 };
 
-void WriteRow(const RowSource &source, const std::vector<qint64> &sums, qint64 height, QImage &image, int y)
+/// The new rows, one after the other.
+template <typename Source>
+class Shrinker
 {
-    const std::vector<qint64> &edges = source.Edges();
-    for (std::size_t pixel = 0; pixel + 1 < edges.size(); ++pixel) {
-        const qint64 area = std::max<qint64>(1, (edges[pixel + 1] - edges[pixel]) * height);
-        const auto level = [&](std::size_t which) { return source.LevelOf(sums[which], area); };
-        if (source.Levels() == 1)
-            image.scanLine(y)[pixel] = static_cast<uchar>(level(pixel));
-        else
-            reinterpret_cast<QRgb *>(image.scanLine(y))[pixel] =
-                qRgb(level(3 * pixel), level(3 * pixel + 1), level(3 * pixel + 2));
+public:
+    explicit Shrinker(Source &rowSource)
+        : source(rowSource)
+        , lWidth(source.edges.size() - 1)
+        , sums(source.aSums.size())
+    {
+        for (std::size_t pixel = 0; pixel < lWidth; ++pixel)
+            shares.push_back(1.0 /
+                             double(std::max<qint64>(1, source.edges[pixel + 1] - source.edges[pixel])));
     }
-}
 
-QImage ShrinkRows(RowSource &source, const std::vector<qint64> &edges)
-{
-    const auto format = source.Levels() == 1 ? QImage::Format_Grayscale8 : QImage::Format_RGB32;
-    QImage image(static_cast<int>(source.Edges().size()) - 1, static_cast<int>(edges.size()) - 1, format);
-    std::vector<qint64> sums(source.Sums().size());
-    qint64 rowRead = -1;
-    bool addsAnything = false;
-    for (int y = 0; y < image.height(); ++y) {
-        const qint64 from = edges[static_cast<std::size_t>(y)], to = edges[static_cast<std::size_t>(y) + 1];
+    /// The new row between two places down the page.
+    void Write(qint64 from, qint64 to, QRgb *line)
+    {
         std::fill(sums.begin(), sums.end(), 0);
+        bool isEmpty = true;
         for (qint64 at = from; at < to;) {
             const qint64 row = at >> partBits;
             const qint64 end = std::min(to, (row + 1) << partBits);
             if (row != rowRead)
-                addsAnything = source.Read(static_cast<int>(rowRead = row));
-            for (std::size_t which = 0; addsAnything && which < sums.size(); ++which)
-                sums[which] += source.Sums()[which] * (end - at);
+                rowAdds = source.Read(static_cast<int>(rowRead = row));
+            if (rowAdds)
+                Add(end - at);
+            isEmpty = isEmpty && !rowAdds;
             at = end;
         }
-        WriteRow(source, sums, to - from, image, y);
+        if (isEmpty)
+            std::fill_n(line, lWidth, ColorOf(0, 0));
+        else
+            WriteLine(1.0 / double(to - from), line);
     }
+
+private:
+    void Add(qint64 share)
+    {
+        const int *added = source.aSums.data();
+        for (std::size_t which = 0; which < sums.size(); ++which)
+            sums[which] += added[which] * share;
+    }
+
+    void WriteLine(double share, QRgb *line)
+    {
+        for (std::size_t pixel = 0; pixel < lWidth; ++pixel)
+            line[pixel] = ColorOf(pixel, share * shares[pixel]);
+    }
+
+    QRgb ColorOf(std::size_t pixel, double share) const
+    {
+        const auto level = [&](std::size_t which) {
+            return source.LevelOf(double(sums[Source::Levels * pixel + which]) * share);
+        };
+        if constexpr (Source::Levels == 1) {
+            const int gray = level(0);
+            return qRgb(gray, gray, gray);
+        } else {
+            return qRgb(level(0), level(1), level(2));
+        }
+    }
+
+    Source &source;
+    const std::size_t lWidth;
+    std::vector<qint64> sums;
+    std::vector<double> shares; ///< of a part of a pixel in each new one
+    qint64 rowRead = -1;
+    bool rowAdds = false;
+};
+
+template <typename Source>
+QImage ShrinkRows(Source source, const std::vector<qint64> &edges)
+{
+    QImage image(static_cast<int>(source.edges.size()) - 1, static_cast<int>(edges.size()) - 1,
+                 QImage::Format_RGB32);
+    Shrinker<Source> shrinker(source);
+    for (int y = 0; y < image.height(); ++y)
+        shrinker.Write(edges[static_cast<std::size_t>(y)], edges[static_cast<std::size_t>(y) + 1],
+                       reinterpret_cast<QRgb *>(image.scanLine(y)));
     return image;
 }
 
@@ -250,10 +302,7 @@ QImage PageScaler::Shrink(const PageBits &page, const QSize &size, const QRect &
         return {};
     const std::vector<qint64> rows = EdgesOf(shown.top(), shown.height(), page.lHeight, size.height());
     std::vector<qint64> columns = EdgesOf(shown.left(), shown.width(), page.lWidth, size.width());
-    if (page.lBitsPerPixel == 1 && IsGray(page.aPalette)) {
-        InkSource ink(page, std::move(columns));
-        return ShrinkRows(ink, rows);
-    }
-    ColorSource colors(page, std::move(columns));
-    return ShrinkRows(colors, rows);
+    if (page.lBitsPerPixel == 1 && IsGray(page.aPalette))
+        return ShrinkRows(InkSource(page, std::move(columns)), rows);
+    return ShrinkRows(ColorSource(page, std::move(columns)), rows);
 }

@@ -139,7 +139,7 @@ void frmMain::ConnectPanes()
     }
     // Not through the menu item: a draft without pages is opened, too.
     connect(listPane, &ListPane::ViewRequested, this, [this] { commands->Run("mnuViewFax"); });
-    connect(picPreview, &PreviewPane::ViewRequested, this, [this] { commands->Trigger("mnuViewFax"); });
+    connect(picPreview, &PreviewPane::ViewRequested, this, [this] { commands->Run("mnuViewFax"); });
     connect(listPane, &ListPane::MenuRequested, this,
             [this](const QPoint &place) { commands->GridMenu().popup(place); });
 }
