@@ -7,8 +7,6 @@
 
 namespace {
 
-/// The contrast that large and graphical text needs.
-constexpr double dEnoughContrast = 3.0;
 constexpr float fStep = 0.02f;
 constexpr int lHintAlpha = 160;
 
@@ -30,11 +28,11 @@ double Contrast(const QColor &one, const QColor &other)
 
 } // namespace
 
-QColor GetReadableColor(const QColor &wanted, const QColor &background)
+QColor GetReadableColor(const QColor &wanted, const QColor &background, double contrast)
 {
     const float step = Luminance(background) < 0.2 ? fStep : -fStep;
     QColor color = wanted.toHsl();
-    while (Contrast(color, background) < dEnoughContrast) {
+    while (Contrast(color, background) < contrast) {
         const float lightness = color.lightnessF() + step;
         if (lightness < 0.0f || lightness > 1.0f)
             break;

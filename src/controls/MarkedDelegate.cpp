@@ -118,8 +118,9 @@ void CountedDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     const bool isSelected = option.state.testFlag(QStyle::State_Selected);
     painter->save();
     painter->setFont(styled.font);
-    painter->setPen(isSelected ? option.palette.color(QPalette::HighlightedText)
-                               : GetReadableColor(blue, option.palette.color(QPalette::Base)));
+    painter->setPen(isSelected
+                        ? option.palette.color(QPalette::HighlightedText)
+                        : GetReadableColor(blue, option.palette.color(QPalette::Base), dSmallContrast));
     painter->drawText(QRect(left, option.rect.top(), option.rect.right() - left + 1, option.rect.height()),
                       Qt::AlignVCenter | Qt::AlignLeft, count);
     painter->restore();

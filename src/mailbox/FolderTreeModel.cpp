@@ -96,12 +96,10 @@ QVariant FolderTreeModel::data(const QModelIndex &index, int role) const
 
 // Dragging
 
-/// Every folder takes drops, so that they are made on it and never beside it; `canDropMimeData` decides.
+/// Every folder takes drops, and the view asks that of the invalid index, too; `canDropMimeData` decides.
 Qt::ItemFlags FolderTreeModel::flags(const QModelIndex &index) const
 {
-    Qt::ItemFlags flags = QAbstractItemModel::flags(index);
-    if (index.isValid())
-        flags |= Qt::ItemIsDropEnabled;
+    Qt::ItemFlags flags = QAbstractItemModel::flags(index) | Qt::ItemIsDropEnabled;
     if (CanDragFolder(NodeOf(index)))
         flags |= Qt::ItemIsDragEnabled;
     return flags;

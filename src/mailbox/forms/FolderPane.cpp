@@ -6,10 +6,13 @@
 #include "mailbox/ShownMailbox.h"
 
 #include <QContextMenuEvent>
+#include <QDropEvent>
+#include <QPainter>
 
 namespace {
 
 constexpr int lExpandDelay = 700; ///< milliseconds over a closed folder until a drag opens it
+constexpr int lTargetAlpha = 80;
 
 } // namespace
 
@@ -37,6 +40,7 @@ void FolderPane::SetUpDragging()
 {
     setDragDropMode(InternalMove);
     setDragDropOverwriteMode(true); // drops go onto a folder, never between two
+    setDropIndicatorShown(false);   // Qt's stays behind on the last folder that would have taken the drop
     setAutoExpandDelay(lExpandDelay);
     // Queued: the folder moves, and a box may come up, when the drag is over.
     connect(
@@ -100,6 +104,47 @@ void FolderPane::rowsAboutToBeRemoved(const QModelIndex &parent, int start, int 
 {
     FollowMailbox();
     HintedTreeView::rowsAboutToBeRemoved(parent, start, end);
+}
+
+// The folder under a drag
+
+void FolderPane::dragMoveEvent(QDragMoveEvent *event)
+{
+    HintedTreeView::dragMoveEvent(event);
+    ShowDropTarget(event->isAccepted() ? indexAt(event->position().toPoint()) : QModelIndex());
+}
+
+void FolderPane::dragLeaveEvent(QDragLeaveEvent *event)
+{
+    HintedTreeView::dragLeaveEvent(event);
+    ShowDropTarget({});
+}
+
+void FolderPane::dropEvent(QDropEvent *event)
+{
+    HintedTreeView::dropEvent(event);
+    ShowDropTarget({});
+}
+
+void FolderPane::ShowDropTarget(const QModelIndex &index)
+{
+    dropTarget = index;
+    viewport()->update();
+}
+
+void FolderPane::drawRow(QPainter *painter, const QStyleOptionViewItem &options,
+                         const QModelIndex &index) const
+{
+    HintedTreeView::drawRow(painter, options, index);
+    if (!dropTarget.isValid() || index != dropTarget)
+        return;
+    QColor color = palette().color(QPalette::Active, QPalette::Highlight);
+    painter->save();
+    painter->setPen(color);
+    color.setAlpha(lTargetAlpha);
+    painter->setBrush(color);
+    painter->drawRect(options.rect.adjusted(0, 0, -1, -1));
+    painter->restore();
 }
 
 void FolderPane::contextMenuEvent(QContextMenuEvent *event)

@@ -2,6 +2,8 @@
 
 #include "controls/HintedTreeView.h"
 
+#include <QPersistentModelIndex>
+
 class FolderTreeModel;
 class ShownMailbox;
 struct FolderNode;
@@ -25,13 +27,20 @@ protected:
                                                          const QEvent *event) const override;
     void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override;
     void rowsAboutToBeRemoved(const QModelIndex &parent, int start, int end) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+    void drawRow(QPainter *painter, const QStyleOptionViewItem &options,
+                 const QModelIndex &index) const override;
 
 private:
     void SetUpDragging();
     void ShowLoadedTree();
     void ShowNode(FolderNode *node);
     void FollowMailbox();
+    void ShowDropTarget(const QModelIndex &index);
 
     ShownMailbox &mailbox;
     FolderTreeModel *model;
+    QPersistentModelIndex dropTarget; ///< the folder that would take what is being dragged
 };

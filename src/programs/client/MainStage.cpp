@@ -1,5 +1,6 @@
 #include "programs/client/MainStage.h"
 
+#include "controls/PlaceOver.h"
 #include "core/Globals.h"
 #include "core/Message.h"
 #include "core/ports/Instance.h"
@@ -98,7 +99,8 @@ void MainStage::NameFolder(const std::optional<FolderChanges::Naming> &naming)
 {
     if (!naming)
         return;
-    frmAddFolder form(mailbox.Changes(), &window);
+    frmAddFolder form(mailbox.Changes());
     form.Init(*naming);
+    PlaceOver(form, window);
     form.exec();
 }
