@@ -8,7 +8,6 @@
 MarkedHeader::MarkedHeader(QWidget *parent)
     : QHeaderView(Qt::Horizontal, parent)
 {
-    setSectionsClickable(true);
     setHighlightSections(false);
     setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
 }

@@ -13,6 +13,7 @@
 #include <QAccessible>
 #include <QAction>
 #include <QContextMenuEvent>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -299,6 +300,16 @@ private slots:
         QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, icon);
         QCOMPARE(fakes->prompts.Texts(), QStringList("Are you sure want to mark this fax as read?"));
         QCOMPARE(mailbox->List().Row(2).ReadImageKey(), "imgReaded");
+    }
+
+    void clickOnAHeadSorts()
+    {
+        const auto &header = *Get<QTreeView>("grdFaxList").header();
+        const QPoint subject(header.sectionViewportPosition(5) + 20, header.height() / 2);
+        for (const char *first : {"A", "B"}) {
+            QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, subject);
+            QCOMPARE(mailbox->List().Row(1).ID(), first);
+        }
     }
 
     void listIsWorkedByKeys()

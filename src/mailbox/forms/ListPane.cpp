@@ -55,6 +55,7 @@ void ListPane::SetUpGrid()
     grdFaxList->setObjectName("grdFaxList");
     grdFaxList->setAccessibleName(tr("Faxes"));
     grdFaxList->setHeader(new MarkedHeader(grdFaxList));
+    grdFaxList->header()->setSectionsClickable(true); // setHeader has just switched it off
     grdFaxList->setRootIsDecorated(false);
     grdFaxList->setAllColumnsShowFocus(true);
     grdFaxList->setSelectionMode(QAbstractItemView::ExtendedSelection);
