@@ -38,16 +38,13 @@ public:
     {
     }
 
-    void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State) override
+    /// From the cache: a list shows the same icon in each of its rows.
+    void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State state) override
     {
-        QSvgRenderer renderer(Inked(IsOnHighlight(mode)));
-        painter->save();
-        painter->setOpacity(mode == QIcon::Disabled ? dDisabledOpacity : 1.0);
-        renderer.render(painter, rect);
-        painter->restore();
+        painter->drawPixmap(rect, pixmap(rect.size() * painter->device()->devicePixelRatioF(), mode, state));
     }
 
-    QPixmap pixmap(const QSize &size, QIcon::Mode mode, QIcon::State state) override
+    QPixmap pixmap(const QSize &size, QIcon::Mode mode, QIcon::State) override
     {
         const QString name = QString(bInMenu ? "velmar menu %1 %2 %3 %4" : "velmar %1 %2 %3 %4")
                                  .arg(strKey, InkName(IsOnHighlight(mode)), QString::number(mode),
@@ -58,7 +55,8 @@ public:
         pixmap = QPixmap(size);
         pixmap.fill(Qt::transparent);
         QPainter painter(&pixmap);
-        paint(&painter, QRect(QPoint(), size), mode, state);
+        painter.setOpacity(mode == QIcon::Disabled ? dDisabledOpacity : 1.0);
+        QSvgRenderer(Inked(IsOnHighlight(mode))).render(&painter, QRect(QPoint(), size));
         QPixmapCache::insert(name, pixmap);
         return pixmap;
     }
