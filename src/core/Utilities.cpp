@@ -99,6 +99,10 @@ QString FormatFileSize(qint64 size)
 
 double NumericPrefix(const QString &text)
 {
+    bool isWhole = false;
+    const int whole = text.toInt(&isWhole);
+    if (isWhole) // nearly always, and far quicker
+        return whole;
     static const QRegularExpression form(
         QStringLiteral("\\A\\s*([+-]?(?:[0-9]+\\.?[0-9]*|\\.[0-9]+)(?:[eE][+-]?[0-9]+)?)"));
     return form.match(text).captured(1).toDouble();

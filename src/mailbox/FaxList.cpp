@@ -17,6 +17,28 @@ long SumFirstField(const QString &sql)
     return sum;
 }
 
+/// More blocks of rows than these are not taken out one by one: views look through their selection each time.
+constexpr std::size_t lMostBlocks = 50;
+
+/// Finds the rows of some faxes among many others quickly.
+class FaxFinder
+{
+public:
+    explicit FaxFinder(QSet<QString> wanted)
+        : ids(std::move(wanted))
+    {
+        hashes.reserve(ids.size());
+        for (const QString &id : std::as_const(ids))
+            hashes.insert(FaxRow::HashOf(id.toStdString()));
+    }
+
+    bool Finds(const FaxRow &row) const { return hashes.contains(row.IdHash()) && ids.contains(row.ID()); }
+
+private:
+    QSet<QString> ids;
+    QSet<quint32> hashes;
+};
+
 } // namespace
 
 FaxList::FaxList()
@@ -37,10 +59,10 @@ void FaxList::SetLayout(int layout)
 
 int FaxList::RowOf(const QString &id) const
 {
-    const std::string wanted = id.toStdString();
-    const quint32 hash = FaxRow::HashOf(wanted);
-    const auto found = std::find_if(aRows.rbegin(), aRows.rend(),
-                                    [&](const FaxRow &row) { return row.HasID(wanted, hash); });
+    const quint32 hash = FaxRow::HashOf(id.toStdString());
+    const auto found = std::find_if(aRows.rbegin(), aRows.rend(), [&](const FaxRow &row) {
+        return row.IdHash() == hash && row.ID() == id;
+    });
     return found == aRows.rend() ? 0 : static_cast<int>(found - aRows.rbegin()) + 1;
 }
 
@@ -115,21 +137,63 @@ void FaxList::ReloadRow(int row, const QString &id, int mode)
     emit RowsChanged(row, row);
 }
 
-void FaxList::Remove(int row)
+int FaxList::Remove(const QSet<QString> &ids)
 {
-    emit AboutToRemove(row);
-    aRows.erase(aRows.begin() + static_cast<Rows::difference_type>(Place(row)));
+    const std::vector<Block> blocks = FindBlocks(ids);
+    if (blocks.empty())
+        return 0;
+    if (blocks.size() > lMostBlocks)
+        RemoveInOnePass(blocks);
+    else // from the bottom, so that the others keep their numbers
+        std::for_each(blocks.rbegin(), blocks.rend(), [this](const Block &block) { RemoveBlock(block); });
+    return blocks.front().lFirst;
+}
+
+/// The rows of these faxes, from the top.
+std::vector<FaxList::Block> FaxList::FindBlocks(const QSet<QString> &ids) const
+{
+    const FaxFinder finder(ids);
+    std::vector<Block> blocks;
+    for (int row = 1; row <= RowCount(); ++row) {
+        if (!finder.Finds(Row(row)))
+            continue;
+        if (blocks.empty() || blocks.back().lLast < row - 1)
+            blocks.push_back({row, row});
+        else
+            blocks.back().lLast = row;
+    }
+    return blocks;
+}
+
+void FaxList::RemoveInOnePass(const std::vector<Block> &blocks)
+{
+    emit AboutToReset();
+    auto block = blocks.rbegin();
+    std::erase_if(aRows, [&](const FaxRow &fax) {
+        const int row = RowCount() - static_cast<int>(&fax - aRows.data()); // from the bottom up
+        if (block != blocks.rend() && row < block->lFirst)
+            ++block;
+        return block != blocks.rend() && row <= block->lLast;
+    });
+    emit Reset();
+}
+
+void FaxList::RemoveBlock(const Block &block)
+{
+    emit AboutToRemove(block.lFirst, block.lLast);
+    aRows.erase(aRows.begin() + static_cast<Rows::difference_type>(Place(block.lLast)),
+                aRows.begin() + static_cast<Rows::difference_type>(Place(block.lFirst)) + 1);
     emit Removed();
 }
 
 void FaxList::SetRead(const QStringList &ids, bool read)
 {
-    const QSet<QString> wanted(ids.begin(), ids.end());
+    const FaxFinder finder(QSet<QString>(ids.begin(), ids.end()));
     int first = 0;
     int last = 0;
     for (int row = 1; row <= RowCount(); ++row) {
         FaxRow &fax = aRows[Place(row)];
-        if (fax.bRead == read || !wanted.contains(fax.ID()))
+        if (fax.bRead == read || !finder.Finds(fax))
             continue;
         fax.bRead = read;
         first = first == 0 ? row : first;

@@ -39,7 +39,8 @@ public:
 
     /// Reads a fax again into a row; a fax that is gone leaves the row as it was. `mode` is 1 to 7.
     void ReloadRow(int row, const QString &id, int mode);
-    void Remove(int row);
+    /// Takes faxes out. The row where the first of them stood; 0 when none is listed.
+    int Remove(const QSet<QString> &ids);
 
     /// Shows faxes as read or unread.
     void SetRead(const QStringList &ids, bool read);
@@ -57,7 +58,7 @@ signals:
     void Reset();
     void AboutToInsertOnTop(int count);
     void InsertedOnTop();
-    void AboutToRemove(int row);
+    void AboutToRemove(int first, int last);
     void Removed();
     void RowsChanged(int first, int last);
     void AboutToSort();
@@ -67,9 +68,18 @@ signals:
 
 private:
     using Rows = std::vector<FaxRow>;
+    /// Rows that stand next to each other.
+    struct Block
+    {
+        int lFirst;
+        int lLast;
+    };
 
     std::size_t Place(int row) const { return aRows.size() - static_cast<std::size_t>(row); }
     void Replace(Rows rows);
+    std::vector<Block> FindBlocks(const QSet<QString> &ids) const;
+    void RemoveBlock(const Block &block);
+    void RemoveInOnePass(const std::vector<Block> &blocks);
     void AddOnTop(Rows rows);
     QString KindOfTexts(int column) const;
     std::vector<int> SortRows();

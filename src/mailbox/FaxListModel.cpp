@@ -24,7 +24,8 @@ FaxListModel::FaxListModel(FaxList &shownList, QObject *parent)
     connect(&list, &FaxList::AboutToInsertOnTop, this,
             [this](int count) { beginInsertRows({}, 0, count - 1); });
     connect(&list, &FaxList::InsertedOnTop, this, [this] { endInsertRows(); });
-    connect(&list, &FaxList::AboutToRemove, this, [this](int row) { beginRemoveRows({}, row - 1, row - 1); });
+    connect(&list, &FaxList::AboutToRemove, this,
+            [this](int first, int last) { beginRemoveRows({}, first - 1, last - 1); });
     connect(&list, &FaxList::Removed, this, [this] { endRemoveRows(); });
     connect(&list, &FaxList::RowsChanged, this, [this](int first, int last) {
         emit dataChanged(index(first - 1, 0), index(last - 1, columnCount() - 1));

@@ -24,9 +24,9 @@ public:
     QString ID() const { return texts.Text(0); }
     /// The id as UTF-8, valid as long as the row.
     std::string_view StoredID() const { return texts.At(0); }
-    /// `id` as UTF-8, with its `HashOf`.
-    bool HasID(std::string_view id, quint32 hash) const { return lIdHash == hash && StoredID() == id; }
+    /// Tells most ids apart without a look at the texts: of an id as UTF-8, and of the row's.
     static quint32 HashOf(std::string_view id);
+    quint32 IdHash() const { return lIdHash; }
     bool IsSummary() const { return lMode == 0; }
     /// 0 `ReceiveFax`, 1 `SendFax`.
     int FaxTable() const { return lFaxTable; }
@@ -49,8 +49,8 @@ private:
     quint8 lMode : 4 = 0;
     quint8 lLevel : 2 = 1;
     quint8 lFaxTable : 2 = 0;
-    quint32 lIdHash = 0; ///< finds a fax among many without a look at their texts
-    PackedTexts texts;   ///< the id, then one text for each cell that has one
+    quint32 lIdHash = 0;
+    PackedTexts texts; ///< the id, then one text for each cell that has one
 };
 
 /// "YYYY-MM-DD HH:MM:SS" as the list shows it, "MM/DD/YYYY hh:mm:ss"; any other text as it stands.

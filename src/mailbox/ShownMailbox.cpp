@@ -102,7 +102,11 @@ void ShownMailbox::RefreshFolderUnreadCounts()
 {
     Guard("RefreshFolderUnreadCounts", [this] {
         folders.RefreshFolderUnreadCounts(dates.Text());
-        ShowStatus(strRecountStatus);
+        // It has told the number, but for the bin, whose status counts all dates.
+        if (selected && selected->Family != FolderFamily::Recyle)
+            ShowStatus(strRecountStatus, selected->lUnread);
+        else
+            ShowStatus(strRecountStatus);
     });
 }
 
@@ -120,10 +124,15 @@ void ShownMailbox::SetFolderTreeText(long count, FolderNode *node)
 
 void ShownMailbox::ShowStatus(const char *format)
 {
+    const bool isCounted = selected && selected->strKey != "1000";
+    ShowStatus(format, isCounted ? FolderTree::GetNotReadCount(*selected, dates.Text()) : 0);
+}
+
+void ShownMailbox::ShowStatus(const char *format, long unread)
+{
     strStatus.clear();
     if (selected && selected->strKey != "1000")
-        strStatus = tr(format).arg(QString::number(list.RowCount()),
-                                   QString::number(FolderTree::GetNotReadCount(*selected, dates.Text())));
+        strStatus = tr(format).arg(QString::number(list.RowCount()), QString::number(unread));
     emit StatusChanged();
 }
 

@@ -86,6 +86,8 @@ public:
     void ChangeRowText(int row, const QString &id, int kind);
     /// Takes a fax out of the list. `refresh` then selects the row that took its place, or the last one.
     void DeleteSpecItemFromGrid(const QString &id, bool refresh);
+    /// The same for many faxes, in one pass over the list: the row that took the place of the first.
+    void DeleteSpecItemFromGrid(const QStringList &ids, bool refresh);
     /// Sets a folder's unread count; -1 counts the unread rows of the list. A null node means the selected
     /// one.
     void SetFolderTreeText(long count, FolderNode *node);
@@ -129,6 +131,7 @@ private:
     void ClearSelection();
     void ResetPreview();
     void ShowStatus(const char *format);
+    void ShowStatus(const char *format, long unread);
     void ApplyDates();
 
     Message &message;

@@ -54,15 +54,22 @@ void ShownMailbox::ChangeRowText(int row, const QString &id, int kind)
 
 void ShownMailbox::DeleteSpecItemFromGrid(const QString &id, bool refresh)
 {
-    const int row = id.isEmpty() ? 0 : list.RowOf(id);
-    if (row == 0)
-        return;
+    DeleteSpecItemFromGrid(QStringList(id), refresh);
+}
+
+void ShownMailbox::DeleteSpecItemFromGrid(const QStringList &ids, bool refresh)
+{
+    QSet<QString> unwanted(ids.begin(), ids.end());
+    unwanted.remove(QString()); // a line of the summary has no id
+    int row = 0;
     {
         const QScopedValueRollback<bool> reloading(bReloading, true);
-        list.Remove(row);
+        row = list.Remove(unwanted);
     }
-    aSelected.removeAll(id);
-    if (strCurrent == id)
+    if (row == 0)
+        return;
+    aSelected.removeIf([&](const QString &id) { return unwanted.contains(id); });
+    if (unwanted.contains(strCurrent))
         strCurrent.clear();
     if (!refresh)
         return;

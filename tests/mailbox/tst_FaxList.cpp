@@ -254,7 +254,7 @@ private slots:
         QCOMPARE(unread.data(ColorRole).toUInt(), 0xff0000u);
         QCOMPARE(model.headerData(7, Qt::Horizontal, ImageKeyRole), "imgSortDown");
         QCOMPARE(model.headerData(1, Qt::Horizontal, Qt::ToolTipRole), "Read");
-        list->Remove(1);
+        list->Remove({"B"});
         QCOMPARE(model.index(0, 0).data(KeyRole), "A");
         list->SetLayout(4);
         QCOMPARE(model.rowCount(), 0);
@@ -273,6 +273,30 @@ private slots:
         QCOMPARE(model.index(0, 3).data().toString().size(), 501);
         QCOMPARE(model.index(0, 6).data(), "");
         QCOMPARE(list->Row(1).Cell(6), wild); // whole for those who work with it
+    }
+
+    void faxesAreTakenOutAtOnce()
+    {
+        Profile::Execute("BEGIN");
+        for (int i = 0; i < 300; ++i)
+            profile->InsertReceivedFax("F" + QString::number(i),
+                                       {{"receiveTime", QString::number(1000 + i)}});
+        Profile::Execute("COMMIT");
+        FaxListModel model(*list);
+        const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        list->SetLayout(1);
+        Load(2, "1001");
+        QCOMPARE(list->Remove({"F298", "F297", "F290", "F5", "elsewhere"}), 2);
+        QCOMPARE(ShownIds().size(), 296);
+        QCOMPARE(ShownIds().mid(0, 3), QStringList({"F299", "F296", "F295"}));
+        QSet<QString> odd;
+        for (int i = 1; i < 300; i += 2)
+            odd.insert("F" + QString::number(i));
+        QCOMPARE(list->Remove(odd), 1); // in many places of the list
+        QCOMPARE(ShownIds().mid(0, 3), QStringList({"F296", "F294", "F292"}));
+        QCOMPARE(model.rowCount(), 148);
+        QCOMPARE(list->RowOf("F0"), 148);
+        QCOMPARE(list->Remove(odd), 0);
     }
 
     void orderOutlivesAReload()
