@@ -13,7 +13,7 @@ constexpr const char *strSentFolder = "1006";
 /// unread. Files are made for none of them. The same call always makes the same rows.
 void Fill(int faxes = lFaxes);
 
-/// Adds folders below "Incoming", all of one parent, the first one holding `faxes` unread faxes each.
+/// Adds folders "F0", "F1" ... below "Incoming".
 void AddFolders(int folders);
 
 } // namespace BigMailbox

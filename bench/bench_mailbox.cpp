@@ -102,6 +102,60 @@ void Recount(benchmark::State &state)
 }
 BENCHMARK(Recount)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(9);
 
+/// What is done to all rows, in nanoseconds for each: a figure that grows with the rows tells of a cost that
+/// grows with their square.
+void PerRow(benchmark::State &state)
+{
+    const int faxes = static_cast<int>(state.range(0));
+    Office office(faxes);
+    ShownMailbox &mailbox = office.mailbox;
+    mailbox.SelectFolder(BigMailbox::strReceivedFolder);
+    office.ports.prompts.aAnswers = {mbAnswerYes};
+    const auto measure = [&](const char *name, const std::function<void()> &run) {
+        state.counters[name] = Pairs::TimeOf(run) * 1e6 / faxes;
+    };
+    for (auto _ : state) {
+        for (const auto &[name, column] : {std::pair("sort_words", 4), {"sort_pages", 7}, {"sort_times", 8}})
+            measure(name, [&mailbox, column = column] { mailbox.List().SortBy(column); });
+        const QStringList ids = Profile::Values("Select Fax_ID From ReceiveFax");
+        measure("select_all", [&] { mailbox.SelectFaxes(ids, ids.first()); });
+        measure("selected_ids", [&] { mailbox.GetGridSelectedID(); });
+        measure("had_read", [&] { mailbox.Marks().mnuHadRead(); });
+        measure("un_read", [&] { mailbox.Marks().mnuUnRead(); });
+        measure("change_row", [&] {
+            for (int row = 1; row <= faxes; row += 100)
+                mailbox.ChangeRowText(row, mailbox.List().Row(row).ID(), 2);
+        });
+        QStringList half;
+        for (int i = 0; i < faxes; i += 2)
+            half.append(ids.at(i));
+        measure("delete_half", [&] { mailbox.DeleteSpecItemFromGrid(half, true); });
+        measure("delete_some", [&] {
+            for (int i = 1; i < faxes; i += 1000)
+                mailbox.DeleteSpecItemFromGrid(ids.at(i), false);
+        });
+    }
+    if (mailbox.RowCount() != faxes / 2 - faxes / 1000)
+        state.SkipWithError("Rows were not deleted.");
+}
+BENCHMARK(PerRow)->Arg(25000)->Arg(50000)->Arg(100000)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+/// All counts change at each turn.
+void ManyFolders(benchmark::State &state)
+{
+    const int folders = static_cast<int>(state.range(0));
+    Office office(folders, folders);
+    Global().objDB->Execute("Update ReceiveFax Set isReaded=0,FolderID='F'||(rowid-1)");
+    int turn = 0;
+    for (auto _ : state) {
+        office.mailbox.RefreshFolderUnreadCounts();
+        state.PauseTiming();
+        Global().objDB->Execute("Update ReceiveFax Set isReaded=" + QString::number(++turn % 2));
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(ManyFolders)->Arg(2500)->Arg(5000)->Arg(10000)->Iterations(20)->Unit(benchmark::kMillisecond);
+
 } // namespace
 
 int main(int argc, char *argv[])
