@@ -1,10 +1,10 @@
+#include "fixtures/TestTable.h"
 #include "platform/MessagePrompts.h"
 #include "platform/QtEventPump.h"
 
 #include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QTest>
 #include <QTimer>
 
 class tst_MessagePrompts : public QObject
@@ -14,12 +14,7 @@ class tst_MessagePrompts : public QObject
 private slots:
     void flagsGiveButtonsAndAnswers_data()
     {
-        QTest::addColumn<long>("flags");
-        QTest::addColumn<int>("key");
-        QTest::addColumn<long>("answer");
-        const auto row = [](const char *name, long flags, Qt::Key key, long answer) {
-            QTest::newRow(name) << flags << int(key) << answer;
-        };
+        const TestTable<long, int, long> row{"flags", "key", "answer"};
         row("escape of ok", mbCritical, Qt::Key_Escape, mbAnswerOK);
         row("ok of two", mbOKCancel, Qt::Key_Return, mbAnswerOK);
         row("cancel", mbOKCancel, Qt::Key_Escape, mbAnswerCancel);
