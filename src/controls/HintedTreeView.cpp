@@ -64,4 +64,8 @@ void HintedTreeView::paintEvent(QPaintEvent *event)
     painter.setPen(GetHintColor(palette()));
     painter.drawText(viewport()->rect().adjusted(lMargin, lMargin, -lMargin, -lMargin),
                      Qt::AlignCenter | Qt::TextWordWrap, strHint);
+    if (hasFocus()) { // otherwise the current row shows it
+        painter.setPen(palette().color(QPalette::Highlight));
+        painter.drawRect(viewport()->rect().adjusted(0, 0, -1, -1));
+    }
 }
