@@ -80,7 +80,7 @@ void ShownMailbox::ShowFolder(FolderNode *node)
     emit FolderSelected(node);
     const int mode = GetListMode(node->Family, GetNodeParentKey(node));
     if (mode >= 0)
-        LoadGridItem(node->strKey, mode, {}, false, true);
+        Guard("LoadGridItem", [&] { LoadList(node->strKey, mode, {}, false, true); });
     else
         emit CommandsChanged();
     dates.ReleaseMonths();
@@ -142,15 +142,23 @@ void ShownMailbox::LoadGridItem(const QString &key, int mode, const QString &ext
                                 bool clearFirst)
 {
     Guard("LoadGridItem", [&] {
-        const QString previousFax = clearFirst ? QString() : strCurrent;
-        if (mode == 0)
-            LoadSummary();
-        else
-            list.LoadFaxes({key, mode, extraFilter, allFolders, {}, dates.Text()}, clearFirst);
-        narrowing = {dates.FirstDay(), dates.LastDay(), !extraFilter.isEmpty()};
-        SelectAfterLoad(previousFax);
-        emit CommandsChanged();
+        LoadList(key, mode, extraFilter, allFolders, clearFirst);
+        ShowStatus(strRecountStatus);
     });
+}
+
+/// Leaves the status line and errors to the caller.
+void ShownMailbox::LoadList(const QString &key, int mode, const QString &extraFilter, bool allFolders,
+                            bool clearFirst)
+{
+    const QString previousFax = clearFirst ? QString() : strCurrent;
+    if (mode == 0)
+        LoadSummary();
+    else
+        list.LoadFaxes({key, mode, extraFilter, allFolders, {}, dates.Text()}, clearFirst);
+    narrowing = {dates.FirstDay(), dates.LastDay(), !extraFilter.isEmpty()};
+    SelectAfterLoad(previousFax);
+    emit CommandsChanged();
 }
 
 void ShownMailbox::LoadSummary()
@@ -279,7 +287,6 @@ void ShownMailbox::ApplyDates()
     RefreshFolderUnreadCounts();
     emit DatesChanged();
     ReloadCurrentFolder(true);
-    Guard("RefreshFolderUnreadCounts", [this] { ShowStatus(strRecountStatus); });
 }
 
 QString ShownMailbox::labFolderTip() const

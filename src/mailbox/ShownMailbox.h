@@ -117,6 +117,7 @@ signals:
 private:
     void Trap(const QString &heading, const std::function<void()> &run);
     void Guard(const QString &routine, const std::function<void()> &run);
+    void LoadList(const QString &key, int mode, const QString &extraFilter, bool allFolders, bool clearFirst);
     void LoadSummary();
     void ShowFolder(FolderNode *node);
     void LeaveFolder(const FolderNode *removed);

@@ -200,6 +200,10 @@ private slots:
         QCOMPARE(mailbox->RowCount(), 2);
         mailbox->SelectYear(0);
         QCOMPARE(mailbox->labFolderTip(), "    Incoming    ");
+        profile->InsertReceivedFax("C", {{"receiveTime", "2026-04-10 00:00:00"}, {"isReaded", "0"}});
+        mailbox->RefreshFolderUnreadCounts(); // in the order of a fetch
+        mailbox->LoadGridItem("1001", 2, {}, false, true);
+        QCOMPARE(mailbox->StatusText(), "Total Faxes : 3  Unread : 3");
     }
 
     void rangesEndOnTheDayAfter()
