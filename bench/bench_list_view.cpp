@@ -12,6 +12,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QHeaderView>
 #include <QProcess>
 #include <QScrollBar>
 #include <QTreeView>
@@ -160,6 +161,44 @@ void ScrolledFrame(benchmark::State &state)
     state.counters["p99_wall_ms"] = NinetyNinth(walls);
 }
 BENCHMARK(ScrolledFrame)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(lFrames);
+
+void SelectUpTo(QTreeView *grid, int row)
+{
+    const QAbstractItemModel *model = grid->model();
+    const QItemSelection rows(model->index(0, 0), model->index(row - 1, model->columnCount() - 1));
+    grid->selectionModel()->select(rows, QItemSelectionModel::ClearAndSelect);
+}
+
+/// What is done to many rows at once, in milliseconds until the list has been painted again. A figure that
+/// more than doubles with the rows tells of a cost that grows with their square.
+void ManyRows(benchmark::State &state)
+{
+    const int faxes = static_cast<int>(state.range(0));
+    ShownOffice office(faxes);
+    Choose(BigMailbox::strReceivedFolder);
+    QApplication::processEvents();
+    QTreeView *grid = office.Grid();
+    office.ports.prompts.aAnswers = {mbAnswerYes};
+    const auto measure = [&](const char *name, const std::function<void()> &run) {
+        state.counters[name] = Pairs::TimeOf([&] {
+            run();
+            QApplication::processEvents();
+            grid->viewport()->repaint();
+        });
+    };
+    for (auto _ : state) {
+        measure("frame", [] {});
+        measure("select_all", [&] { grid->selectAll(); });
+        measure("sort_all", [&] { emit grid->header()->sectionClicked(3); });
+        SelectUpTo(grid, faxes / 2);
+        measure("select_next", [&] { SelectUpTo(grid, faxes / 2 + 1); });
+        const QStringList ids = office.mailbox.SelectedFaxes();
+        measure("sort_half", [&] { emit grid->header()->sectionClicked(7); });
+        measure("frame_of_half", [] {});
+        measure("delete_half", [&] { office.mailbox.DeleteSpecItemFromGrid(ids, true); });
+    }
+}
+BENCHMARK(ManyRows)->Arg(25000)->Arg(50000)->Arg(100000)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 // Memory
 

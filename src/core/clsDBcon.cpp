@@ -42,6 +42,26 @@ void SortInMemory(sqlite3 *connection)
     sqlite3_exec(connection, "Pragma temp_store=Memory", nullptr, nullptr, nullptr);
 }
 
+std::function<void()> &Watcher()
+{
+    static std::function<void()> watcher;
+    return watcher;
+}
+
+int CallWatcher(void *)
+{
+    if (Watcher())
+        Watcher()();
+    return 0; // go on
+}
+
+/// Long statements call from within, short ones as they begin.
+void WatchStatements(sqlite3 *connection)
+{
+    constexpr int steps = 100 * 1000; // of SQLite's machine: a few milliseconds
+    sqlite3_progress_handler(connection, steps, CallWatcher, nullptr);
+}
+
 struct CloseConnection
 {
     void operator()(sqlite3 *opened) const { sqlite3_close_v2(opened); }
@@ -101,6 +121,7 @@ long clsDBcon::OpenDB(const QString &path)
     sqlite3_busy_timeout(connection, lBusyMilliseconds);
     KeepJournal(connection);
     SortInMemory(connection);
+    WatchStatements(connection);
     bOpened = true;
     return status;
 }
@@ -120,6 +141,7 @@ void clsDBcon::CloseDB()
 std::unique_ptr<clsStatement> clsDBcon::SelectEx(const QString &sql)
 {
     RequireOpen(bOpened, "SelectEx");
+    CallWatcher(nullptr);
     return RaiseAs("Function SelectEx", [&] { return std::make_unique<clsStatement>(connection, sql); });
 }
 
@@ -177,12 +199,18 @@ void clsDBcon::CopyTo(const QString &path)
 void clsDBcon::Write(const QString &source, const std::function<void()> &operation)
 {
     bColumnNotUnique = false;
+    CallWatcher(nullptr);
     try {
         RaiseAs(source, operation);
     } catch (const RaisedError &error) {
         bColumnNotUnique = error.Number() == DatabaseErrors::lConstraint;
         throw;
     }
+}
+
+void clsDBcon::SetWatcher(std::function<void()> watcher)
+{
+    Watcher() = std::move(watcher);
 }
 
 QString clsDBcon::SqliteGetErrMsg(long number)

@@ -108,6 +108,9 @@ public:
     /// overwritten; a failure leaves none.
     void CopyTo(const QString &path);
 
+    /// Is called again and again while statements run, on whatever connection; it raises nothing.
+    static void SetWatcher(std::function<void()> watcher);
+
     /// The text of an error number that this layer raises; "UnSign Error" for others.
     static QString SqliteGetErrMsg(long number);
 

@@ -3,6 +3,7 @@
 #include "core/Message.h"
 #include "core/ports/Ports.h"
 #include "platform/CanberraSound.h"
+#include "platform/DatabaseWatch.h"
 #include "platform/DesktopShell.h"
 #include "platform/MessagePrompts.h"
 #include "platform/QtEventPump.h"
@@ -28,6 +29,7 @@ private:
     Q_DISABLE_COPY(SystemPorts)
 
     QtEventPump pump;
+    DatabaseWatch databaseWatch;
     QtTimers timers;
     SystemClock clock;
     SystemIds ids;

@@ -1,4 +1,6 @@
+#include "core/clsDBcon.h"
 #include "fixtures/TestTable.h"
+#include "platform/DatabaseWatch.h"
 #include "platform/MessagePrompts.h"
 #include "platform/QtEventPump.h"
 
@@ -49,6 +51,20 @@ private slots:
         });
         prompts.Show("A text", mbOKOnly, {});
         QVERIFY(alive);
+    }
+
+    void longStatementShowsABusyPointer()
+    {
+        const DatabaseWatch watch(0);
+        clsDBcon database;
+        QCOMPARE(database.OpenDB(":memory:"), 0);
+        database
+            .SelectEx("WITH RECURSIVE n(i) AS (VALUES(1) UNION ALL SELECT i+1 FROM n WHERE i<500000) "
+                      "SELECT count(*) FROM n")
+            ->Execute();
+        QVERIFY(QGuiApplication::overrideCursor());
+        QCoreApplication::processEvents();
+        QVERIFY(!QGuiApplication::overrideCursor());
     }
 
     void quittingClosesTheBoxWithTheHarmlessAnswer() // ends the program: keep it last

@@ -19,6 +19,13 @@
 
 #include <algorithm>
 
+namespace {
+
+/// Most pieces of a selection: every cell that is drawn looks through all of them.
+constexpr int lMostPieces = 2000;
+
+} // namespace
+
 ListPane::ListPane(ShownMailbox &shownMailbox, QWidget *parent)
     : QWidget(parent)
     , mailbox(shownMailbox)
@@ -144,6 +151,10 @@ void ListPane::Sort(int column)
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     const auto restore = qScopeGuard([] { QGuiApplication::restoreOverrideCursor(); });
     mailbox.List().SortBy(column);
+    QItemSelectionModel *selection = grdFaxList->selectionModel();
+    if (selection->selection().size() > lMostPieces)
+        selection->select(grdFaxList->currentIndex(),
+                          QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     grdFaxList->scrollTo(grdFaxList->currentIndex());
 }
 
@@ -222,16 +233,20 @@ void ListPane::TakeSelection()
     mailbox.SelectFaxes(ids, ids.contains(current) ? current : ids.value(0));
 }
 
+QItemSelection ListPane::AllRows() const
+{
+    return {model->index(0, 0), model->index(model->rowCount() - 1, model->columnCount() - 1)};
+}
+
+/// The view would look at each row.
 void ListPane::SelectAll()
 {
-    grdFaxList->selectAll();
+    grdFaxList->selectionModel()->select(AllRows(), QItemSelectionModel::ClearAndSelect);
 }
 
 void ListPane::ReverseSelection()
 {
-    const QItemSelection all(model->index(0, 0),
-                             model->index(model->rowCount() - 1, model->columnCount() - 1));
-    grdFaxList->selectionModel()->select(all, QItemSelectionModel::Toggle);
+    grdFaxList->selectionModel()->select(AllRows(), QItemSelectionModel::Toggle);
 }
 
 // The icon of unread faxes

@@ -2,6 +2,7 @@
 
 #include "mailbox/FaxColumnWidths.h"
 
+#include <QItemSelection>
 #include <QWidget>
 
 #include <vector>
@@ -47,6 +48,7 @@ private:
     QString WhyEmpty() const;
     /// Rows of the list, from 1, in their order.
     std::vector<int> SelectedRows() const;
+    QItemSelection AllRows() const;
     void FollowMailbox(int row);
     void TakeSelection();
     void ClickCell(const QModelIndex &index);
