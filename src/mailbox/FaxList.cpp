@@ -85,6 +85,12 @@ int FaxList::UnreadCount() const
         std::count_if(aRows.begin(), aRows.end(), [](const FaxRow &row) { return !row.bRead; }));
 }
 
+int FaxList::StoredUnreadCount() const
+{
+    return static_cast<int>(
+        std::count_if(aRows.begin(), aRows.end(), [](const FaxRow &row) { return row.IsStoredUnread(); }));
+}
+
 void FaxList::LoadSummary(const FaxListQueries::Subtrees &subtrees, const QString &dateRange)
 {
     Rows rows;

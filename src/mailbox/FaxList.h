@@ -31,6 +31,8 @@ public:
     /// The ids of all rows, quoted for a statement.
     QString QuotedIds() const;
     int UnreadCount() const;
+    /// The same, as statements count them: not those whose state was missing or no number as they were read.
+    int StoredUnreadCount() const;
 
     /// Fills the list for mode 0.
     void LoadSummary(const FaxListQueries::Subtrees &subtrees, const QString &dateRange);

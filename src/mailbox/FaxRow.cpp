@@ -178,7 +178,9 @@ void FaxRow::Read(const clsStatement &statement, const PackedTexts &before)
         stored[count] = stored[count].substr(0, lMostStored);
     }
     lIdHash = HashOf(stored[0]);
-    bRead = ReadsAsRead(statement.Utf8(rules.lReadField));
+    const std::string_view readState = statement.Utf8(rules.lReadField);
+    bRead = ReadsAsRead(readState);
+    bStoredUnread = readState == "0";
     lLevel = ReadLevel(statement.Utf8(rules.lLevelField));
     texts = PackedTexts({stored.data(), count});
 }

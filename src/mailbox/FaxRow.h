@@ -32,6 +32,8 @@ public:
     int FaxTable() const { return lFaxTable; }
     /// 0 urgent, 2 low, 1 normal.
     int Level() const { return lLevel; }
+    /// As it was read: its stored state was 0.
+    bool IsStoredUnread() const { return bStoredUnread; }
     /// Text of a column, numbered from 1.
     QString Cell(int column) const;
 
@@ -46,6 +48,7 @@ public:
 private:
     void Read(const clsStatement &statement, const PackedTexts &before);
 
+    bool bStoredUnread = false;
     quint8 lMode : 4 = 0;
     quint8 lLevel : 2 = 1;
     quint8 lFaxTable : 2 = 0;

@@ -79,13 +79,14 @@ void ShownMailbox::ShowFolder(FolderNode *node)
     Trap("Error In InitFaxList", [&] { list.SetLayout(GetColumnLayout(node->Family)); });
     emit FolderSelected(node);
     const int mode = GetListMode(node->Family, GetNodeParentKey(node));
+    std::optional<long> unread;
     if (mode >= 0)
-        Guard("LoadGridItem", [&] { LoadList(node->strKey, mode, {}, false, true); });
+        Guard("LoadGridItem", [&] { unread = LoadList(node->strKey, mode, {}, false, true); });
     else
         emit CommandsChanged();
     dates.ReleaseMonths();
     emit DatesChanged();
-    ShowStatus(strSelectionStatus);
+    ShowStatus(strSelectionStatus, unread);
 }
 
 /// A folder goes away: if it or one below it is selected, the folder above is, where the faxes are now.
@@ -103,10 +104,8 @@ void ShownMailbox::RefreshFolderUnreadCounts()
     Guard("RefreshFolderUnreadCounts", [this] {
         folders.RefreshFolderUnreadCounts(dates.Text());
         // It has told the number, but for the bin, whose status counts all dates.
-        if (selected && selected->Family != FolderFamily::Recyle)
-            ShowStatus(strRecountStatus, selected->lUnread);
-        else
-            ShowStatus(strRecountStatus);
+        const bool isTold = selected && selected->Family != FolderFamily::Recyle;
+        ShowStatus(strRecountStatus, isTold ? std::optional<long>(selected->lUnread) : std::nullopt);
     });
 }
 
@@ -122,17 +121,14 @@ void ShownMailbox::SetFolderTreeText(long count, FolderNode *node)
     });
 }
 
-void ShownMailbox::ShowStatus(const char *format)
-{
-    const bool isCounted = selected && selected->strKey != "1000";
-    ShowStatus(format, isCounted ? FolderTree::GetNotReadCount(*selected, dates.Text()) : 0);
-}
-
-void ShownMailbox::ShowStatus(const char *format, long unread)
+void ShownMailbox::ShowStatus(const char *format, std::optional<long> unread)
 {
     strStatus.clear();
-    if (selected && selected->strKey != "1000")
-        strStatus = tr(format).arg(QString::number(list.RowCount()), QString::number(unread));
+    if (selected && selected->strKey != "1000") {
+        if (!unread)
+            unread = FolderTree::GetNotReadCount(*selected, dates.Text());
+        strStatus = tr(format).arg(QString::number(list.RowCount()), QString::number(*unread));
+    }
     emit StatusChanged();
 }
 
@@ -141,15 +137,21 @@ void ShownMailbox::ShowStatus(const char *format, long unread)
 void ShownMailbox::LoadGridItem(const QString &key, int mode, const QString &extraFilter, bool allFolders,
                                 bool clearFirst)
 {
-    Guard("LoadGridItem", [&] {
-        LoadList(key, mode, extraFilter, allFolders, clearFirst);
-        ShowStatus(strRecountStatus);
-    });
+    Guard("LoadGridItem",
+          [&] { ShowStatus(strRecountStatus, LoadList(key, mode, extraFilter, allFolders, clearFirst)); });
 }
 
-/// Leaves the status line and errors to the caller.
-void ShownMailbox::LoadList(const QString &key, int mode, const QString &extraFilter, bool allFolders,
-                            bool clearFirst)
+/// The number of the Recycle bin is that of all dates.
+bool ShownMailbox::IsCountedAsListed(const QString &key) const
+{
+    return selected && selected->strKey == key &&
+           (selected->Family != FolderFamily::Recyle || dates.Text().isEmpty());
+}
+
+/// Leaves the status line and errors to the caller. The number of unread faxes of the selected folder when
+/// the rows tell it: to count them in the table would take a tenth of the load again.
+std::optional<long> ShownMailbox::LoadList(const QString &key, int mode, const QString &extraFilter,
+                                           bool allFolders, bool clearFirst)
 {
     const QString previousFax = clearFirst ? QString() : strCurrent;
     if (mode == 0)
@@ -159,6 +161,8 @@ void ShownMailbox::LoadList(const QString &key, int mode, const QString &extraFi
     narrowing = {dates.FirstDay(), dates.LastDay(), !extraFilter.isEmpty()};
     SelectAfterLoad(previousFax);
     emit CommandsChanged();
+    const bool isWhole = mode > 0 && clearFirst && !allFolders && extraFilter.isEmpty();
+    return isWhole && IsCountedAsListed(key) ? std::optional<long>(list.StoredUnreadCount()) : std::nullopt;
 }
 
 void ShownMailbox::LoadSummary()

@@ -12,6 +12,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <optional>
 
 class Clock;
 class Ids;
@@ -117,7 +118,9 @@ signals:
 private:
     void Trap(const QString &heading, const std::function<void()> &run);
     void Guard(const QString &routine, const std::function<void()> &run);
-    void LoadList(const QString &key, int mode, const QString &extraFilter, bool allFolders, bool clearFirst);
+    bool IsCountedAsListed(const QString &key) const;
+    std::optional<long> LoadList(const QString &key, int mode, const QString &extraFilter, bool allFolders,
+                                 bool clearFirst);
     void LoadSummary();
     void ShowFolder(FolderNode *node);
     void LeaveFolder(const FolderNode *removed);
@@ -131,8 +134,7 @@ private:
     void SelectAfterLoad(const QString &previousFax);
     void ClearSelection();
     void ResetPreview();
-    void ShowStatus(const char *format);
-    void ShowStatus(const char *format, long unread);
+    void ShowStatus(const char *format, std::optional<long> unread = {});
     void ApplyDates();
 
     Message &message;

@@ -44,6 +44,38 @@ private slots:
         QCOMPARE(mailbox->SelectedFaxes(), QStringList());
     }
 
+    void statusCountsAsTheTableDoes()
+    {
+        int fax = 0;
+        for (const char *folder : {"1001", "1002", "1003", "1005", "1006", "1007", "1008"}) {
+            const QString bin = qstrcmp(folder, "1008") == 0 ? "1008" : "";
+            for (const char *state : {"0", "0", "1", "-1", "False", ""}) {
+                const QString id = QString::number(++fax);
+                const QString year = fax % 2 ? "2024" : "2001"; // not in the range below
+                const Profile::Columns columns{{"folderID", folder}, {"isReaded", state}, {"RecyleID", bin}};
+                profile->InsertReceivedFax("R" + id, columns);
+                profile->InsertSentFax("S" + id, columns);
+                Profile::Execute("Update ReceiveFax Set receiveTime='" + year + "-05-05' Where fax_ID='R" +
+                                 id + "'");
+                Profile::Execute("Update SendFax Set ModifyTime='" + year + "-05-05' Where fax_ID='S" + id +
+                                 "'");
+            }
+        }
+        mailbox->LoadFaxFolderTree();
+        for (const int year : {0, int(mailbox->Dates().Years().indexOf("2024"))}) {
+            for (const char *folder : {"1001", "1002", "1003", "1005", "1006", "1007", "1008"}) {
+                mailbox->SelectFolder(folder);
+                mailbox->SelectYear(year);
+                const long unread =
+                    FolderTree::GetNotReadCount(*mailbox->SelectedNode(), mailbox->Dates().Text());
+                QVERIFY(unread > 0);
+                QVERIFY2(mailbox->StatusText().endsWith("Unread : " + QString::number(unread)), folder);
+                mailbox->SelectFolder(folder); // its year stays
+                QVERIFY2(mailbox->StatusText().endsWith("Unread: " + QString::number(unread)), folder);
+            }
+        }
+    }
+
     void newFaxesOnTopLeaveTheReaderAlone()
     {
         FaxFile file;
