@@ -91,7 +91,8 @@ void MainStage::SetPassword()
         [this](const QString &oldPassword, const QString &newPassword) {
             return server.runs.ChangePassword(oldPassword, newPassword);
         },
-        [this] { return server.session.IsConnected(); }, &window);
+        [this] { return server.session.IsConnected(); });
+    PlaceOver(form, window);
     form.exec();
 }
 
