@@ -37,6 +37,17 @@ QSize FitScreen(const QRect &window)
     return screen ? window.size().boundedTo(screen->availableSize() - frameSize) : window.size();
 }
 
+/// Where a window of this size stands in the middle of the first screen.
+QPoint CentreOnScreen(const QSize &window)
+{
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    if (!screen)
+        return {};
+    const QRect room = screen->availableGeometry();
+    const QSize rest = (room.size() - frameSize - window).expandedTo({0, 0});
+    return room.topLeft() + QPoint(rest.width() / 2, rest.height() / 2);
+}
+
 /// One size alone says nothing.
 void RestoreSizes(QSplitter *splitter, const std::optional<int> &first, const std::optional<int> &second)
 {
@@ -91,8 +102,8 @@ void PaneLayout::PlaceWindow(const MainLayout &layout)
         QPoint(layout.Main.lLeft.value_or(now.left()), layout.Main.lTop.value_or(now.top())),
         QSize(layout.Main.lWidth.value_or(now.width()), layout.Main.lHeight.value_or(now.height())));
     panes.window->resize(FitScreen(wanted).expandedTo(panes.window->minimumSizeHint()));
-    if (layout.Main.lLeft && layout.Main.lTop && CanBeGrasped(wanted))
-        panes.window->move(wanted.topLeft());
+    const bool hasPlace = layout.Main.lLeft && layout.Main.lTop && CanBeGrasped(wanted);
+    panes.window->move(hasPlace ? wanted.topLeft() : CentreOnScreen(panes.window->size()));
 }
 
 PaneRect PaneLayout::RectOf(QWidget *pane) const
