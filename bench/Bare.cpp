@@ -3,11 +3,13 @@
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
-Bare::Bare(const QString &databaseFile)
+Bare::Bare(const QString &databaseFile, Settings settings)
 {
-    if (sqlite3_open_v2(databaseFile.toUtf8().constData(), &connection, SQLITE_OPEN_READONLY, nullptr) !=
-        SQLITE_OK)
+    const int flags = SQLITE_OPEN_READONLY | (settings == AsProgram ? SQLITE_OPEN_NOMUTEX : 0);
+    if (sqlite3_open_v2(databaseFile.toUtf8().constData(), &connection, flags, nullptr) != SQLITE_OK)
         qFatal("cannot open %s", qPrintable(databaseFile));
+    if (settings == AsProgram)
+        sqlite3_exec(connection, "Pragma temp_store=Memory", nullptr, nullptr, nullptr);
 }
 
 Bare::~Bare()

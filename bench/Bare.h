@@ -9,7 +9,10 @@ struct sqlite3;
 class Bare
 {
 public:
-    explicit Bare(const QString &databaseFile);
+    /// With SQLite's own settings, or with those of the program's connection.
+    enum Settings { Plain, AsProgram };
+
+    explicit Bare(const QString &databaseFile, Settings settings = Plain);
     ~Bare();
     Bare(const Bare &) = delete;
     Bare &operator=(const Bare &) = delete;

@@ -19,6 +19,7 @@ public:
     /// measure's slowest run lies over its fastest.
     void Report(benchmark::State &state) const;
 
+    double Ratio() const { return Median(aRatios); }
     static double Median(std::vector<double> values);
 
 private:

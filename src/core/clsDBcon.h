@@ -69,6 +69,7 @@ private:
 
     sqlite3 *connection;
     sqlite3_stmt *statement = nullptr;
+    int lColumns = 0;
     bool bDone = false;
 };
 

@@ -71,6 +71,7 @@ QVariant ReadValue(sqlite3_stmt *statement, int index)
 clsStatement::clsStatement(sqlite3 *connection, const QString &sql)
     : connection(connection)
     , statement(Prepare(connection, sql))
+    , lColumns(sqlite3_column_count(statement))
 {
 }
 
@@ -125,12 +126,13 @@ QVariant clsStatement::ColumnValue(const QString &name) const
 
 int clsStatement::ColumnCount() const
 {
-    return sqlite3_column_count(Prepared());
+    return lColumns;
 }
 
 void clsStatement::RequireColumn(int index) const
 {
-    if (index < 0 || index >= ColumnCount())
+    Prepared();
+    if (index < 0 || index >= lColumns)
         DatabaseErrors::Raise(DatabaseErrors::lColumnOutOfRange, "ColumnValue");
 }
 

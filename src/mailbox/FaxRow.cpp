@@ -170,12 +170,12 @@ void FaxRow::Read(const clsStatement &statement, const PackedTexts &before)
 {
     const RowRules &rules = GetRules(lMode, lFaxTable);
     std::array<std::string_view, 1 + lMostCells> stored{statement.Utf8(0)};
-    std::size_t count = 1;
-    for (; count <= rules.CellCount(); ++count) {
-        const int field = rules.aCells[count - 1].lField;
-        stored[count] =
-            field < statement.ColumnCount() ? statement.Utf8(field) : before.At(static_cast<int>(count));
-        stored[count] = stored[count].substr(0, lMostStored);
+    const std::size_t count = 1 + rules.CellCount();
+    const int fields = statement.ColumnCount();
+    for (std::size_t i = 1; i < count; ++i) {
+        const int field = rules.aCells[i - 1].lField;
+        stored[i] = field < fields ? statement.Utf8(field) : before.At(static_cast<int>(i));
+        stored[i] = stored[i].substr(0, lMostStored);
     }
     lIdHash = HashOf(stored[0]);
     const std::string_view readState = statement.Utf8(rules.lReadField);
