@@ -133,12 +133,13 @@ BENCHMARK_CAPTURE(FirstRows, sent, BigMailbox::strSentFolder)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(9);
 
-/// Frames at places far apart, so that every row is a new one; the list fills a large screen.
-void ScrolledFrame(benchmark::State &state)
+/// Frames at places far apart, so that every row is a new one, with the window as it opens or with the list
+/// over the whole height of the screen.
+void ScrolledFrame(benchmark::State &state, bool withPreview)
 {
     ShownOffice office;
     Choose(BigMailbox::strReceivedFolder);
-    FindInWindow<QWidget>("picPreview")->hide();
+    FindInWindow<QWidget>("picPreview")->setVisible(withPreview);
     QApplication::processEvents();
     QScrollBar *bar = office.Grid()->verticalScrollBar();
     std::mt19937 random{1};
@@ -160,7 +161,14 @@ void ScrolledFrame(benchmark::State &state)
     state.counters["p99_ms"] = NinetyNinth(times);
     state.counters["p99_wall_ms"] = NinetyNinth(walls);
 }
-BENCHMARK(ScrolledFrame)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(lFrames);
+BENCHMARK_CAPTURE(ScrolledFrame, asOpened, true)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(lFrames);
+BENCHMARK_CAPTURE(ScrolledFrame, listOnly, false)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(lFrames);
 
 void SelectUpTo(QTreeView *grid, int row)
 {
