@@ -12,6 +12,8 @@ target_compile_options(velmar_options INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wshadow=local;-Wnon-virtual-dtor;-Woverloaded-virtual;-Werror>)
 target_compile_definitions(velmar_options INTERFACE
   QT_DISABLE_DEPRECATED_BEFORE=0x060400 QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_FOREACH)
+# A program loads only the libraries that it uses; the print tool, for one, starts without Qt Widgets.
+target_link_options(velmar_options INTERFACE -Wl,--as-needed)
 if(VELMAR_SANITIZE)
   target_compile_options(velmar_options INTERFACE -fsanitize=${VELMAR_SANITIZE} -fno-omit-frame-pointer
                                                   -fno-sanitize-recover=all)

@@ -32,6 +32,8 @@ public:
     explicit FaxPages(const QString &path);
 
     int Count() const { return static_cast<int>(aPages.size()); }
+    /// What the page table tells of the zero-based page.
+    const TiffPage &Page(int page) const { return aPages[page]; }
     /// Decodes the zero-based page turned by `rotation` degrees, a multiple of 90, counter-clockwise. An
     /// empty result when it cannot be read.
     PageBits Load(int page, int rotation) const;

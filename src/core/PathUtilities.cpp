@@ -116,6 +116,11 @@ QString GetFolderOfPath(const QString &path)
     return path.left(LastSeparator(path) + 1);
 }
 
+QString GetBareName(const QString &path)
+{
+    return path.mid(LastSeparator(path) + 1);
+}
+
 QString GetSpecialFolder(const Folders &folders, int code, long /*owner*/)
 {
     QString path;

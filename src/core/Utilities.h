@@ -30,6 +30,8 @@ bool DeleteFolder(const QString &path);
 bool IsFolderReadOnly(const QString &path, Ids &ids, Message &message);
 /// The text up to the last separator, that included; empty when there is none.
 QString GetFolderOfPath(const QString &path);
+/// What follows the last "/" or "\".
+QString GetBareName(const QString &path);
 /// Folder code 35: common application data; 26: the user's. Ends in a slash; empty on failure.
 QString GetSpecialFolder(const Folders &folders, int code, long owner = 0);
 /// The path cut in the middle to `width` characters at most, its last component kept.

@@ -248,8 +248,3 @@ QString FormatListTime(const QString &stored)
     return text.mid(5, 2) % '/' % text.mid(8, 2) % '/' % text.left(4) % ' ' %
            (hasTime ? text.mid(11) : QStringView(u"00:00:00"));
 }
-
-QString GetBareName(const QString &path)
-{
-    return path.mid(std::max(path.lastIndexOf('/'), path.lastIndexOf('\\')) + 1);
-}

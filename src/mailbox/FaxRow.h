@@ -58,6 +58,3 @@ private:
 
 /// "YYYY-MM-DD HH:MM:SS" as the list shows it, "MM/DD/YYYY hh:mm:ss"; any other text as it stands.
 QString FormatListTime(const QString &stored);
-
-/// What follows the last "/" or "\".
-QString GetBareName(const QString &path);

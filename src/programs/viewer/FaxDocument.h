@@ -1,0 +1,43 @@
+#pragma once
+
+#include "core/FaxImage.h"
+
+#include <QList>
+#include <QObject>
+#include <QSizeF>
+#include <QString>
+
+/// The fax on show: its pages, and how the user has turned them. The file itself is never changed.
+class FaxDocument final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Reads the page table. False with a `Problem` when the file is missing or no fax that can be shown;
+    /// the document is empty then.
+    bool Open(const QString &path);
+    const QString &Path() const { return strPath; }
+    /// A sentence for the user.
+    const QString &Problem() const { return strProblem; }
+
+    int PageCount() const { return pages.Count(); }
+    /// Degrees clockwise: 0, 90, 180 or 270.
+    int Rotation(int page) const { return aRotations[page]; }
+    /// Turns the zero-based page by a multiple of 90 degrees, clockwise.
+    void Rotate(int page, int degrees);
+    void RotateAll(int degrees);
+    /// Size on paper in inches, turned as shown. A page that names no resolution counts as 204 x 196 dpi.
+    QSizeF PageSize(int page) const;
+    /// The decoded page, turned as shown; empty when it can no longer be read.
+    PageBits LoadPage(int page) const;
+
+signals:
+    void Opened();
+    void PageTurned(int page);
+
+private:
+    FaxPages pages;
+    QList<int> aRotations;
+    QString strPath;
+    QString strProblem;
+};
