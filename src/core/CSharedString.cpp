@@ -52,6 +52,11 @@ void CSharedString::Create(SharedBlocks &blocks, const QString &name)
         qToLittleEndian<qint32>(0, MappedBlock(block).Bytes());
 }
 
+bool CSharedString::IsHeldElsewhere() const
+{
+    return MappedBlock(block).IsHeldElsewhere();
+}
+
 QString CSharedString::Item() const
 {
     SharedBlock &mapped = MappedBlock(block);

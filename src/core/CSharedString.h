@@ -18,6 +18,8 @@ public:
     /// Maps the block; an existing one keeps its contents. Raises the system's error.
     void Create(SharedBlocks &blocks, const QString &name);
 
+    /// True while another process holds the block. Raises 13 before `Create`.
+    bool IsHeldElsewhere() const;
     /// The stored text. Raises 13 before `Create`.
     QString Item() const;
     /// Stores a text; one that exceeds the block is refused with a raised error and changes nothing.

@@ -9,15 +9,29 @@
 
 namespace {
 
-enum PrinterStatus { printerIdle = 0, printerDone = 2, printerFailed = 3 };
+constexpr QLatin1StringView progressSection("PROGRESS");
+constexpr QLatin1StringView statusKey("Status");
 
 } // namespace
 
-int GetPrinterStatus(const Ports &ports)
+QString PrinterProgressFile(const Folders &folders)
 {
     constexpr int userAppData = 26;
-    const QString file = GetSpecialFolder(ports.folders, userAppData) + QStringLiteral("Velmar/FaxSetup.ini");
-    return ToNumber(ReadIniValue(QStringLiteral("PROGRESS"), QStringLiteral("Status"), file));
+    const QString folder = GetSpecialFolder(folders, userAppData);
+    return folder.isEmpty() ? QString() : folder + QStringLiteral("Velmar/FaxSetup.ini");
+}
+
+int GetPrinterStatus(const Ports &ports)
+{
+    const QString file = PrinterProgressFile(ports.folders);
+    return file.isEmpty() ? printerIdle : ToNumber(ReadIniValue(progressSection, statusKey, file));
+}
+
+bool SetPrinterStatus(const Folders &folders, PrinterStatus status)
+{
+    const QString file = PrinterProgressFile(folders);
+    return CreateFolder(GetFolderOfPath(file)) &&
+           WriteIniValue(progressSection, statusKey, QString::number(status), file);
 }
 
 bool WaitForPrinter(const Ports &ports, int limitSeconds)

@@ -27,6 +27,16 @@ bool TryLock(int file, short type)
     return fcntl(file, F_OFD_SETLK, &lock) == 0;
 }
 
+/// True when an exclusive lock could not be had. Asking gets none.
+bool IsLockedElsewhere(int file)
+{
+    struct flock lock = {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    // An error leaves the question open; who waits for the others to leave must not stop too early.
+    return fcntl(file, F_OFD_GETLK, &lock) != 0 || lock.l_type != F_UNLCK;
+}
+
 /// The name may have been taken away, and perhaps given to a newer file, before the lock was got.
 bool IsNamed(int file, const QByteArray &path)
 {
@@ -73,6 +83,7 @@ public:
     }
 
     bool Existed() const override { return bExisted; }
+    bool IsHeldElsewhere() const override { return IsLockedElsewhere(file.Number()); }
     char *Bytes() override { return abBytes; }
     int Size() const override { return lSize; }
 

@@ -1,6 +1,4 @@
 #include "core/PrinterProgress.h"
-#include "core/SettingsFile.h"
-#include "core/Utilities.h"
 #include "core/clsWaitableTimer.h"
 #include "fakes/FakePorts.h"
 #include "fixtures/TestTable.h"
@@ -72,7 +70,7 @@ private slots:
 
     void quittingProgramEndsEveryWait()
     {
-        SetPrinterStatus("1");
+        QVERIFY(SetPrinterStatus(fakes->folders, printerBusy));
         fakes->pump.Then([&] { fakes->pump.Quit(); });
         clsWaitableTimer(fakes->ports).Wait(60000);
         QVERIFY(!WaitForPrinter(fakes->ports, 0));
@@ -82,30 +80,23 @@ private slots:
 
     void printerIsWaitedForUntilItIsDone_data()
     {
-        const TestTable<QString, bool, int> row{"end", "result", "time"};
-        row("done", "2", true, 4000);
-        row("failed", "3", false, 4000);
-        row("given up", "1", false, 10000);
+        const TestTable<PrinterStatus, bool, int> row{"end", "result", "time"};
+        row("done", printerDone, true, 4000);
+        row("failed", printerFailed, false, 4000);
+        row("given up", printerBusy, false, 10000);
     }
 
     void printerIsWaitedForUntilItIsDone()
     {
-        QFETCH(QString, end);
+        QFETCH(PrinterStatus, end);
         QVERIFY(WaitForPrinter(fakes->ports, 0)); // it never worked yet
-        SetPrinterStatus("1");
-        fakes->pump.After(3500).Then([&] { SetPrinterStatus(end); });
+        QVERIFY(SetPrinterStatus(fakes->folders, printerBusy));
+        fakes->pump.After(3500).Then([&] { SetPrinterStatus(fakes->folders, end); });
         QTEST(WaitForPrinter(fakes->ports, 10), "result");
         QTEST(int(fakes->clock.Milliseconds()), "time");
     }
 
 private:
-    void SetPrinterStatus(const QString &status) const
-    {
-        const QString settings = fakes->folders.UserAppData() + "/Velmar";
-        QVERIFY(CreateFolder(settings));
-        QVERIFY(WriteIniValue("PROGRESS", "Status", status, settings + "/FaxSetup.ini"));
-    }
-
     std::unique_ptr<QTemporaryDir> folder;
     std::unique_ptr<FakePorts> fakes;
 };

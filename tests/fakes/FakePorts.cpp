@@ -42,6 +42,7 @@ public:
     {
     }
     bool Existed() const override { return bExisted; }
+    bool IsHeldElsewhere() const override { return bytes.use_count() > 1; }
     char *Bytes() override { return bytes->data(); }
     int Size() const override { return static_cast<int>(bytes->size()); }
 

@@ -101,8 +101,9 @@ private slots:
         QCOMPARE(maker.NextLine(), "new ");
         QCOMPARE(maker.NextLine(), "written");
         auto block = Open("killed");
-        QVERIFY(block->Existed());
+        QVERIFY(block->Existed() && block->IsHeldElsewhere());
         maker.Kill();
+        QVERIFY(!block->IsHeldElsewhere());
         QCOMPARE(block->Bytes(), "from there");
         std::strcpy(block->Bytes(), "from here");
         Peer third({"block", "killed"});

@@ -14,6 +14,9 @@ public:
 
     /// True when another process held the block already as this one opened it.
     virtual bool Existed() const = 0;
+    /// True while another opening of the block lasts, also one of this process. A killed holder counts no
+    /// more.
+    virtual bool IsHeldElsewhere() const = 0;
 
     virtual char *Bytes() = 0;
     virtual int Size() const = 0;
