@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QImage>
+#include <QList>
 #include <QString>
 
 /// What the macro words of a profile stand for on one page.
@@ -16,8 +17,8 @@ struct HeaderFields
     QString strRecipients;
 };
 
-/// Draws the header and the footer of a profile onto the pages of one resolution. Safe to use from several
-/// threads.
+/// Draws the header and the footer of a profile onto the pages of one resolution. Needs a GUI application for
+/// its fonts. Safe to use from several threads.
 class HeaderPainter final
 {
 public:
@@ -25,8 +26,34 @@ public:
 
     /// Rows from the page's edge that belong to the header or footer of that page (from 1); 0 when it has
     /// none.
-    int HeaderHeight(int page) const;
-    int FooterHeight(int page) const;
+    int HeaderHeight(int page) const { return page > 1 && bOnlyFirstHeader ? 0 : header.lHeight; }
+    int FooterHeight(int page) const { return page > 1 && bOnlyFirstFooter ? 0 : footer.lHeight; }
     /// Draws both onto a sheet of `Format_Mono` whose 1 is black. Rows outside of the two are not touched.
     void Paint(QImage &sheet, const HeaderFields &fields) const;
+
+private:
+    using Texts = std::array<HeaderText, 3>; ///< left, middle, right
+
+    struct Line
+    {
+        Texts aTexts;
+        int lTop = 0; ///< rows from the upper edge of its block
+        int lAscent = 0;
+        int lHeight = 0;
+    };
+    /// A header or a footer.
+    struct Block
+    {
+        QList<Line> aLines;
+        int lHeight = 0;
+        int lLeft = 0, lRight = 0; ///< margins
+    };
+
+    Line MakeLine(const HeaderText *texts) const;
+    Block MakeBlock(const HeaderText *texts, const HeaderSpace &space, bool isFooter) const;
+    void PaintBlock(QImage &sheet, const Block &block, int top, const HeaderFields &fields) const;
+
+    int lDotsPerInchX, lDotsPerInchY;
+    Block header, footer;
+    bool bOnlyFirstHeader, bOnlyFirstFooter;
 };

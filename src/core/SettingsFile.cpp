@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QList>
 #include <QSaveFile>
+#include <QStringTokenizer>
 
 #include <optional>
 
@@ -58,9 +59,10 @@ QString TextOfLine(const QByteArray &line)
     return QString::fromUtf8(line).trimmed();
 }
 
-bool IsSameName(const QString &left, const QString &right)
+/// What two names have in common that are the same.
+QString Folded(const QString &name)
 {
-    return left.trimmed().compare(right.trimmed(), Qt::CaseInsensitive) == 0;
+    return name.trimmed().toCaseFolded();
 }
 
 bool IsSection(const QString &text)
@@ -68,14 +70,18 @@ bool IsSection(const QString &text)
     return text.startsWith('[');
 }
 
-bool IsSectionNamed(const QString &text, const QString &section)
+/// Folded; nothing for a bracket that is never closed.
+std::optional<QString> SectionName(const QString &text)
 {
-    return IsSection(text) && text.contains(']') && IsSameName(text.mid(1, text.indexOf(']') - 1), section);
+    const qsizetype end = text.indexOf(']');
+    return end < 0 ? std::nullopt : std::optional(Folded(text.mid(1, end - 1)));
 }
 
-bool IsKeyNamed(const QString &text, const QString &key)
+/// Folded; nothing for a line without a key.
+std::optional<QString> KeyName(const QString &text)
 {
-    return !text.startsWith(';') && text.contains('=') && IsSameName(text.section('=', 0, 0), key);
+    const qsizetype end = text.startsWith(';') ? -1 : text.indexOf('=');
+    return end < 0 ? std::nullopt : std::optional(Folded(text.left(end)));
 }
 
 QString ValueOf(const QString &text)
@@ -98,14 +104,15 @@ struct Place
 
 Place FindPlace(const QList<QByteArray> &lines, const QString &section, const QString &key)
 {
+    const QString wantedSection = Folded(section), wantedKey = Folded(key);
     Place place;
     bool inSection = false, inFirstSection = false;
     for (qsizetype line = 0; line < lines.size(); ++line) {
         const QString text = TextOfLine(lines[line]);
         if (IsSection(text)) {
-            inSection = IsSectionNamed(text, section);
+            inSection = SectionName(text) == wantedSection;
             inFirstSection = inSection && place.lLastOfSection < 0;
-        } else if (inSection && IsKeyNamed(text, key)) {
+        } else if (inSection && KeyName(text) == wantedKey) {
             place.lKeyLine = line;
             return place;
         }
@@ -194,4 +201,24 @@ QString ReadIniValue(const QString &section, const QString &key, const QString &
         return {};
     const Place place = FindPlace(*lines, section, key);
     return place.lKeyLine < 0 ? QString() : ValueOf(TextOfLine((*lines)[place.lKeyLine]));
+}
+
+IniText::IniText(const QString &text)
+{
+    std::optional<QString> section;
+    for (const QStringView line : QStringTokenizer(text, u'\n')) {
+        const QString entry = line.trimmed().toString();
+        if (IsSection(entry)) {
+            section = SectionName(entry);
+        } else if (const std::optional<QString> key = KeyName(entry); key && section) {
+            const std::pair place(*section, *key);
+            if (!values.contains(place))
+                values.insert(place, ValueOf(entry));
+        }
+    }
+}
+
+QString IniText::Value(const QString &section, const QString &key) const
+{
+    return values.value({Folded(section), Folded(key)});
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QString>
 
@@ -20,3 +21,15 @@ bool WriteIniValues(const QString &section, const QList<std::pair<QString, QStri
 /// The value; empty for a missing file, section or key.
 QString ReadIniValue(const QString &section, const QString &key, const QString &file,
                      const QString &programFolder = {});
+
+/// All values of an INI text in whatever encoding, cut once: for files of many values.
+class IniText final
+{
+public:
+    explicit IniText(const QString &text);
+    /// As `ReadIniValue` gives it.
+    QString Value(const QString &section, const QString &key) const;
+
+private:
+    QHash<std::pair<QString, QString>, QString> values; ///< by section and key
+};
