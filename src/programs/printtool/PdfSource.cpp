@@ -1,0 +1,114 @@
+#include "PdfSource.h"
+
+#include "ConversionError.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <cmath>
+#include <string>
+
+#include <poppler-document.h>
+#include <poppler-page-renderer.h>
+#include <poppler-page.h>
+
+namespace {
+
+constexpr double pointsPerInch = 72;
+
+QString Tell(const char *text)
+{
+    return QCoreApplication::translate("PdfSource", text);
+}
+
+/// What is wrong in a file goes to no terminal: the user is told in a sentence, or the page shows it.
+void KeepQuiet()
+{
+    static const bool once =
+        (poppler::set_debug_error_function([](const std::string &, void *) {}, nullptr), true);
+    Q_UNUSED(once)
+}
+
+std::unique_ptr<poppler::document> Open(const QString &path)
+{
+    KeepQuiet();
+    if (!QFile(path).open(QIODevice::ReadOnly))
+        throw ConversionError(Tell("The document cannot be opened."));
+    std::unique_ptr<poppler::document> document(
+        poppler::document::load_from_file(QFile::encodeName(path).toStdString()));
+    if (!document)
+        throw ConversionError(Tell("The document is damaged, or no PDF."));
+    if (document->is_locked())
+        throw ConversionError(Tell("The document is protected by a password."));
+    if (document->pages() < 1)
+        throw ConversionError(Tell("The document has no pages."));
+    return document;
+}
+
+bool IsOnItsSide(const poppler::page &page)
+{
+    const auto orientation = page.orientation();
+    return orientation == poppler::page::landscape || orientation == poppler::page::seascape;
+}
+
+poppler::rotation_enum ToRotation(int degrees)
+{
+    constexpr int quarter = 90, quarters = 4;
+    return static_cast<poppler::rotation_enum>((degrees / quarter % quarters + quarters) % quarters);
+}
+
+} // namespace
+
+PdfSource::PdfSource(const QString &path)
+    : document(Open(path))
+{
+}
+
+PdfSource::~PdfSource() = default;
+
+int PdfSource::Count() const
+{
+    return document->pages();
+}
+
+const poppler::page &PdfSource::Page(int page)
+{
+    if (page != lLastPage) {
+        lastPage.reset(document->create_page(page));
+        lLastPage = page;
+    }
+    if (!lastPage)
+        throw ConversionError(Tell("Page %1 is damaged.").arg(page + 1));
+    return *lastPage;
+}
+
+QSizeF PdfSource::PageSize(int page)
+{
+    const poppler::page &shown = Page(page);
+    const poppler::rectf box = shown.page_rect();
+    const QSizeF size(std::abs(box.width()) / pointsPerInch, std::abs(box.height()) / pointsPerInch);
+    return IsOnItsSide(shown) ? size.transposed() : size;
+}
+
+QImage PdfSource::Render(int page, const QSize &size, int rotation)
+{
+    const bool turned = rotation % 180 != 0;
+    const QSizeF paper = turned ? PageSize(page).transposed() : PageSize(page);
+    poppler::page_renderer renderer;
+    renderer.set_image_format(poppler::image::format_gray8);
+    renderer.set_render_hints(poppler::page_renderer::antialiasing |
+                              poppler::page_renderer::text_antialiasing);
+    const poppler::image image =
+        renderer.render_page(&Page(page), size.width() / paper.width(), size.height() / paper.height(), 0, 0,
+                             size.width(), size.height(), ToRotation(rotation));
+    if (!image.is_valid())
+        throw ConversionError(Tell("Page %1 cannot be drawn.").arg(page + 1));
+    return QImage(reinterpret_cast<const uchar *>(image.const_data()), image.width(), image.height(),
+                  image.bytes_per_row(), QImage::Format_Grayscale8)
+        .copy();
+}
+
+QImage PdfSource::FaxPage(int)
+{
+    return {};
+}
