@@ -1,8 +1,6 @@
 #include "controls/PageCanvas.h"
 
-#include "controls/BusyPointer.h"
 #include "controls/Colors.h"
-#include "controls/PageScaler.h"
 
 #include <QContextMenuEvent>
 #include <QKeyEvent>
@@ -14,16 +12,12 @@
 #include <QWheelEvent>
 
 #include <cmath>
-#include <optional>
 
 namespace {
 
 constexpr double dZoomStep = 1.2;
 constexpr double dLinePixels = 40.0;
 constexpr double dMostOfView = 0.9;
-
-/// Bytes of a page beyond which the user may notice that it is made smaller.
-constexpr qsizetype lUsualBytes = 4 * 1024 * 1024;
 
 void ShowInBar(QScrollBar &bar, double last, double view, double offset)
 {
@@ -52,7 +46,7 @@ void PageCanvas::SetPage(const PageBits &shownPage, bool stretchX, bool stretchY
     page = shownPage;
     bStretchX = stretchX;
     bStretchY = stretchY;
-    shrunk = {};
+    pagePainter.Forget();
     geometry.SetPage({page.lWidth * (bStretchX ? 2.0 : 1.0), page.lHeight * (bStretchY ? 2.0 : 1.0)});
     if (!keepView)
         geometry.ScrollTo({});
@@ -62,7 +56,7 @@ void PageCanvas::SetPage(const PageBits &shownPage, bool stretchX, bool stretchY
 void PageCanvas::DropPage()
 {
     page = {};
-    shrunk = {};
+    pagePainter.Forget();
 }
 
 void PageCanvas::Clear(const QString &notice)
@@ -191,7 +185,7 @@ void PageCanvas::paintEvent(QPaintEvent *)
     const QRect view = viewport()->rect();
     if (HasPage()) {
         PaintSurroundings(painter);
-        PaintPage(painter);
+        pagePainter.Paint(painter, page, PageRect(), view, lMethod == Halftone);
     } else {
         constexpr int margin = 20;
         painter.fillRect(view, palette().color(QPalette::Base));
@@ -214,57 +208,6 @@ void PageCanvas::PaintSurroundings(QPainter &painter)
         painter.fillRect(part, palette().color(QPalette::Mid));
     for (const QRect &part : frame - place.adjusted(1, 1, -1, -1))
         painter.fillRect(part, palette().color(QPalette::Dark));
-}
-
-void PageCanvas::PaintPage(QPainter &painter)
-{
-    const QRectF place = PageRect();
-    const QSize deviceSize = (place.size() * devicePixelRatioF()).toSize().expandedTo({1, 1});
-    if (deviceSize.width() < page.lWidth || deviceSize.height() < page.lHeight)
-        PaintShrunk(painter, place, deviceSize);
-    else
-        PaintEnlarged(painter, place);
-}
-
-void PageCanvas::PaintEnlarged(QPainter &painter, const QRectF &place)
-{
-    const QRectF visible = place.intersected(viewport()->rect());
-    const double scaleX = page.lWidth / place.width();
-    const double scaleY = page.lHeight / place.height();
-    const QRectF source((visible.x() - place.x()) * scaleX, (visible.y() - place.y()) * scaleY,
-                        visible.width() * scaleX, visible.height() * scaleY);
-    const QRect part = source.toAlignedRect().intersected(QRect(0, 0, page.lWidth, page.lHeight));
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, lMethod == Halftone);
-    painter.drawImage(visible, PageScaler::Crop(page, part), source.translated(-part.topLeft()));
-}
-
-/// In whole pixels of the screen, or the averaged page would be averaged a second time.
-void PageCanvas::PaintShrunk(QPainter &painter, const QRectF &place, const QSize &deviceSize)
-{
-    const double ratio = devicePixelRatioF();
-    const QPoint corner = (place.topLeft() * ratio).toPoint();
-    const QRect view(QPoint(), (QSizeF(viewport()->size()) * ratio).toSize());
-    const QRect visible = view.translated(-corner).intersected(QRect(QPoint(), deviceSize));
-    ShrinkVisible(deviceSize, visible);
-    painter.drawImage(QRectF(QPointF(corner + visible.topLeft()) / ratio, QSizeF(visible.size()) / ratio),
-                      shrunk, QRectF(visible.translated(-shrunkPart.topLeft())));
-}
-
-/// A page that comes on show is made smaller as far as it is visible; one that is scrolled, a view further on
-/// each side, so that not every step has to.
-void PageCanvas::ShrinkVisible(const QSize &deviceSize, const QRect &visible)
-{
-    const bool isSameZoom = !shrunk.isNull() && shrunkSize == deviceSize;
-    if (isSameZoom && shrunkPart.contains(visible))
-        return;
-    std::optional<BusyPointer> busy;
-    if (page.abBits.size() > lUsualBytes)
-        busy.emplace();
-    const QRect around =
-        visible.adjusted(-visible.width(), -visible.height(), visible.width(), visible.height());
-    shrunkSize = deviceSize;
-    shrunkPart = isSameZoom ? around.intersected(QRect(QPoint(), deviceSize)) : visible;
-    shrunk = PageScaler::Shrink(page, shrunkSize, shrunkPart);
 }
 
 void PageCanvas::resizeEvent(QResizeEvent *)

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "controls/PageGeometry.h"
+#include "controls/PagePainter.h"
 #include "core/FaxImage.h"
 
 #include <QAbstractScrollArea>
-#include <QImage>
 #include <QString>
 
 /// Shows one page of a fax. The left button drags it, the wheel scrolls it and, with Ctrl, zooms around the
@@ -93,10 +93,6 @@ private:
     void ZoomByUser(const QPointF &place, double factor);
     QPointF Middle() const;
     void PaintSurroundings(QPainter &painter);
-    void PaintPage(QPainter &painter);
-    void PaintEnlarged(QPainter &painter, const QRectF &place);
-    void PaintShrunk(QPainter &painter, const QRectF &place, const QSize &deviceSize);
-    void ShrinkVisible(const QSize &deviceSize, const QRect &visible);
     void ShowCursor();
 
     PageBits page;
@@ -108,9 +104,7 @@ private:
     int lFitMode = PageGeometry::FitWhole;
     int lMethod = Halftone;
     bool bAutoFit = false;
-    QImage shrunk;    ///< what was drawn of the page last, made smaller for its zoom
-    QSize shrunkSize; ///< of the whole page at that zoom, in pixels of the screen
-    QRect shrunkPart; ///< what `shrunk` is of it
+    PagePainter pagePainter{true};
     QPoint lastDragPlace;
     bool bDragging = false;
     bool bShowingGeometry = false;
