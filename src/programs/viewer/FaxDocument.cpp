@@ -8,6 +8,14 @@ namespace {
 constexpr int usualDotsPerInchX = 204;
 constexpr int usualDotsPerInchY = 196;
 
+/// What lies beyond makes a page of the size of a stamp, or of a house.
+constexpr int fewestDotsPerInch = 30, mostDotsPerInch = 2400;
+
+bool IsSane(int dotsPerInch)
+{
+    return dotsPerInch >= fewestDotsPerInch && dotsPerInch <= mostDotsPerInch;
+}
+
 bool LiesOnItsSide(int rotation)
 {
     return rotation % 180 != 0;
@@ -17,36 +25,61 @@ bool LiesOnItsSide(int rotation)
 
 bool FaxDocument::Open(const QString &path)
 {
+    return Take(path, FaxPages(path));
+}
+
+bool FaxDocument::Take(const QString &path, const FaxPages &readPages)
+{
     strPath = path;
-    pages = FaxPages(path);
+    pages = readPages;
     aRotations = QList<int>(pages.Count(), 0);
-    if (pages.Count() > 0)
-        strProblem.clear();
-    else if (!QFileInfo::exists(path))
-        strProblem = tr("This file does not exist.");
-    else
-        strProblem = tr("This file is damaged, or no fax.");
+    strProblem = pages.Count() > 0 ? QString() : ProblemOf(path);
     emit Opened();
     return pages.Count() > 0;
 }
 
-void FaxDocument::Rotate(int page, int degrees)
+void FaxDocument::TakeAgain(const FaxPages &readPages)
+{
+    pages = readPages;
+    if (aRotations.size() != pages.Count())
+        aRotations = QList<int>(pages.Count(), 0);
+    emit Reopened();
+}
+
+QString FaxDocument::ProblemOf(const QString &path)
+{
+    const QFileInfo file(path);
+    if (!file.exists())
+        return tr("This file does not exist.");
+    if (!file.isFile())
+        return tr("This is no file.");
+    return file.isReadable() ? tr("This file is damaged, or no fax.") : tr("This file may not be read.");
+}
+
+void FaxDocument::Turn(int page, int degrees)
 {
     aRotations[page] = ((aRotations[page] + degrees) % 360 + 360) % 360;
-    emit PageTurned(page);
+}
+
+void FaxDocument::Rotate(int page, int degrees)
+{
+    Turn(page, degrees);
+    emit Turned();
 }
 
 void FaxDocument::RotateAll(int degrees)
 {
     for (int page = 0; page < PageCount(); ++page)
-        Rotate(page, degrees);
+        Turn(page, degrees);
+    emit Turned();
 }
 
 QSizeF FaxDocument::PageSize(int page) const
 {
     const TiffPage &entry = pages.Page(page);
-    const int x = entry.lDotsPerInchX > 0 ? entry.lDotsPerInchX : usualDotsPerInchX;
-    const int y = entry.lDotsPerInchY > 0 ? entry.lDotsPerInchY : usualDotsPerInchY;
+    const bool isSane = IsSane(entry.lDotsPerInchX) && IsSane(entry.lDotsPerInchY);
+    const int x = isSane ? entry.lDotsPerInchX : usualDotsPerInchX;
+    const int y = isSane ? entry.lDotsPerInchY : usualDotsPerInchY;
     const QSizeF size(double(entry.lWidth) / x, double(entry.lHeight) / y);
     return LiesOnItsSide(Rotation(page)) ? size.transposed() : size;
 }
