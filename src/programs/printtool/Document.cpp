@@ -1,6 +1,7 @@
 #include "Document.h"
 
-#include "ConversionError.h"
+#include "FaxFileSource.h"
+#include "PdfSource.h"
 #include "PictureSource.h"
 #include "core/Utilities.h"
 
@@ -11,7 +12,14 @@ QString Document::Name() const
 
 std::unique_ptr<PageSource> OpenDocument(const Document &document)
 {
-    if (document.kind == Document::Picture)
+    switch (document.kind) {
+    case Document::FaxFile:
+        return std::make_unique<FaxFileSource>(document.strReadable);
+    case Document::Picture:
         return std::make_unique<PictureSource>(document.strReadable);
-    throw ConversionError(QStringLiteral("There is no reader yet."));
+    case Document::Pdf:
+    case Document::Office: // by now a PDF file, too
+        break;
+    }
+    return std::make_unique<PdfSource>(document.strReadable);
 }
