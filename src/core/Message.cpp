@@ -16,6 +16,15 @@ long Message::ShowMessage(const QString &text, long flags, const QString &title)
                         title.isEmpty() ? QCoreApplication::translate("core", programTitle) : title);
 }
 
+QString Message::AskText(const QString &prompt, const QString &title)
+{
+    if (bBoxOpen)
+        return {};
+    bBoxOpen = true;
+    const auto closed = qScopeGuard([this] { bBoxOpen = false; });
+    return prompts.AskText(prompt, title);
+}
+
 bool Message::RunGuarded(const QString &heading, const std::function<void()> &run)
 {
     try {

@@ -18,6 +18,10 @@ public:
     /// the program's own.
     long ShowMessage(const QString &text, long flags = mbOKOnly, const QString &title = {});
 
+    /// Asks for one line of text; empty when the user has cancelled. While a box stands it asks nothing and
+    /// the result is empty, too.
+    QString AskText(const QString &prompt, const QString &title);
+
     /// Runs what an event asks for. An error of the program ends here, in a box with `heading` over its
     /// description; the result is then false.
     bool RunGuarded(const QString &heading, const std::function<void()> &run);

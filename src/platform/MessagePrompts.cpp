@@ -1,11 +1,11 @@
 #include "platform/MessagePrompts.h"
 
 #include "core/ProgramTitle.h"
+#include "platform/DialogPlace.h"
 
-#include <QApplication>
+#include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QWindow>
 
 namespace {
 constexpr long buttonsMask = 0x0F;
@@ -53,19 +53,6 @@ long AnswerOf(int button)
         return mbAnswerOK;
     }
 }
-
-/// The window is no QObject parent: a run disables it with all its children, and the box must stay alive.
-void PlaceOver(QMessageBox &box, const QWidget *owner)
-{
-    if (!owner)
-        return;
-    box.winId(); // makes the native window
-    box.windowHandle()->setTransientParent(owner->window()->windowHandle());
-    box.adjustSize();
-    QRect place = box.frameGeometry();
-    place.moveCenter(owner->window()->frameGeometry().center());
-    box.move(place.topLeft());
-}
 } // namespace
 
 long MessagePrompts::Show(const QString &text, long flags, const QString &title)
@@ -80,8 +67,17 @@ long MessagePrompts::Show(const QString &text, long flags, const QString &title)
         box.addButton(button);
     box.setDefaultButton(flags & mbDefaultButton2 ? buttons.last() : buttons.first());
     box.setEscapeButton(buttons.last());
-    PlaceOver(box, QApplication::activeWindow());
+    PlaceOverActiveWindow(box);
     const int answer = box.exec();
     // The program's end closes a box without an answer.
     return AnswerOf(box.clickedButton() ? answer : buttons.last());
+}
+
+QString MessagePrompts::AskText(const QString &prompt, const QString &title)
+{
+    QInputDialog box;
+    box.setWindowTitle(title);
+    box.setLabelText(prompt);
+    PlaceOverActiveWindow(box);
+    return box.exec() == QDialog::Accepted ? box.textValue() : QString();
 }

@@ -4,6 +4,8 @@
 #include "core/ports/Ports.h"
 #include "platform/CanberraSound.h"
 #include "platform/DatabaseWatch.h"
+#include "platform/DesktopFileDialogs.h"
+#include "platform/DesktopFontDialogs.h"
 #include "platform/DesktopShell.h"
 #include "platform/MessagePrompts.h"
 #include "platform/QtEventPump.h"
@@ -41,5 +43,7 @@ private:
     SystemSharedBlocks blocks;
     SystemInstance instance;
     TcpSockets sockets;
+    DesktopFileDialogs fileDialogs;
+    DesktopFontDialogs fontDialogs;
     Ports ports;
 };

@@ -20,6 +20,7 @@ public:
             whileOpen();
         return mbAnswerYes;
     }
+    QString AskText(const QString &, const QString &) override { return QStringLiteral("typed"); }
     QStringList aShown;
     std::function<void()> whileOpen;
 };

@@ -65,7 +65,10 @@ public:
     FakeSharedBlocks blocks;
     FakeInstance instance;
     TcpSockets sockets;
-    Ports ports{pump, timers, clock, ids, message, folders, shell, sound, blocks, instance, sockets};
+    FakeFileDialogs fileDialogs;
+    FakeFontDialogs fontDialogs;
+    Ports ports{pump,  timers, clock,    ids,     message,     folders,    shell,
+                sound, blocks, instance, sockets, fileDialogs, fontDialogs};
 
     FakeDesktop desktop;
     FaxUpload faxUpload;

@@ -8,6 +8,12 @@ long FakePrompts::Show(const QString &text, long flags, const QString &title)
     return aAnswers.isEmpty() ? mbAnswerOK : aAnswers.takeFirst();
 }
 
+QString FakePrompts::AskText(const QString &prompt, const QString &title)
+{
+    aAsked.append(title + '|' + prompt);
+    return aTyped.isEmpty() ? QString() : aTyped.takeFirst();
+}
+
 QStringList FakePrompts::Texts() const
 {
     QStringList texts;

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "core/Message.h"
+#include "core/ports/FileDialogs.h"
 #include "core/ports/Folders.h"
+#include "core/ports/FontDialogs.h"
 #include "core/ports/Ids.h"
 #include "core/ports/Instance.h"
 #include "core/ports/Ports.h"
@@ -21,6 +23,7 @@ class FakePrompts final : public Prompts
 {
 public:
     long Show(const QString &text, long flags, const QString &title) override;
+    QString AskText(const QString &prompt, const QString &title) override;
 
     struct Box
     {
@@ -30,6 +33,8 @@ public:
     };
     QList<Box> aBoxes;
     QList<long> aAnswers;
+    QStringList aAsked; ///< "title|prompt"
+    QStringList aTyped; ///< the next answers; without one the user cancels
 
     /// Texts of all boxes so far.
     QStringList Texts() const;
@@ -107,6 +112,42 @@ public:
     QList<qlonglong> aRaised;
 };
 
+/// Records what was offered and answers with the next choice set, or cancels.
+class FakeFileDialogs final : public FileDialogs
+{
+public:
+    QString ChooseFile(const FileDialogSetup &setup) override { return Choose("open", setup).value(0); }
+    QStringList ChooseFiles(const FileDialogSetup &setup) override { return Choose("open several", setup); }
+    QString ChooseTarget(const FileDialogSetup &setup) override { return Choose("save", setup).value(0); }
+
+    struct Call
+    {
+        QString strKind;
+        FileDialogSetup setup;
+    };
+    QList<Call> aCalls;
+    QList<QStringList> aChosen;
+
+private:
+    QStringList Choose(const QString &kind, const FileDialogSetup &setup)
+    {
+        aCalls.append({kind, setup});
+        return aChosen.isEmpty() ? QStringList() : aChosen.takeFirst();
+    }
+};
+
+class FakeFontDialogs final : public FontDialogs
+{
+public:
+    std::optional<FontChoice> ChooseFont(const FontChoice &current) override
+    {
+        aOffered.append(current);
+        return chosen;
+    }
+    QList<FontChoice> aOffered;
+    std::optional<FontChoice> chosen;
+};
+
 /// All ports as fakes, wired together.
 struct FakePorts
 {
@@ -122,5 +163,8 @@ struct FakePorts
     FakeSharedBlocks blocks;
     FakeInstance instance;
     FakeSockets sockets;
-    Ports ports{pump, timers, clock, ids, message, folders, shell, sound, blocks, instance, sockets};
+    FakeFileDialogs fileDialogs;
+    FakeFontDialogs fontDialogs;
+    Ports ports{pump,  timers, clock,    ids,     message,     folders,    shell,
+                sound, blocks, instance, sockets, fileDialogs, fontDialogs};
 };

@@ -1,10 +1,17 @@
 #include "core/clsDBcon.h"
+#include "fixtures/Profile.h"
 #include "fixtures/TestTable.h"
 #include "platform/DatabaseWatch.h"
+#include "platform/DesktopFileDialogs.h"
+#include "platform/DesktopFontDialogs.h"
 #include "platform/MessagePrompts.h"
 #include "platform/QtEventPump.h"
 
 #include <QApplication>
+#include <QFileDialog>
+#include <QFontDialog>
+#include <QInputDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTimer>
@@ -30,7 +37,7 @@ private slots:
         QFETCH(long, flags);
         QFETCH(int, key);
         Qt::TextFormat format = Qt::AutoText;
-        WhenShown([&](QMessageBox *box) {
+        WhenShown<QMessageBox>([&](QMessageBox *box) {
             format = box->textFormat();
             QTest::keyClick(box, Qt::Key(key));
         });
@@ -44,13 +51,73 @@ private slots:
         owner.show();
         QVERIFY(QTest::qWaitForWindowActive(&owner));
         bool alive = false;
-        WhenShown([&](QMessageBox *box) {
+        WhenShown<QMessageBox>([&](QMessageBox *box) {
             owner.setEnabled(false); // a run begins while the box stands
             alive = box->isEnabled() && box->button(QMessageBox::Ok)->isEnabled();
             box->accept();
         });
         prompts.Show("A text", mbOKOnly, {});
         QVERIFY(alive);
+    }
+
+    void typedTextComesBackAndACancelledOneIsEmpty()
+    {
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+            WhenShown<QInputDialog>([&](QInputDialog *box) {
+                QTest::keyClicks(box->focusWidget(), "My own");
+                QTest::keyClick(box, key);
+            });
+            QCOMPARE(prompts.AskText("A name: ", "New"), key == Qt::Key_Return ? "My own" : "");
+        }
+    }
+
+    void fileDialogsOfferTheFilterAndCompleteTheName()
+    {
+        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+        const QTemporaryDir folder;
+        QVERIFY(WriteTestFile(folder.filePath("Old.GNI"), "a") &&
+                WriteTestFile(folder.filePath("b.txt"), "b"));
+        DesktopFileDialogs dialogs;
+        const FileDialogSetup setup{"Config file(*.gni)|*.gni;*.Ini|All files|*.*", folder.path(), "gni", {}};
+        QStringList filters;
+        const auto type = [&](const QString &names) {
+            WhenShown<QFileDialog>([&filters, names](QFileDialog *dialog) {
+                filters = dialog->nameFilters();
+                dialog->findChild<QLineEdit *>()->setText(names);
+                static_cast<QDialog *>(dialog)->accept();
+                if (dialog->isVisible()) // the names were refused
+                    dialog->reject();
+            });
+        };
+        type("Old");
+        QCOMPARE(dialogs.ChooseTarget(setup), folder.filePath("Old.gni"));
+        QCOMPARE(filters, (QStringList{"Config file(*.gni) (*.gni *.GNI *.ini *.INI)", "All files (*)"}));
+        type("Old.GNI"); // replacing it is not asked here
+        QCOMPARE(dialogs.ChooseTarget(setup), folder.filePath("Old.GNI"));
+        type("\"Old.GNI\" \"b.txt\"");
+        QCOMPARE(dialogs.ChooseFiles(setup),
+                 (QStringList{folder.filePath("Old.GNI"), folder.filePath("b.txt")}));
+        WhenShown<QMessageBox>([](QMessageBox *box) { box->accept(); }); // "File not found."
+        type("missing.gni");
+        QCOMPARE(dialogs.ChooseFile(setup), "");
+    }
+
+    void fontDialogKeepsWhatIsNotChosen()
+    {
+        DesktopFontDialogs dialogs;
+        const FontChoice current{"No Such Font", 8.25, true, false, false, true};
+        WhenShown<QFontDialog>([](QFontDialog *dialog) { dialog->accept(); });
+        QCOMPARE(dialogs.ChooseFont(current).value(), current);
+        WhenShown<QFontDialog>([](QFontDialog *dialog) {
+            QFont font("Liberation Serif", 14);
+            font.setItalic(true);
+            dialog->setCurrentFont(font);
+            dialog->accept();
+        });
+        QCOMPARE(dialogs.ChooseFont(current).value(),
+                 (FontChoice{"Liberation Serif", 14, false, true, false, false}));
+        WhenShown<QFontDialog>([](QFontDialog *dialog) { dialog->reject(); });
+        QVERIFY(!dialogs.ChooseFont(current));
     }
 
     void longStatementShowsABusyPointer()
@@ -72,19 +139,19 @@ private slots:
         QtEventPump pump;
         long answer = 0;
         QTimer::singleShot(0, &pump, [&] { answer = prompts.Show("Delete all?", mbYesNo, {}); });
-        WhenShown([&](QMessageBox *) { pump.Quit(); });
+        WhenShown<QMessageBox>([&](QMessageBox *) { pump.Quit(); });
         QCOMPARE(pump.Run(), 0);
         QCOMPARE(answer, long(mbAnswerNo));
     }
 
 private:
     /// Runs `act` on the box as soon as it stands.
-    template <typename Action>
+    template <typename Dialog, typename Action>
     void WhenShown(Action act)
     {
         QTimer::singleShot(0, this, [this, act] {
-            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-            box ? act(box) : WhenShown(act);
+            auto *box = qobject_cast<Dialog *>(QApplication::activeModalWidget());
+            box ? act(box) : WhenShown<Dialog>(act);
         });
     }
 

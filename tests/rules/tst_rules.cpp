@@ -153,7 +153,7 @@ void tst_rules::onlyPlatformOpensBoxesAndDialogs()
     const auto isFree = [](const Source &source) {
         return source.path.startsWith(QLatin1String("platform/")) || IsCompanion(source.path);
     };
-    QCOMPARE(Containing(QStringLiteral("\\b(QMessageBox|QFileDialog|QInputDialog)\\b"), isFree),
+    QCOMPARE(Containing(QStringLiteral("\\b(QMessageBox|QFileDialog|QFontDialog|QInputDialog)\\b"), isFree),
              QStringList());
     const auto mayExec = [&](const Source &source) {
         return isFree(source) || source.path.startsWith(QLatin1String("programs/client/"));

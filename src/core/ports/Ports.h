@@ -2,7 +2,9 @@
 
 class Clock;
 class EventPump;
+class FileDialogs;
 class Folders;
+class FontDialogs;
 class Ids;
 class Instance;
 class Message;
@@ -26,4 +28,6 @@ struct Ports
     SharedBlocks &blocks;
     Instance &instance;
     Sockets &sockets;
+    FileDialogs &fileDialogs;
+    FontDialogs &fontDialogs;
 };

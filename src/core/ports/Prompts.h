@@ -24,4 +24,7 @@ public:
 
     /// Shows a box and waits for its answer, a `MessageAnswer`. `text` is plain text, never markup.
     virtual long Show(const QString &text, long flags, const QString &title) = 0;
+
+    /// Asks for one line of text, which starts empty. Empty when the user has cancelled.
+    virtual QString AskText(const QString &prompt, const QString &title) = 0;
 };
