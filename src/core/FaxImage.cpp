@@ -159,18 +159,21 @@ bool FaxImage::HasSizePrefix(const QString &path)
 
 bool FaxImage::CopyWithoutSizePrefix(const QString &path, const QString &to)
 {
+    QSaveFile copy(to);
+    return copy.open(QIODevice::WriteOnly) && CopyWithoutSizePrefix(path, copy) && copy.commit();
+}
+
+bool FaxImage::CopyWithoutSizePrefix(const QString &path, QIODevice &to)
+{
     constexpr qint64 blockSize = 1 << 20;
     QFile from(path);
     if (!from.open(QIODevice::ReadOnly) ||
         !from.seek(TiffFile(path).HasSizePrefix() ? TiffFile::PrefixSize : 0))
         return false;
-    QSaveFile copy(to);
-    if (!copy.open(QIODevice::WriteOnly))
-        return false;
     while (!from.atEnd()) {
         const QByteArray block = from.read(blockSize);
-        if (block.isEmpty() || copy.write(block) != block.size())
+        if (block.isEmpty() || to.write(block) != block.size())
             return false;
     }
-    return copy.commit();
+    return true;
 }

@@ -6,6 +6,8 @@
 #include <QList>
 #include <QString>
 
+class QIODevice;
+
 /// One decoded page: rows from top to bottom, 1 bit, 8 bit with palette, or 32 bit 0xffRRGGBB per pixel.
 struct PageBits
 {
@@ -63,5 +65,8 @@ bool HasSizePrefix(const QString &path);
 /// Copies a file, without those four bytes if it has them; a file of the name `to` is replaced. False when
 /// that failed; there is no half copy then.
 bool CopyWithoutSizePrefix(const QString &path, const QString &to);
+
+/// The same into an open device, which may have got a part of the file when that failed.
+bool CopyWithoutSizePrefix(const QString &path, QIODevice &to);
 
 } // namespace FaxImage

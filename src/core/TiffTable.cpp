@@ -1,15 +1,14 @@
 #include "core/TiffTable.h"
 
+#include "core/TiffHandle.h"
+
 #include <QFileInfo>
 #include <QtEndian>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <memory>
 #include <optional>
-
-#include <tiffio.h>
 
 namespace {
 
@@ -25,12 +24,6 @@ constexpr qint64 mostPackedBytes = 48 * 1024 * 1024;
 
 /// What reading one page table may take: entries can overlap, so that a small file has a long table.
 constexpr qint64 mostTableBytes = 64 * 1024 * 1024;
-
-struct TiffCloser
-{
-    void operator()(TIFF *tiff) const { TIFFClose(tiff); }
-};
-using TiffHandle = std::unique_ptr<TIFF, TiffCloser>;
 
 TiffFile &Source(thandle_t handle)
 {
@@ -61,16 +54,6 @@ toff_t SizeOf(thandle_t handle)
 int LeaveOpen(thandle_t)
 {
     return 0;
-}
-
-/// Opens for a look at the page table: strips are not loaded.
-TiffHandle OpenTable(TiffFile &file)
-{
-    // Each unknown tag of each page would be told on the error output.
-    TIFFSetErrorHandler(nullptr);
-    TIFFSetWarningHandler(nullptr);
-    return TiffHandle(TIFFClientOpen("fax", "rmDO", &file, ReadFrom, WriteNothing, SeekIn, LeaveOpen, SizeOf,
-                                     nullptr, nullptr));
 }
 
 uint16_t Field(TIFF *tiff, ttag_t tag)
@@ -197,6 +180,15 @@ QByteArray ToBytes(Value value, bool bigEndian)
 
 } // namespace
 
+TiffHandle OpenTiff(TiffFile &file)
+{
+    // Each unknown tag of each page would be told on the error output.
+    TIFFSetErrorHandler(nullptr);
+    TIFFSetWarningHandler(nullptr);
+    return TiffHandle(TIFFClientOpen("fax", "rmDO", &file, ReadFrom, WriteNothing, SeekIn, LeaveOpen, SizeOf,
+                                     nullptr, nullptr));
+}
+
 TiffFile::TiffFile(const QString &path)
     : file(path)
 {
@@ -224,7 +216,7 @@ QList<TiffPage> TiffFile::ReadPages()
     aPatches.clear();
     Seek(0, SEEK_SET);
     lBytesLeft = mostTableBytes;
-    const TiffHandle tiff = OpenTable(*this);
+    const TiffHandle tiff = OpenTiff(*this);
     const QList<TiffPage> pages = tiff ? WalkTable(tiff.get()) : QList<TiffPage>();
     // A pointer that was cut off reads as the end of the table.
     const bool whole = !pages.isEmpty() && PointerToNext(pages.last()) >= 0;
@@ -263,7 +255,7 @@ bool TiffFile::ShowOnly(const TiffPage &page)
 bool TiffFile::CanDecode(const TiffPage &page)
 {
     lBytesLeft = mostTableBytes;
-    const TiffHandle tiff = Seek(0, SEEK_SET) ? OpenTable(*this) : nullptr;
+    const TiffHandle tiff = Seek(0, SEEK_SET) ? OpenTiff(*this) : nullptr;
     return tiff && LookAtPage(tiff.get()) == page && PackedBytes(tiff.get(), Size()) <= mostPackedBytes;
 }
 

@@ -38,6 +38,16 @@ bool FaxDocument::Take(const QString &path, const FaxPages &readPages)
     return pages.Count() > 0;
 }
 
+std::unique_ptr<FaxDocument> FaxDocument::Copy() const
+{
+    auto copy = std::make_unique<FaxDocument>();
+    copy->pages = pages;
+    copy->aRotations = aRotations;
+    copy->strPath = strPath;
+    copy->strProblem = strProblem;
+    return copy;
+}
+
 void FaxDocument::TakeAgain(const FaxPages &readPages)
 {
     pages = readPages;

@@ -7,6 +7,8 @@
 #include <QSizeF>
 #include <QString>
 
+#include <memory>
+
 /// The fax on show: its pages, and how the user has turned them. The file itself is never changed.
 class FaxDocument final : public QObject
 {
@@ -27,7 +29,11 @@ public:
     /// What is wrong with a file without pages.
     static QString ProblemOf(const QString &path);
 
+    /// The fax as it is shown now, for work on another thread.
+    std::unique_ptr<FaxDocument> Copy() const;
+    /// The pages as they lie in the file.
     const FaxPages &Pages() const { return pages; }
+
     int PageCount() const { return pages.Count(); }
     /// Degrees clockwise: 0, 90, 180 or 270.
     int Rotation(int page) const { return aRotations[page]; }
