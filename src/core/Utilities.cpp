@@ -131,12 +131,17 @@ QString UnescapeText(const QString &text)
 
 QString NewFaxID(Ids &ids, Message &message)
 {
+    const QString id = NewFaxID(ids);
+    if (id.isEmpty())
+        message.ShowMessage(QCoreApplication::translate("core", "Error while creating GUID!"));
+    return id;
+}
+
+QString NewFaxID(Ids &ids)
+{
     constexpr qsizetype guidSize = 16;
     const QByteArray guid = ids.NewGuid();
-    if (guid.size() == guidSize)
-        return QString::fromLatin1(guid.toHex().toUpper());
-    message.ShowMessage(QCoreApplication::translate("core", "Error while creating GUID!"));
-    return {};
+    return guid.size() == guidSize ? QString::fromLatin1(guid.toHex().toUpper()) : QString();
 }
 
 bool IsSafeFaxID(const QString &id)

@@ -68,6 +68,8 @@ QString EscapeText(const QString &text);
 QString UnescapeText(const QString &text);
 /// 32 upper-case hexadecimal digits. A failure shows "Error while creating GUID!" and gives "".
 QString NewFaxID(Ids &ids, Message &message);
+/// The same without a message.
+QString NewFaxID(Ids &ids);
 /// True for 1 to 64 letters, digits, "-" or "_": what may become a file name or part of a statement.
 bool IsSafeFaxID(const QString &id);
 

@@ -36,6 +36,5 @@ inline constexpr QLatin1StringView StopRequest{"closewindow"}; ///< the client's
 inline constexpr QLatin1StringView Error{"Error"};             ///< the tool could not work
 inline constexpr QLatin1StringView FailureMark{"failed."};
 inline constexpr QChar FinishMark{1};
-inline constexpr QLatin1StringView NoHeader{"<None>"};
 
 } // namespace PrintConversation

@@ -1,7 +1,40 @@
+#include "CommandLine.h"
+#include "RequestMode.h"
+#include "WatchedRun.h"
+
 #include <QGuiApplication>
+
+#include <cstdio>
+#include <exception>
+
+#include <unistd.h>
+
+namespace {
+
+int Run(const QStringList &arguments, WatchedRun &run)
+{
+    try {
+        return arguments.size() > 1 ? RunCommandLine(arguments, run) : ServeRequest(run);
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "ZemPrint: %s\n", error.what());
+        return 1;
+    }
+}
+
+} // namespace
 
 int main(int argc, char *argv[])
 {
+    qputenv("QT_QPA_PLATFORM", "offscreen"); // fonts need an application with a platform, never with a screen
     const QGuiApplication application(argc, argv);
-    return 2;
+    QCoreApplication::setApplicationName(QStringLiteral("ZemPrint"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(VELMAR_VERSION));
+    WatchedRun run;
+    const int exitCode = Run(QCoreApplication::arguments(), run);
+    if (run.IsStuck()) {
+        // A thread still draws its page; what it uses must not be taken apart.
+        std::fflush(nullptr);
+        _exit(exitCode);
+    }
+    return exitCode;
 }
