@@ -7,6 +7,9 @@
 #include <QList>
 #include <QString>
 
+#include <array>
+#include <span>
+
 /// What the macro words of a profile stand for on one page.
 struct HeaderFields
 {
@@ -49,9 +52,10 @@ private:
         int lLeft = 0, lRight = 0; ///< margins
     };
 
-    Line MakeLine(const HeaderText *texts) const;
-    Block MakeBlock(const HeaderText *texts, const HeaderSpace &space, bool isFooter) const;
+    Line MakeLine(std::span<const HeaderText, 3> texts) const;
+    Block MakeBlock(std::span<const HeaderText, 6> texts, const HeaderSpace &space, bool isFooter) const;
     void PaintBlock(QImage &sheet, const Block &block, int top, const HeaderFields &fields) const;
+    void DrawLine(QImage &grays, const Block &block, const Line &line, const HeaderFields &fields) const;
 
     int lDotsPerInchX, lDotsPerInchY;
     Block header, footer;

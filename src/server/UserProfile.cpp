@@ -1,6 +1,7 @@
 #include "server/UserProfile.h"
 
 #include "core/Globals.h"
+#include "core/HeaderFiles.h"
 #include "core/Message.h"
 #include "core/Schema.h"
 #include "core/SettingsFile.h"
@@ -237,10 +238,11 @@ bool UserProfile::LayOutBoxes()
 void UserProfile::CopyDefaultHeaders() const
 {
     const QString source = AppPath(ports.folders) + "Header/";
-    for (const char *file : {"General.GNI", "Compact.GNI", "Detailed.GNI"}) {
-        const QString name = file;
-        if (FileExists(source + name) && !FileExists(Global().strHeaderPath + name))
-            QFile::copy(source + name, Global().strHeaderPath + name);
+    for (const QString &name : StandardHeaderProfiles()) {
+        const QString file = HeaderProfileFileName(name), target = Global().strHeaderPath + file;
+        if (FileExists(source + file) && FindHeaderFile(Global().strHeaderPath, file).isEmpty() &&
+            QFile::copy(source + file, target))
+            QFile::setPermissions(target, QFile::permissions(target) | QFile::WriteOwner); // to be edited
     }
 }
 

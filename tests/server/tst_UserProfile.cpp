@@ -105,14 +105,17 @@ private slots:
     {
         EnterAnna();
         QDir().mkpath(profile->Root() + "/program/Header");
-        QVERIFY(WriteTestFile(profile->Root() + "/program/Header/General.GNI", "ours"));
+        const QString installed = profile->Root() + "/program/Header/General.GNI";
+        QVERIFY(WriteTestFile(installed, "ours"));
+        QVERIFY(QFile::setPermissions(installed, QFile::ReadOwner));
         QVERIFY(WriteTestFile(profile->Root() + "/program/Header/Compact.GNI", "ours"));
-        QVERIFY(WriteTestFile(Global().strAppDataPath + "anna/Header/Compact.GNI", "the user's"));
+        QVERIFY(WriteTestFile(Global().strAppDataPath + "anna/Header/compact.gni", "the user's"));
         UserProfile user(fakes->ports);
         QVERIFY(user.Save(Entry("anna")));
         QCOMPARE(ReadTestFile(Global().strHeaderPath + "General.GNI"), "ours");
-        QCOMPARE(ReadTestFile(Global().strHeaderPath + "Compact.GNI"), "the user's");
-        QVERIFY(!QFileInfo::exists(Global().strHeaderPath + "Detailed.GNI"));
+        QVERIFY(QFile::permissions(Global().strHeaderPath + "General.GNI") & QFile::WriteOwner);
+        QCOMPARE(QDir(Global().strHeaderPath).entryList(QDir::Files, QDir::Name | QDir::IgnoreCase),
+                 (QStringList{"compact.gni", "General.GNI"}));
     }
 
     void unfinishedDatabaseIsNoProfile()

@@ -15,7 +15,7 @@ namespace {
 /// A profile has four kilobytes; a larger file is none.
 constexpr qint64 largestFile = 256 * 1024;
 
-constexpr int largestDistance = 1000, largestFontSize = 200, largestCharset = 255;
+constexpr int largestDistance = 1000, largestCharset = 255;
 constexpr int defaultDistance = 50;
 
 /// Empty for what is no file of a profile's size; a pipe or a device is never opened.
@@ -32,7 +32,7 @@ QString ReadAnsiFile(const QString &path)
 double ToFontSize(const QString &value)
 {
     const int size = ToNumber(value);
-    return size <= 0 ? HeaderText().dFontSize : std::min(size, largestFontSize);
+    return size <= 0 ? HeaderText().dFontSize : std::min(size, largestHeaderFont);
 }
 
 HeaderText ReadText(const IniText &ini, const QString &section)

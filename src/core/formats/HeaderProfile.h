@@ -62,6 +62,9 @@ inline constexpr std::array<QLatin1StringView, 12> headerSections{
     QLatin1StringView("FooterMiddle_2"), QLatin1StringView("FooterRight_2"),
 };
 
+/// In points. No font of a profile is larger, whatever its file says.
+inline constexpr int largestHeaderFont = 200;
+
 /// Reads a profile file. What is missing gets its default, what is out of bounds the nearest bound, and a
 /// file that is no profile, or cannot be read, gives a profile without texts. Sizes are rounded to whole
 /// points, but for the default.
