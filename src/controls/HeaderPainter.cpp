@@ -38,6 +38,7 @@ QFont MakeFont(const HeaderText &text, int dotsPerInchX, int dotsPerInchY)
     font.setItalic(text.bItalic);
     font.setUnderline(text.bUnderline);
     font.setStrikeOut(text.bStrikeOut);
+    font.setStyleStrategy(QFont::StyleStrategy(QFont::PreferAntialias | QFont::NoSubpixelAntialias));
     font.setHintingPreference(QFont::PreferFullHinting);
     return font;
 }

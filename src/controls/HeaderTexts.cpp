@@ -13,24 +13,6 @@ namespace {
 constexpr qsizetype longestText = 500; ///< more than fits on any line
 constexpr int leastMiddle = 5;         ///< this part of a line is left to the middle text
 
-struct Macro
-{
-    QLatin1StringView strWord;
-    QString (*value)(const HeaderFields &fields);
-};
-
-constexpr std::array<Macro, 6> macros{{
-    {QLatin1StringView("[Page]"), [](const HeaderFields &fields) { return QString::number(fields.lPage); }},
-    {QLatin1StringView("[PageCount]"),
-     [](const HeaderFields &fields) { return QString::number(fields.lPageCount); }},
-    {QLatin1StringView("[Date]"),
-     [](const HeaderFields &fields) { return fields.dateTime.toString(u"yyyy-MM-dd"); }},
-    {QLatin1StringView("[Time]"),
-     [](const HeaderFields &fields) { return fields.dateTime.toString(u"HH:mm"); }},
-    {QLatin1StringView("[CompanyName]"), [](const HeaderFields &fields) { return fields.strCompanyName; }},
-    {QLatin1StringView("[Recipients]"), [](const HeaderFields &fields) { return fields.strRecipients; }},
-}};
-
 bool BreaksLine(QChar character)
 {
     return character.category() == QChar::Other_Control || character == QChar::LineSeparator ||
@@ -53,18 +35,28 @@ QString ToOneLine(const QString &text)
     return line.trimmed();
 }
 
+/// What the macro words stand for, in the order of `headerMacros`.
+std::array<QString, headerMacros.size()> MacroValues(const HeaderFields &fields)
+{
+    return {QString::number(fields.lPage),           QString::number(fields.lPageCount),
+            fields.dateTime.toString(u"yyyy-MM-dd"), fields.dateTime.toString(u"HH:mm"),
+            ToOneLine(fields.strCompanyName),        ToOneLine(fields.strRecipients)};
+}
+
 } // namespace
 
 QString HeaderTexts::Expand(const QString &text, const HeaderFields &fields)
 {
+    const auto values = MacroValues(fields);
     QString expanded;
     QStringView rest = text;
     while (!rest.isEmpty() && expanded.size() < longestText) {
-        const auto isNext = [&](const Macro &macro) { return rest.startsWith(macro.strWord); };
-        const auto macro = std::find_if(macros.begin(), macros.end(), isNext);
-        const bool isMacro = macro != macros.end();
-        expanded += isMacro ? ToOneLine(macro->value(fields)) : QString(rest.front());
-        rest = rest.mid(isMacro ? macro->strWord.size() : 1);
+        const auto macro = std::find_if(headerMacros.begin(), headerMacros.end(),
+                                        [&](QLatin1StringView word) { return rest.startsWith(word); });
+        const auto which = static_cast<std::size_t>(macro - headerMacros.begin());
+        const bool isMacro = which < values.size();
+        expanded += isMacro ? values[which] : QString(rest.front());
+        rest = rest.mid(isMacro ? macro->size() : 1);
     }
     return ToOneLine(expanded);
 }

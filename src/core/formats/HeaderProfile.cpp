@@ -15,8 +15,7 @@ namespace {
 /// A profile has four kilobytes; a larger file is none.
 constexpr qint64 largestFile = 256 * 1024;
 
-constexpr int largestDistance = 1000, largestCharset = 255;
-constexpr int defaultDistance = 50;
+constexpr int defaultDistance = 50, largestCharset = 255;
 
 /// Empty for what is no file of a profile's size; a pipe or a device is never opened.
 QString ReadAnsiFile(const QString &path)
@@ -55,7 +54,7 @@ HeaderSpace ReadSpace(const IniText &ini, const QString &section)
 {
     const auto distance = [&](const char *key) {
         const QString value = ini.Value(section, QLatin1StringView(key));
-        return value.isEmpty() ? defaultDistance : std::clamp(ToNumber(value), 0, largestDistance);
+        return value.isEmpty() ? defaultDistance : std::clamp(ToNumber(value), 0, largestHeaderDistance);
     };
     return {distance("LeftMargin"), distance("RightMargin"), distance("TopMargin"), distance("LineSpace")};
 }

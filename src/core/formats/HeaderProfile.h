@@ -62,8 +62,14 @@ inline constexpr std::array<QLatin1StringView, 12> headerSections{
     QLatin1StringView("FooterMiddle_2"), QLatin1StringView("FooterRight_2"),
 };
 
-/// In points. No font of a profile is larger, whatever its file says.
-inline constexpr int largestHeaderFont = 200;
+/// The words that stand for something else on each page.
+inline constexpr std::array<QLatin1StringView, 6> headerMacros{
+    QLatin1StringView("[Page]"), QLatin1StringView("[PageCount]"),   QLatin1StringView("[Date]"),
+    QLatin1StringView("[Time]"), QLatin1StringView("[CompanyName]"), QLatin1StringView("[Recipients]"),
+};
+
+/// What a profile has at most, whatever its file says: points and tenths of a millimetre.
+inline constexpr int largestHeaderFont = 200, largestHeaderDistance = 1000;
 
 /// Reads a profile file. What is missing gets its default, what is out of bounds the nearest bound, and a
 /// file that is no profile, or cannot be read, gives a profile without texts. Sizes are rounded to whole
