@@ -16,7 +16,7 @@ constexpr uchar ink = 140;
 constexpr double tenthsPerInch = 254, pointsPerInch = 72;
 /// In tenths of a millimetre: what a header takes at most, so that a page keeps room for its content, and
 /// what parts two texts of a line.
-constexpr int tallestBlock = 1200, gapOfTexts = 20;
+constexpr int tallestBlock = 1200, gapOfTexts = 40;
 
 int ToDots(int tenths, int dotsPerInch)
 {

@@ -177,8 +177,8 @@ private slots:
         const QRect left = Ink(sides, 0, 800), right = Ink(sides, 800);
         QVERIFY(full.copy(left) == sides.copy(left) && full.copy(right) == sides.copy(right));
         QVERIFY(Ink(full).height() < 39);
-        QVERIFY(Ink(full, left.right() + 1, left.right() + 15).isEmpty());
-        QVERIFY(Ink(full, right.left() - 14, right.left()).isEmpty());
+        QVERIFY(Ink(full, left.right() + 1, left.right() + 28).isEmpty());
+        QVERIFY(Ink(full, right.left() - 27, right.left()).isEmpty());
     }
 
     void absurdProfilesStayOnTheSheet()
