@@ -1,44 +1,18 @@
 #include "controls/PageCanvas.h"
 
-#include "controls/Colors.h"
-
-#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QScopedValueRollback>
-#include <QScrollBar>
-#include <QStyle>
-#include <QWheelEvent>
-
-#include <cmath>
 
 namespace {
 
-constexpr double dZoomStep = 1.2;
-constexpr double dLinePixels = 40.0;
 constexpr double dMostOfView = 0.9;
-
-void ShowInBar(QScrollBar &bar, double last, double view, double offset)
-{
-    bar.setRange(0, static_cast<int>(std::ceil(last)));
-    bar.setPageStep(static_cast<int>(view));
-    bar.setSingleStep(static_cast<int>(dLinePixels));
-    bar.setValue(static_cast<int>(std::lround(offset)));
-}
 
 } // namespace
 
 PageCanvas::PageCanvas(QWidget *parent)
-    : QAbstractScrollArea(parent)
+    : SheetView(parent)
 {
-    setFocusPolicy(Qt::StrongFocus);
-    setMinimumSize(120, 80);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    horizontalScrollBar()->setAccessibleName(tr("Place across the page"));
-    verticalScrollBar()->setAccessibleName(tr("Place down the page"));
-    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
 void PageCanvas::SetPage(const PageBits &shownPage, bool stretchX, bool stretchY, bool keepView)
@@ -71,18 +45,15 @@ void PageCanvas::Clear(const QString &notice)
 // Zoom
 
 /// Fits only where it is wanted: this runs whenever page or view have another size.
-void PageCanvas::TakeSpace()
+void PageCanvas::Fit()
 {
-    const int spacing = style()->pixelMetric(QStyle::PM_ScrollView_ScrollBarSpacing, nullptr, this);
-    geometry.SetSpace(contentsRect().size(), verticalScrollBar()->sizeHint().width() + spacing);
     if (bAutoFit)
-        geometry.FitToView(static_cast<Fit>(lFitMode));
-    ShowGeometry();
+        geometry.FitToView(static_cast<PageGeometry::Fit>(lFitMode));
 }
 
 void PageCanvas::FitToView()
 {
-    geometry.FitToView(static_cast<Fit>(lFitMode));
+    geometry.FitToView(static_cast<PageGeometry::Fit>(lFitMode));
     ShowGeometry();
 }
 
@@ -105,60 +76,7 @@ void PageCanvas::SetZValue(double zoom)
     ShowGeometry();
 }
 
-QPointF PageCanvas::Middle() const
-{
-    return {geometry.View().width() / 2, geometry.View().height() / 2};
-}
-
-void PageCanvas::ZoomByUser(const QPointF &place, double factor)
-{
-    if (!HasPage())
-        return;
-    bAutoFit = false;
-    geometry.ZoomAround(place, geometry.Zoom() * factor);
-    ShowGeometry();
-    emit ZoomedByUser();
-}
-
-void PageCanvas::ZoomIn()
-{
-    ZoomByUser(Middle(), dZoomStep);
-}
-
-void PageCanvas::ZoomOut()
-{
-    ZoomByUser(Middle(), 1 / dZoomStep);
-}
-
 // Scrolling
-
-/// The scroll bars follow the geometry, and it follows them when the user moves them.
-void PageCanvas::ShowGeometry()
-{
-    const QScopedValueRollback<bool> showing(bShowingGeometry, true);
-    const auto policy = [](bool shown) { return shown ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff; };
-    setHorizontalScrollBarPolicy(policy(geometry.HasBarX()));
-    setVerticalScrollBarPolicy(policy(geometry.HasBarY()));
-    const QPointF last = geometry.LastOffset();
-    ShowInBar(*horizontalScrollBar(), last.x(), geometry.View().width(), OffsetX());
-    ShowInBar(*verticalScrollBar(), last.y(), geometry.View().height(), OffsetY());
-    ShowCursor();
-    viewport()->update();
-}
-
-void PageCanvas::scrollContentsBy(int, int)
-{
-    if (bShowingGeometry)
-        return;
-    geometry.ScrollTo(QPointF(horizontalScrollBar()->value(), verticalScrollBar()->value()));
-    viewport()->update();
-}
-
-void PageCanvas::ScrollBy(const QPointF &delta)
-{
-    geometry.ScrollTo(geometry.Offset() + delta);
-    ShowGeometry();
-}
 
 /// Down or up by most of a view; at the end of the page, to the next one.
 void PageCanvas::ScrollPageBy(double delta)
@@ -173,8 +91,7 @@ void PageCanvas::ScrollPageBy(double delta)
 
 void PageCanvas::ScrollToEnd()
 {
-    geometry.ScrollTo({OffsetX(), geometry.LastOffset().y()});
-    ShowGeometry();
+    ScrollTo({OffsetX(), geometry.LastOffset().y()});
 }
 
 // Painting
@@ -182,21 +99,13 @@ void PageCanvas::ScrollToEnd()
 void PageCanvas::paintEvent(QPaintEvent *)
 {
     QPainter painter(viewport());
-    const QRect view = viewport()->rect();
     if (HasPage()) {
         PaintSurroundings(painter);
-        pagePainter.Paint(painter, page, PageRect(), view, lMethod == Halftone);
+        pagePainter.Paint(painter, page, PageRect(), viewport()->rect(), lMethod == Halftone);
     } else {
-        constexpr int margin = 20;
-        painter.fillRect(view, palette().color(QPalette::Base));
-        painter.setPen(GetHintColor(palette()));
-        painter.drawText(view.adjusted(margin, margin, -margin, -margin), Qt::AlignCenter | Qt::TextWordWrap,
-                         strNotice);
+        PaintNotice(painter, strNotice);
     }
-    if (hasFocus()) {
-        painter.setPen(palette().color(QPalette::Highlight));
-        painter.drawRect(view.adjusted(0, 0, -1, -1));
-    }
+    PaintFocus(painter);
 }
 
 /// Under the page's edge, which may lie between two pixels, but not under all of it.
@@ -210,67 +119,7 @@ void PageCanvas::PaintSurroundings(QPainter &painter)
         painter.fillRect(part, palette().color(QPalette::Dark));
 }
 
-void PageCanvas::resizeEvent(QResizeEvent *)
-{
-    if (!bShowingGeometry)
-        TakeSpace();
-}
-
-void PageCanvas::focusInEvent(QFocusEvent *)
-{
-    viewport()->update();
-}
-
-void PageCanvas::focusOutEvent(QFocusEvent *)
-{
-    viewport()->update();
-}
-
-void PageCanvas::changeEvent(QEvent *event)
-{
-    QAbstractScrollArea::changeEvent(event);
-    if (event->type() == QEvent::StyleChange)
-        TakeSpace();
-    viewport()->update();
-}
-
 // Mouse and keys
-
-void PageCanvas::ShowCursor()
-{
-    if (!HasPage() || !geometry.CanScroll())
-        viewport()->unsetCursor();
-    else
-        viewport()->setCursor(bDragging ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
-}
-
-void PageCanvas::mousePressEvent(QMouseEvent *event)
-{
-    if (event->button() != Qt::LeftButton)
-        return;
-    bDragging = true;
-    lastDragPlace = event->pos();
-    ShowCursor();
-}
-
-void PageCanvas::mouseMoveEvent(QMouseEvent *event)
-{
-    if (!bDragging)
-        return;
-    const QPointF moved = event->pos() - lastDragPlace;
-    lastDragPlace = event->pos();
-    ScrollBy(-moved * dMoveFactor);
-}
-
-void PageCanvas::mouseReleaseEvent(QMouseEvent *event)
-{
-    if (event->button() == Qt::RightButton)
-        emit MenuRequested(event->globalPosition().toPoint());
-    if (event->button() != Qt::LeftButton)
-        return;
-    bDragging = false;
-    ShowCursor();
-}
 
 void PageCanvas::mouseDoubleClickEvent(QMouseEvent *event)
 {
@@ -278,38 +127,9 @@ void PageCanvas::mouseDoubleClickEvent(QMouseEvent *event)
         emit ViewRequested();
 }
 
-/// The mouse has asked with its button's release, which some desktops do not wait for.
-void PageCanvas::contextMenuEvent(QContextMenuEvent *event)
-{
-    if (event->reason() == QContextMenuEvent::Keyboard)
-        emit MenuRequested(viewport()->mapToGlobal(Middle().toPoint()));
-}
-
-void PageCanvas::wheelEvent(QWheelEvent *event)
-{
-    const QPointF turns = QPointF(event->angleDelta()) / 120.0;
-    if (event->modifiers().testFlag(Qt::ControlModifier)) {
-        ZoomByUser(event->position(), std::pow(dZoomStep, turns.y()));
-    } else {
-        const QPointF pixels(event->pixelDelta());
-        const QPointF delta = pixels.isNull() ? turns * 3 * dLinePixels : pixels;
-        const bool isSideways = event->modifiers().testFlag(Qt::ShiftModifier);
-        ScrollBy(isSideways ? QPointF(-delta.y(), 0) : -delta);
-    }
-    event->accept();
-}
-
 void PageCanvas::keyPressEvent(QKeyEvent *event)
 {
     switch (event->key()) {
-    case Qt::Key_Left:
-        return ScrollBy({-dLinePixels, 0});
-    case Qt::Key_Right:
-        return ScrollBy({dLinePixels, 0});
-    case Qt::Key_Up:
-        return ScrollBy({0, -dLinePixels});
-    case Qt::Key_Down:
-        return ScrollBy({0, dLinePixels});
     case Qt::Key_PageUp:
         return ScrollPageBy(-1);
     case Qt::Key_PageDown:
@@ -320,12 +140,7 @@ void PageCanvas::keyPressEvent(QKeyEvent *event)
         return ScrollBy(-geometry.LastOffset());
     case Qt::Key_End:
         return ScrollToEnd();
-    case Qt::Key_Plus:
-    case Qt::Key_Equal:
-        return ZoomIn();
-    case Qt::Key_Minus:
-        return ZoomOut();
     default:
-        event->ignore();
+        SheetView::keyPressEvent(event);
     }
 }

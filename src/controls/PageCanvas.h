@@ -1,15 +1,13 @@
 #pragma once
 
-#include "controls/PageGeometry.h"
 #include "controls/PagePainter.h"
+#include "controls/SheetView.h"
 #include "core/FaxImage.h"
 
-#include <QAbstractScrollArea>
 #include <QString>
 
-/// Shows one page of a fax. The left button drags it, the wheel scrolls it and, with Ctrl, zooms around the
-/// cursor; the arrow and page keys, "+" and "-" do the same.
-class PageCanvas final : public QAbstractScrollArea
+/// Shows one page of a fax.
+class PageCanvas final : public SheetView
 {
     Q_OBJECT
     Q_PROPERTY(double ZValue READ ZValue WRITE SetZValue)
@@ -22,7 +20,6 @@ public:
     /// How an enlarged page is drawn: with hard pixels, or with smooth ones. A page made smaller is always
     /// averaged: thin strokes would get lost otherwise.
     enum StretchMethod { ColorOnColor = 3, Halftone = 4 };
-    using Fit = PageGeometry::Fit;
 
     explicit PageCanvas(QWidget *parent = nullptr);
 
@@ -48,13 +45,6 @@ public:
     void SetZMethod(int method);
     void FitToView();
 
-    // What the user does; it ends the fitting
-    void ZoomIn();
-    void ZoomOut();
-
-    /// Of the view in the page, in pixels of the widget.
-    double OffsetX() const { return geometry.Offset().x(); }
-    double OffsetY() const { return geometry.Offset().y(); }
     void ScrollToEnd();
     /// Place of the page in the view, for the present zoom.
     QRectF PageRect() const { return geometry.PageRect(); }
@@ -62,50 +52,28 @@ public:
     QSize sizeHint() const override { return {400, 300}; }
 
 signals:
-    /// The user zoomed by wheel, key or command.
-    void ZoomedByUser();
     void PageUpRequested();   ///< beyond the top of the page
     void PageDownRequested(); ///< beyond its end
     void ViewRequested();     ///< by a double click
-    /// The right button was released, or the menu key pressed, at a place on the screen.
-    void MenuRequested(const QPoint &place);
 
 protected:
+    bool HasSheet() const override { return HasPage(); }
+    void Fit() override;
+    void EndFit() override { bAutoFit = false; }
     void paintEvent(QPaintEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
-    void scrollContentsBy(int dx, int dy) override;
-    void mousePressEvent(QMouseEvent *event) override;
-    void mouseMoveEvent(QMouseEvent *event) override;
-    void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
-    void contextMenuEvent(QContextMenuEvent *event) override;
-    void wheelEvent(QWheelEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
-    void focusInEvent(QFocusEvent *event) override;
-    void focusOutEvent(QFocusEvent *event) override;
-    void changeEvent(QEvent *event) override;
 
 private:
-    void TakeSpace();
-    void ShowGeometry();
-    void ScrollBy(const QPointF &delta);
     void ScrollPageBy(double delta);
-    void ZoomByUser(const QPointF &place, double factor);
-    QPointF Middle() const;
     void PaintSurroundings(QPainter &painter);
-    void ShowCursor();
 
     PageBits page;
     bool bStretchX = false;
     bool bStretchY = false;
     QString strNotice;
-    PageGeometry geometry;
-    double dMoveFactor = 1.0;
     int lFitMode = PageGeometry::FitWhole;
     int lMethod = Halftone;
     bool bAutoFit = false;
     PagePainter pagePainter{true};
-    QPoint lastDragPlace;
-    bool bDragging = false;
-    bool bShowingGeometry = false;
 };

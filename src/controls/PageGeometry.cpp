@@ -49,17 +49,22 @@ void PageGeometry::FitToView(Fit fit)
     PlaceBars();
 }
 
-/// A page that is fitted to one side may need the bar of the other, which takes of its room.
+/// What is fitted to one side may need the bar of the other, which takes of its room.
 double PageGeometry::FitZoom(Fit fit) const
 {
     const auto notZero = [](double zoom) { return zoom > 0 ? zoom : 1.0; };
-    const double zoomX = space.width() / page.width();
-    const double zoomY = space.height() / page.height();
+    const QSizeF wanted = fitted.isEmpty() ? page : fitted;
+    const double zoomX = space.width() / wanted.width();
+    const double zoomY = space.height() / wanted.height();
+    const double zoomXBesideBar = (space.width() - dBar) / wanted.width();
+    const double whole = std::min(zoomX, zoomY);
     if (fit == FitWidth && page.height() * zoomX > space.height())
-        return notZero((space.width() - dBar) / page.width());
+        return notZero(zoomXBesideBar);
     if (fit == FitHeight && page.width() * zoomY > space.width())
-        return notZero((space.height() - dBar) / page.height());
-    return notZero(std::min(zoomX, zoomY));
+        return notZero((space.height() - dBar) / wanted.height());
+    if (fit == FitWhole && page.height() * whole > space.height() + dRounding)
+        return notZero(std::min(zoomXBesideBar, zoomY));
+    return notZero(whole);
 }
 
 void PageGeometry::PlaceBars()

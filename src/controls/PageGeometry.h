@@ -15,6 +15,8 @@ public:
     /// The page's size at zoom 1.
     void SetPage(const QSizeF &size);
     const QSizeF &Page() const { return page; }
+    /// What is fitted in place of the page, of which it is a part; an empty size stands for the page itself.
+    void SetFitted(const QSizeF &size) { fitted = size; }
     /// What page and scroll bars have together, and how wide a bar is.
     void SetSpace(const QSize &size, int widthOfBar);
 
@@ -44,6 +46,7 @@ private:
     void PlaceBars();
 
     QSizeF page{0, 0};
+    QSizeF fitted;
     QSizeF space{0, 0};
     double dBar = 0;
     double dZoom = 1.0;
