@@ -21,7 +21,7 @@ void Prepare(Document &document, OfficeWork &work)
         document.strReadable = document.strPath;
         return;
     }
-    work.aJobs.append({document.strPath, type.strEnding, document.Name(), {}, {}});
+    work.aJobs.append({document.strPath, type.strEnding, document.Name(), {}, {}, {}});
     work.aDocuments.append(&document);
 }
 
@@ -52,7 +52,7 @@ void PrepareDocuments(QList<Document> &documents, const QString &workFolder, std
     }
     if (work.aJobs.isEmpty())
         return;
-    ConvertOffice(work.aJobs, workFolder, stop, tell);
+    OfficeConverter(OfficeProgram::Find(), workFolder, stop, tell).Convert(work.aJobs);
     if (!stop.stop_requested())
         TakeResults(work, failed);
 }
