@@ -170,6 +170,44 @@ private:
     }
 };
 
+/// A page of grays only, a byte for each pixel.
+class GraySource final : public RowSums
+{
+public:
+    static constexpr std::size_t Levels = 1;
+
+    GraySource(const PageBits &shownPage, std::vector<qint64> edgesInRow)
+        : RowSums(shownPage, std::move(edgesInRow), Levels)
+    {
+        for (std::size_t entry = 0; entry < aLevels.size(); ++entry)
+            aLevels[entry] = qGray(page.aPalette.value(static_cast<qsizetype>(entry)));
+    }
+
+    bool Read(int row)
+    {
+        const uchar *bytes = Bytes(row);
+        for (std::size_t pixel = 0; pixel < aSums.size(); ++pixel)
+            aSums[pixel] = SumOf(bytes, edges[pixel], edges[pixel + 1]);
+        return true;
+    }
+
+    static int LevelOf(double mean) { return static_cast<int>(mean + 0.5); }
+
+private:
+    int SumOf(const uchar *bytes, qint64 from, qint64 to) const
+    {
+        const qint64 first = from >> partBits, last = to >> partBits;
+        const int before = static_cast<int>(from & partMask), within = static_cast<int>(to & partMask);
+        int sum = 0;
+        for (qint64 at = first; at < last; ++at)
+            sum += aLevels[bytes[at]];
+        sum = (sum << partBits) - aLevels[bytes[first]] * before;
+        return within > 0 ? sum + aLevels[bytes[last]] * within : sum;
+    }
+
+    std::array<int, 256> aLevels; ///< of the palette's entries
+};
+
 /// The new rows, one after the other.
 template <typename Source>
 class Shrinker
@@ -304,5 +342,7 @@ QImage PageScaler::Shrink(const PageBits &page, const QSize &size, const QRect &
     std::vector<qint64> columns = EdgesOf(shown.left(), shown.width(), page.lWidth, size.width());
     if (page.lBitsPerPixel == 1 && IsGray(page.aPalette))
         return ShrinkRows(InkSource(page, std::move(columns)), rows);
+    if (page.lBitsPerPixel == 8 && IsGray(page.aPalette))
+        return ShrinkRows(GraySource(page, std::move(columns)), rows);
     return ShrinkRows(ColorSource(page, std::move(columns)), rows);
 }

@@ -1,0 +1,75 @@
+#include "QtPicture.h"
+
+#include "PictureResolution.h"
+
+#include <QImageReader>
+
+#include <algorithm>
+
+namespace {
+
+/// JPEG is decoded smaller at once, so that only its packed form counts.
+constexpr qint64 mostJpegPixels = 256'000'000;
+
+/// What `mostPixels` of the deepest form take is more than Qt allows by itself.
+void AllowLargePictures()
+{
+    constexpr int megabytes = 1100;
+    static const bool once = (QImageReader::setAllocationLimit(megabytes), true);
+    Q_UNUSED(once)
+}
+
+void SetUp(QImageReader &reader)
+{
+    AllowLargePictures();
+    reader.setDecideFormatFromContent(true);
+    reader.setAutoTransform(false);
+}
+
+/// In parts, since the forms between take four bytes for a pixel.
+QImage ToGrayOverWhite(const QImage &image)
+{
+    constexpr int partHeight = 64, opaque = 255;
+    QImage gray = PictureFile::MakeGray(image.size());
+    for (int top = 0; top < image.height(); top += partHeight) {
+        const QImage part = image.copy(0, top, image.width(), std::min(partHeight, image.height() - top))
+                                .convertToFormat(QImage::Format_ARGB32);
+        for (int y = 0; y < part.height(); ++y) {
+            const auto *from = reinterpret_cast<const QRgb *>(part.constScanLine(y));
+            std::transform(from, from + part.width(), gray.scanLine(top + y), [](QRgb color) {
+                const int alpha = qAlpha(color);
+                return static_cast<uchar>(opaque - (opaque - qGray(color)) * alpha / opaque);
+            });
+        }
+    }
+    return gray;
+}
+
+} // namespace
+
+QtPicture::QtPicture(const QString &path)
+    : strPath(path)
+{
+    QImageReader reader(path);
+    SetUp(reader);
+    bJpeg = reader.format() == "jpeg";
+    picture = {reader.size(), PictureResolution::Read(path), reader.transformation()};
+    CheckSize(picture.size, bJpeg ? mostJpegPixels : MostPixels);
+}
+
+QImage QtPicture::ReadGray(int, const QSize &least)
+{
+    QImageReader reader(strPath);
+    SetUp(reader);
+    if (bJpeg) {
+        int share = 1; // the decoder knows these: 1, 2, 4, 8
+        while (share < 8 && picture.size.width() / (2 * share) >= least.width() &&
+               picture.size.height() / (2 * share) >= least.height())
+            share *= 2;
+        reader.setScaledSize((picture.size + QSize(share - 1, share - 1)) / share);
+    }
+    const QImage image = reader.read();
+    if (image.isNull())
+        RefuseDamaged();
+    return ToGrayOverWhite(image);
+}
