@@ -45,8 +45,10 @@ bool OleStorage::ReadHeader()
     if (abHeader.size() != headerSize || !abHeader.startsWith(Signature))
         return false;
     const int shift = Short(abHeader, sectorShiftAt);
+    if (shift != smallSectors && shift != largeSectors)
+        return false;
     lSectorSize = qint64(1) << shift;
-    return shift == smallSectors || shift == largeSectors;
+    return true;
 }
 
 /// The sector's bytes; short or empty when it lies beyond the file's end.
