@@ -1,17 +1,16 @@
 #include "FaxExport.h"
 
 #include "FaxDocument.h"
+#include "FaxPdf.h"
 #include "PageImages.h"
+#include "SaveError.h"
 #include "TargetFile.h"
 #include "TiffWriter.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <QPageSize>
-#include <QPainter>
-#include <QPdfWriter>
 
-#include <algorithm>
+#include <numeric>
 #include <optional>
 
 namespace {
@@ -28,24 +27,9 @@ void Check(const FaxDocument &fax, const QString &path)
     if (fax.PageCount() == 0)
         throw SaveError{fax.Problem()};
     if (!source.exists())
-        throw SaveError{Tr("The fax is no longer there: its file was moved or deleted.")};
+        RaiseUnreadable(fax, 0);
     if (target.exists() && target.canonicalFilePath() == source.canonicalFilePath())
         throw SaveError{Tr("A fax cannot be saved over itself. Please choose another name or folder.")};
-}
-
-[[noreturn]] void RaiseUnreadable(const FaxDocument &fax, int page)
-{
-    if (!QFileInfo::exists(fax.Path()))
-        throw SaveError{Tr("The fax is no longer there: its file was moved or deleted.")};
-    throw SaveError{Tr("Page %1 cannot be read: the file is damaged, or has changed.").arg(page + 1)};
-}
-
-QImage LoadImage(const FaxDocument &fax, int page)
-{
-    const QImage image = PageImages::FromBits(fax.LoadPage(page));
-    if (image.isNull())
-        RaiseUnreadable(fax, page);
-    return image;
 }
 
 void Tell(const PageProgress &progress, int pagesDone)
@@ -99,44 +83,14 @@ void WritePages(const FaxDocument &fax, TargetFile &target, const PageProgress &
             RaiseUnreadable(fax, page);
         if (!writer)
             writer.emplace(target.File(), shown.get());
-        const bool written = fax.Rotation(page) == 0 && TiffWriter::CanCopy(shown.get())
-                                 ? writer->CopyPage(shown.get())
-                                 : writer->AddPage(LoadImage(fax, page), fax.PageSize(page), shown.get());
+        const bool written =
+            fax.Rotation(page) == 0 && TiffWriter::CanCopy(shown.get())
+                ? writer->CopyPage(shown.get())
+                : writer->AddPage(PageImages::Load(fax, page), fax.PageSize(page), shown.get());
         if (!written)
             target.RaiseFailure();
         Tell(progress, page + 1);
     }
-}
-
-/// Largest and smallest side of a page that readers of PDF files take, in inches.
-constexpr double widestSheet = 200, smallestSheet = 0.05;
-
-QPageLayout SheetOf(const QSizeF &inches)
-{
-    const QSizeF size =
-        inches.boundedTo({widestSheet, widestSheet}).expandedTo({smallestSheet, smallestSheet});
-    const QPageSize sheet(size, QPageSize::Inch, QString(), QPageSize::ExactMatch);
-    return QPageLayout(sheet, QPageLayout::Portrait, {});
-}
-
-void WritePdf(const FaxDocument &fax, TargetFile &target, const PageProgress &progress)
-{
-    QPdfWriter writer(&target.File());
-    writer.setTitle(QFileInfo(fax.Path()).completeBaseName());
-    writer.setCreator(QCoreApplication::applicationName());
-    QPainter painter;
-    for (int page = 0; page < fax.PageCount(); ++page) {
-        const QImage image = LoadImage(fax, page);
-        writer.setPageLayout(SheetOf(fax.PageSize(page)));
-        if (page == 0 ? !painter.begin(&writer) : !writer.newPage())
-            target.RaiseFailure();
-        painter.setRenderHint(QPainter::LosslessImageRendering);
-        painter.drawImage(QRectF(0, 0, writer.width(), writer.height()), image);
-        if (target.HasFailed())
-            target.RaiseFailure();
-        Tell(progress, page + 1);
-    }
-    painter.end();
 }
 
 } // namespace
@@ -160,7 +114,10 @@ bool FaxExport::SavePdf(const FaxDocument &fax, const QString &path, QString &pr
                         const PageProgress &progress)
 {
     return Save(fax, path, problem, [&](TargetFile &target) {
-        WritePdf(fax, target, progress);
+        QList<int> pages(fax.PageCount());
+        std::iota(pages.begin(), pages.end(), 0);
+        const auto sheetFor = [](const QSizeF &page) { return PdfSheet{page, QRectF(QPointF(), page)}; };
+        WritePdf(target, fax, pages, sheetFor, progress);
         target.Finish();
     });
 }

@@ -1,6 +1,7 @@
 #include "PageImages.h"
 
-#include "core/FaxImage.h"
+#include "FaxDocument.h"
+#include "SaveError.h"
 
 #include <QSizeF>
 
@@ -42,7 +43,18 @@ QImage PageImages::FromBits(const PageBits &page)
         shared.setColorTable(page.aPalette);
     if (page.lBitsPerPixel == 1)
         return WithBlackFirst(shared.copy());
-    return shared.convertToFormat(shared.allGray() ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
+    if (shared.allGray())
+        return shared.convertToFormat(QImage::Format_Grayscale8);
+    // A conversion into the format that it has would share the page's memory.
+    return page.lBitsPerPixel == 8 ? shared.convertToFormat(QImage::Format_RGB32) : shared.copy();
+}
+
+QImage PageImages::Load(const FaxDocument &fax, int page)
+{
+    QImage image = FromBits(fax.LoadPage(page));
+    if (image.isNull())
+        RaiseUnreadable(fax, page);
+    return image;
 }
 
 QImage PageImages::MakeSquare(const QImage &page, const QSizeF &size)

@@ -1,9 +1,12 @@
 #include "TargetFile.h"
 
+#include "SaveError.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QUuid>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -82,12 +85,16 @@ void TargetFile::Raise(const QString &reason) const
         tr("The file \"%1\" cannot be written: %2.").arg(QDir::toNativeSeparators(strPath), reason)};
 }
 
+/// A disk that gets full takes a part first, and says why it takes no more when it is asked again.
 qint64 TargetFile::PartFile::writeData(const char *data, qint64 size)
 {
-    const qint64 written = QFile::writeData(data, size);
-    if (written != size && !bFailed) {
-        bFailed = true;
-        strReason = errorString();
+    qint64 done = 0;
+    while (done < size && !bFailed) {
+        const qint64 written = QFile::writeData(data + done, size - done);
+        bFailed = written <= 0;
+        done += std::max<qint64>(written, 0);
     }
-    return written;
+    if (bFailed && strReason.isEmpty())
+        strReason = errorString();
+    return bFailed ? -1 : size;
 }

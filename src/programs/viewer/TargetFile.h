@@ -4,12 +4,6 @@
 #include <QFile>
 #include <QString>
 
-/// Why a file could not be saved: a sentence for the user, empty when the user gave up himself.
-struct SaveError
-{
-    QString strProblem;
-};
-
 /// A file on its way: it is written under another name in the folder where it shall stand, so that a failure
 /// leaves neither half a file nor a stray one, and what stood there before stays.
 class TargetFile final

@@ -1,0 +1,341 @@
+#include "core/TiffHandle.h"
+#include "fixtures/FaxFile.h"
+#include "fixtures/Profile.h"
+#include "fixtures/TestTable.h"
+#include "programs/viewer/FaxDocument.h"
+#include "programs/viewer/FaxExport.h"
+#include "programs/viewer/PageImages.h"
+
+#include <QDir>
+#include <QImage>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <csignal>
+#include <memory>
+
+#include <poppler-document.h>
+#include <poppler-page-renderer.h>
+#include <poppler-page.h>
+#include <sys/resource.h>
+
+namespace {
+
+/// What one page of a file says of itself, and its coded bytes.
+struct StoredPage
+{
+    QSize size;
+    QSizeF dotsPerInch;
+    int lCompression = 0;
+    int lPhotometric = 0;
+    QByteArray abCoded;
+};
+
+QList<StoredPage> ReadStored(const QString &path)
+{
+    const TiffHandle tiff(TIFFOpen(QFile::encodeName(path).constData(), "r"));
+    QList<StoredPage> pages;
+    do {
+        uint32_t width = 0, height = 0;
+        uint16_t compression = 0, photometric = 0;
+        float x = 0, y = 0;
+        TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width);
+        TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height);
+        TIFFGetField(tiff.get(), TIFFTAG_COMPRESSION, &compression);
+        TIFFGetField(tiff.get(), TIFFTAG_PHOTOMETRIC, &photometric);
+        TIFFGetField(tiff.get(), TIFFTAG_XRESOLUTION, &x);
+        TIFFGetField(tiff.get(), TIFFTAG_YRESOLUTION, &y);
+        QByteArray coded;
+        for (uint32_t strip = 0; strip < TIFFNumberOfStrips(tiff.get()); ++strip) {
+            QByteArray bytes(qsizetype(TIFFGetStrileByteCount(tiff.get(), strip)), '\0');
+            TIFFReadRawStrip(tiff.get(), strip, bytes.data(), bytes.size());
+            coded += bytes;
+        }
+        pages.append({QSize(int(width), int(height)), QSizeF(x, y), compression, photometric, coded});
+    } while (TIFFReadDirectory(tiff.get()) == 1);
+    return pages;
+}
+
+/// The picture on each page, as it is shown.
+QList<QImage> PicturesOf(const FaxDocument &fax)
+{
+    QList<QImage> pictures;
+    for (int page = 0; page < fax.PageCount(); ++page)
+        pictures.append(PageImages::FromBits(fax.LoadPage(page)));
+    return pictures;
+}
+
+/// Writes fail beyond that size while it lives, as on a full disk.
+class SmallDisk final
+{
+public:
+    explicit SmallDisk(rlim_t bytes)
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &usual);
+        const rlimit small{bytes, usual.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+    }
+    ~SmallDisk() { setrlimit(RLIMIT_FSIZE, &usual); }
+
+private:
+    rlimit usual{};
+};
+
+using SaveFunction = bool (*)(const FaxDocument &, const QString &, QString &, const PageProgress &);
+
+} // namespace
+
+Q_DECLARE_METATYPE(FaxFile)
+
+class tst_ViewerFiles final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        folder = std::make_unique<QTemporaryDir>();
+        strFax = folder->filePath(QStringLiteral("fax.tif"));
+        strTarget = folder->filePath(QStringLiteral(u"c\u00f6py"));
+    }
+
+    void unturnedFaxIsCopiedByteForByte()
+    {
+        for (const bool prefix : {false, true}) {
+            QVERIFY((FaxFile{.lPages = 3, .bGroup3 = true, .bSizePrefix = prefix}.Write(strFax)));
+            QVERIFY(Open().PageCount() == 3 && SaveTiff());
+            QCOMPARE(ReadTestFile(strTarget), (FaxFile{.lPages = 3, .bGroup3 = true}.Bytes()));
+        }
+    }
+
+    void turnedPagesArePackedAnewAndTheOthersKeepTheirBytes_data()
+    {
+        const TestTable<FaxFile> row{"fax"};
+        row("standard, group 3", {.lPages = 3, .bGroup3 = true});
+        row("size in front", {.lPages = 3, .bSizePrefix = true});
+        row("black is 0, odd width",
+            {.lPages = 3, .lWidth = 1001, .lDotsPerInchY = 196, .bMinIsBlack = true});
+        row("no resolution", {.lPages = 3, .lDotsPerInchY = 0});
+    }
+
+    void turnedPagesArePackedAnewAndTheOthersKeepTheirBytes()
+    {
+        QFETCH(FaxFile, fax);
+        QVERIFY(fax.Write(strFax));
+        Open().Rotate(1, 90);
+        document.Rotate(2, 180);
+        QVERIFY2(SaveTiff(), qPrintable(strProblem));
+
+        fax.bSizePrefix = false;
+        QVERIFY(fax.Write(strFax));
+        const QList<StoredPage> before = ReadStored(strFax), after = ReadStored(strTarget);
+        QCOMPARE(after.size(), 3);
+        QCOMPARE(after[0].abCoded, before[0].abCoded);
+        QCOMPARE(after[0].lCompression, before[0].lCompression);
+        QCOMPARE(after[0].lPhotometric, before[0].lPhotometric);
+        const QSizeF resolution(204, fax.lDotsPerInchY > 0 ? fax.lDotsPerInchY : 196);
+        QCOMPARE(after[1].size, before[1].size.transposed());
+        QCOMPARE(after[1].dotsPerInch, resolution.transposed());
+        QCOMPARE(after[2].size, before[2].size);
+        QCOMPARE(after[2].dotsPerInch, resolution);
+        for (const StoredPage &page : {after[1], after[2]}) {
+            QCOMPARE(page.lCompression, COMPRESSION_CCITTFAX4);
+            QCOMPARE(page.lPhotometric, PHOTOMETRIC_MINISWHITE);
+        }
+        FaxDocument copy;
+        QVERIFY(copy.Open(strTarget));
+        QCOMPARE(PicturesOf(copy), PicturesOf(document));
+        QCOMPARE(copy.PageSize(1), document.PageSize(1));
+    }
+
+    void turningAndTurningBackLosesNothing()
+    {
+        QVERIFY((FaxFile{.lPages = 2, .lWidth = 777, .lHeight = 501, .bNoise = true}.Write(strFax)));
+        for (const int degrees : {90, 180, 270}) {
+            Open().RotateAll(degrees);
+            const QList<QImage> turned = PicturesOf(document);
+            QVERIFY(SaveTiff());
+            FaxDocument copy;
+            QVERIFY(copy.Open(strTarget));
+            QCOMPARE(PicturesOf(copy), turned);
+            copy.RotateAll(-degrees);
+            document.RotateAll(-degrees);
+            QCOMPARE(PicturesOf(copy), PicturesOf(document));
+            QCOMPARE(copy.PageSize(1), document.PageSize(1));
+        }
+    }
+
+    void grayAndColourPagesKeepTheirPixels()
+    {
+        for (const QImage::Format format : {QImage::Format_Grayscale8, QImage::Format_RGB32}) {
+            QVERIFY(WriteColourFax(format));
+            Open().Rotate(0, 90);
+            QVERIFY2(SaveTiff(), qPrintable(strProblem));
+            FaxDocument copy;
+            QVERIFY(copy.Open(strTarget));
+            QCOMPARE(PicturesOf(copy), PicturesOf(document));
+            QCOMPARE(PicturesOf(copy).first().format(), format);
+        }
+    }
+
+    void pdfHasPagesOfTheTrueSizeAndTheSamePixels()
+    {
+        QVERIFY((FaxFile{.lPages = 3, .bMinIsBlack = true}.Write(strFax)));
+        Open().Rotate(1, 90);
+        QVERIFY2(FaxExport::SavePdf(document, strTarget, strProblem), qPrintable(strProblem));
+        const std::unique_ptr<poppler::document> pdf = OpenPdf();
+        QCOMPARE(pdf->pages(), 3);
+        QCOMPARE(QString::fromStdString(pdf->get_title().to_latin1()), QStringLiteral("fax"));
+        for (int page = 0; page < 3; ++page) {
+            const QSizeF inches = document.PageSize(page);
+            const poppler::rectf sheet = std::unique_ptr<poppler::page>(pdf->create_page(page))->page_rect();
+            QVERIFY(std::abs(sheet.width() - inches.width() * 72) < 1);
+            QVERIFY(std::abs(sheet.height() - inches.height() * 72) < 1);
+            // Both boxes of the page, in hundredths of an inch, wherever the turn has put them.
+            const QImage expected = PicturesOf(document)[page].convertToFormat(QImage::Format_RGB32);
+            const QImage seen = RenderPdf(*pdf, page, expected.size());
+            QVERIFY(CountDifferent(expected, seen) < 400);
+        }
+        QCOMPARE(ListPdfPictures(), (QStringList{"1728 1146 gray 1 1 image", "1146 1728 gray 1 1 image",
+                                                 "1728 1146 gray 1 1 image"}));
+    }
+
+    void pictureForTheClipboardHasSquarePixels()
+    {
+        QVERIFY((FaxFile{.lDotsPerInchX = 204, .lDotsPerInchY = 98}.Write(strFax)));
+        const QImage upright = FaxExport::PageImage(Open(), 0);
+        QCOMPARE(upright.size(), QSize(1728, 2386));
+        QCOMPARE(upright.dotsPerMeterX(), upright.dotsPerMeterY());
+        QCOMPARE(qGray(upright.pixel(40, 24 * 2)), 0);
+        document.Rotate(0, 90);
+        QCOMPARE(FaxExport::PageImage(document, 0).size(), upright.size().transposed());
+        QFile::remove(strFax);
+        QVERIFY(FaxExport::PageImage(document, 0).isNull());
+    }
+
+    void failedSaveTellsWhyAndLeavesAllAsItWas_data()
+    {
+        const TestTable<SaveFunction, bool> row{"save", "turned"};
+        row("plain copy", FaxExport::SaveTiff, false);
+        row("turned pages", FaxExport::SaveTiff, true);
+        row("PDF", FaxExport::SavePdf, false);
+    }
+
+    void failedSaveTellsWhyAndLeavesAllAsItWas()
+    {
+        QFETCH(SaveFunction, save);
+        QFETCH(bool, turned);
+        QVERIFY((FaxFile{.lPages = 2, .bNoise = true}.Write(strFax)));
+        QVERIFY(WriteTestFile(strTarget, "older"));
+        QVERIFY(QDir(folder->path()).mkdir("sub"));
+        Open().RotateAll(turned ? 90 : 0);
+        const QStringList before = Listing();
+        const auto fails = [&](const QString &path) {
+            return !save(document, path, strProblem, {}) && strProblem.contains('.');
+        };
+        QVERIFY(fails(strFax));
+        QVERIFY(fails(folder->path() + "/sub/../fax.tif"));
+        QVERIFY(fails(folder->filePath("sub")));
+        QVERIFY(fails(folder->filePath("missing/copy.tif")));
+        {
+            const SmallDisk disk(20000);
+            QVERIFY(fails(strTarget));
+            QVERIFY(strProblem.contains("File too large"));
+        }
+        QVERIFY(!save(document, strTarget, strProblem, [](int) { return false; }));
+        QCOMPARE(strProblem, QString());
+        QCOMPARE(Listing(), before);
+        QCOMPARE(ReadTestFile(strTarget), "older");
+
+        QVERIFY((FaxFile{.lPages = 1}.Write(strFax)));
+        QVERIFY(fails(strTarget));
+        QVERIFY(QFile::remove(strFax));
+        QVERIFY(fails(strTarget) && strProblem.contains("no longer there"));
+        QCOMPARE(ReadTestFile(strTarget), "older");
+        QCOMPARE(Listing(), QStringList(before).filter(QRegularExpression("^(?!fax)")));
+    }
+
+private:
+    FaxDocument &Open()
+    {
+        document.Open(strFax);
+        return document;
+    }
+    bool SaveTiff() { return FaxExport::SaveTiff(document, strTarget, strProblem); }
+    QStringList Listing() const
+    {
+        return QDir(folder->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
+    bool WriteColourFax(QImage::Format format) const
+    {
+        const int samples = format == QImage::Format_RGB32 ? 3 : 1;
+        const TiffHandle tiff(TIFFOpen(QFile::encodeName(strFax).constData(), "w"));
+        const std::pair<int, int> fields[] = {
+            {TIFFTAG_IMAGEWIDTH, 40},
+            {TIFFTAG_IMAGELENGTH, 3},
+            {TIFFTAG_SAMPLESPERPIXEL, samples},
+            {TIFFTAG_BITSPERSAMPLE, 8},
+            {TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG},
+            {TIFFTAG_PHOTOMETRIC, samples == 1 ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB}};
+        for (const auto &[tag, value] : fields)
+            TIFFSetField(tiff.get(), tag, value);
+        bool written = true;
+        for (uint32_t y = 0; y < 3; ++y) {
+            QByteArray row;
+            for (int byte = 0; byte < 40 * samples; ++byte)
+                row.append(char(byte * 5 + int(y) * 70));
+            written = written && TIFFWriteScanline(tiff.get(), row.data(), y) == 1;
+        }
+        return written;
+    }
+
+    std::unique_ptr<poppler::document> OpenPdf() const
+    {
+        return std::unique_ptr<poppler::document>(
+            poppler::document::load_from_file(QFile::encodeName(strTarget).toStdString()));
+    }
+
+    static QImage RenderPdf(const poppler::document &pdf, int number, const QSize &size)
+    {
+        const std::unique_ptr<poppler::page> page(pdf.create_page(number));
+        const poppler::rectf sheet = page->page_rect();
+        const poppler::image image = poppler::page_renderer().render_page(
+            page.get(), 72 * size.width() / sheet.width(), 72 * size.height() / sheet.height());
+        return QImage(reinterpret_cast<const uchar *>(image.const_data()), image.width(), image.height(),
+                      image.bytes_per_row(), QImage::Format_RGB32)
+            .copy(QRect(QPoint(), size));
+    }
+
+    static int CountDifferent(const QImage &one, const QImage &other)
+    {
+        int count = one.size() == other.size() ? 0 : INT_MAX / 2;
+        for (int y = 0; y < std::min(one.height(), other.height()); ++y) {
+            for (int x = 0; x < std::min(one.width(), other.width()); ++x)
+                count += (one.pixel(x, y) & 0xffffff) != (other.pixel(x, y) & 0xffffff) ? 1 : 0;
+        }
+        return count;
+    }
+
+    /// Width, height, colours, components, bits and coding of each picture; "image" means without loss.
+    QStringList ListPdfPictures() const
+    {
+        QProcess lister;
+        lister.start("pdfimages", {"-list", strTarget});
+        lister.waitForFinished();
+        QStringList pictures;
+        for (const QString &line : QString::fromUtf8(lister.readAllStandardOutput()).split('\n').mid(2)) {
+            if (!line.isEmpty())
+                pictures.append(line.simplified().section(' ', 3, 8));
+        }
+        return pictures;
+    }
+
+    std::unique_ptr<QTemporaryDir> folder;
+    QString strFax, strTarget, strProblem;
+    FaxDocument document;
+};
+
+QTEST_MAIN(tst_ViewerFiles)
+#include "tst_ViewerFiles.moc"
