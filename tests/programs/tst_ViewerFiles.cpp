@@ -5,14 +5,26 @@
 #include "programs/viewer/FaxDocument.h"
 #include "programs/viewer/FaxExport.h"
 #include "programs/viewer/PageImages.h"
+#include "programs/viewer/PrintJob.h"
+#include "programs/viewer/PrinterSearch.h"
+#include "programs/viewer/ProgressRun.h"
+#include "programs/viewer/SheetPlace.h"
 
 #include <QDir>
 #include <QImage>
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <QPageRanges>
+#include <QPrinter>
 #include <QProcess>
+#include <QProgressDialog>
 #include <QTemporaryDir>
+#include <QTimer>
 
+#include <chrono>
 #include <csignal>
 #include <memory>
+#include <thread>
 
 #include <poppler-document.h>
 #include <poppler-page-renderer.h>
@@ -93,6 +105,12 @@ class tst_ViewerFiles final : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase()
+    {
+        // No test meets the printers of the computer that it runs on.
+        qputenv("CUPS_SERVER", "/nonexistent/service");
+    }
+
     void init()
     {
         folder = std::make_unique<QTemporaryDir>();
@@ -254,6 +272,111 @@ private slots:
         QVERIFY(fails(strTarget) && strProblem.contains("no longer there"));
         QCOMPARE(ReadTestFile(strTarget), "older");
         QCOMPARE(Listing(), QStringList(before).filter(QRegularExpression("^(?!fax)")));
+    }
+
+    void pageLiesOnItsSheetAsLargeAsItFits_data()
+    {
+        const TestTable<QSizeF, QRectF, QRectF, bool> row{"page", "printable", "target", "turned"};
+        const QRectF paper(1, 1, 8, 10);
+        row("small one in its own size", {4, 4}, paper, {3, 4, 4, 4}, false);
+        row("one that fits on its side only", {16, 8}, {0, 0, 10, 20}, {1, 2, 8, 16}, true);
+        row("too high", {8, 20}, paper, {3, 1, 4, 10}, false);
+        row("wide one lies on its side", {10, 5}, paper, {2.5, 1, 5, 10}, true);
+        row("wide one that fits stays", {7, 2}, paper, {1.5, 5, 7, 2}, false);
+    }
+
+    void pageLiesOnItsSheetAsLargeAsItFits()
+    {
+        QFETCH(QSizeF, page);
+        QFETCH(QRectF, printable);
+        const SheetPlace place = SheetPlace::Find(page, printable);
+        QTEST(place.target, "target");
+        QTEST(place.bTurned, "turned");
+    }
+
+    void printJobHasThePagesThatTheDialogTells()
+    {
+        QVERIFY((FaxFile{.lPages = 5}.Write(strFax)));
+        const auto pages = [this](QPrinter &printer) { return PrintJob::From(printer, Open(), 2).aPages; };
+        QPrinter printer;
+        printer.setOutputFileName(strTarget);
+        QCOMPARE(pages(printer), (QList{0, 1, 2, 3, 4}));
+        printer.setPrintRange(QPrinter::CurrentPage);
+        QCOMPARE(pages(printer), (QList{2}));
+        printer.setPrintRange(QPrinter::PageRange);
+        printer.setPageRanges(QPageRanges::fromString("1-2,4,9"));
+        printer.setPageOrder(QPrinter::LastPageFirst);
+        QCOMPARE(pages(printer), (QList{3, 1, 0}));
+        printer.setCopyCount(2);
+        QCOMPARE(pages(printer), (QList{3, 1, 0, 3, 1, 0}));
+        printer.setCollateCopies(false);
+        QCOMPARE(pages(printer), (QList{3, 3, 1, 1, 0, 0}));
+    }
+
+    void printingIntoAFileTurnsEachSheetAsItsPageLies()
+    {
+        QVERIFY((FaxFile{.lPages = 2, .lWidth = 1728, .lHeight = 3000, .lDotsPerInchY = 196}.Write(strFax)));
+        Open().Rotate(1, 90);
+        PrintJob job;
+        job.strFile = strTarget;
+        job.layout = QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, {36, 36, 36, 36});
+        job.aPages = {1, 0};
+        QVERIFY2(job.Run(document, strProblem, {}), qPrintable(strProblem));
+        const std::unique_ptr<poppler::document> pdf = OpenPdf();
+        QCOMPARE(pdf->pages(), 2);
+        // The corner box of the page, which is scaled to the 770 points between the margins of the sheet.
+        const QImage wide = RenderPdf(*pdf, 0, {842, 595}), high = RenderPdf(*pdf, 1, {595, 842});
+        QVERIFY(qGray(high.pixel(96, 42)) < 128 && qGray(high.pixel(96, 600)) > 128);
+        QVERIFY(qGray(wide.pixel(842 - 42, 96)) < 128 && qGray(wide.pixel(42, 96)) > 128);
+
+        job.aPages = {0, 1, 0};
+        QVERIFY(!job.Run(document, strProblem, [](int done) { return done < 2; }));
+        QCOMPARE(strProblem, QString());
+        QCOMPARE(OpenPdf()->pages(), 2);
+    }
+
+    void printServiceThatIsMissingOrHangsIsTold()
+    {
+        using namespace std::chrono_literals;
+        QVERIFY((FaxFile().Write(strFax)));
+        PrintJob job;
+        job.strPrinter = "Office";
+        job.layout = QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, {});
+        job.aPages = {0};
+        QVERIFY(!job.Run(Open(), strProblem, {}));
+        QVERIFY(strProblem.contains("\"Office\""));
+        QCOMPARE(LookForPrinters(nullptr), PrinterSearch::NoPrinter);
+
+        QLocalServer mute;
+        QVERIFY(mute.listen(folder->filePath("mute")));
+        qputenv("CUPS_SERVER", QFile::encodeName(mute.fullServerName()));
+        QCOMPARE(LookForPrinters(nullptr, 200ms), PrinterSearch::NoAnswer);
+        // The question that hangs is not asked twice, and is answered after all.
+        qputenv("CUPS_SERVER", "/nonexistent/service");
+        QCOMPARE(LookForPrinters(nullptr, 200ms), PrinterSearch::NoAnswer);
+        mute.close();
+        qDeleteAll(mute.findChildren<QLocalSocket *>());
+        QCOMPARE(LookForPrinters(nullptr), PrinterSearch::NoPrinter);
+    }
+
+    void longWorkShowsHowFarItIsAndStopsWhenCancelled()
+    {
+        using namespace std::chrono_literals;
+        QWidget window;
+        window.show();
+        const auto pagesDone = std::make_shared<int>(0);
+        QTimer cancel;
+        connect(&cancel, &QTimer::timeout, this, [&window] {
+            auto *progress = window.findChild<QProgressDialog *>();
+            if (progress && progress->value() > 0)
+                progress->cancel();
+        });
+        cancel.start(10ms);
+        QVERIFY(RunWithProgress(&window, "Working", 1000000, [pagesDone](const PageProgress &progress) {
+            while (progress(++*pagesDone))
+                std::this_thread::sleep_for(1ms);
+        }));
+        QVERIFY(*pagesDone > 0 && !window.findChild<QProgressDialog *>());
     }
 
 private:

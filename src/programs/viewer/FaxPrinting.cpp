@@ -1,12 +1,12 @@
 #include "FaxPrinting.h"
 
 #include "FaxDocument.h"
-#include "PageImages.h"
 #include "PrintJob.h"
 #include "PrinterSearch.h"
 #include "ProgressRun.h"
 #include "SaveError.h"
 #include "SheetPlace.h"
+#include "controls/PageScaler.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -78,6 +78,9 @@ std::unique_ptr<QPrinter> MakePrinter(const FaxDocument &fax)
     printer->setPageOrientation(UsualOrientation(fax));
     // A page of a fax is as large as the paper: none of it shall be given away.
     printer->setPageMargins(printer->pageLayout().minimumMargins());
+    // Without these bounds the dialog refuses every list of pages.
+    printer->setFromTo(1, fax.PageCount());
+    printer->setPrintRange(QPrinter::AllPages);
     return printer;
 }
 
@@ -93,30 +96,36 @@ void Run(const PrintJob &job, const std::shared_ptr<const FaxDocument> &fax, QWi
         Warn(parent, *problem);
 }
 
-/// As many pages, from the first on, as fit into the memory that a preview may take; the toolkit keeps all
-/// pages of a preview.
-int PreviewCount(const FaxDocument &fax)
+/// A page at screen size for the preview, of which the toolkit keeps all pages in memory.
+QImage PreviewImage(const FaxDocument &fax, int page)
 {
-    constexpr qint64 mostBytes = 256 * 1024 * 1024;
-    qint64 bytes = 0;
-    int count = 0;
-    while (count < fax.PageCount() && bytes < mostBytes) {
-        const TiffPage &page = fax.Pages().Page(count++);
-        bytes += qint64(page.lWidth) * page.lHeight * page.lDecodedBits / 8;
-    }
-    return count;
+    constexpr int dotsPerInch = 100;
+    const PageBits bits = fax.LoadPage(page);
+    if (bits.IsEmpty())
+        RaiseUnreadable(fax, page);
+    const QSize wanted = (fax.PageSize(page) * dotsPerInch).toSize().expandedTo({1, 1});
+    const QSize size = wanted.boundedTo({bits.lWidth, bits.lHeight});
+    const QImage image = PageScaler::Shrink(bits, size, QRect(QPoint(), size));
+    return image.allGray() ? image.convertToFormat(QImage::Format_Grayscale8) : image;
 }
 
-/// Empty when a page cannot be read, which is told, or after a cancel.
+/// As many pages, from the first on, as fit into the memory that a preview may take. None when a page cannot
+/// be read, which is told, or after a cancel.
 QList<QImage> LoadForPreview(const std::shared_ptr<const FaxDocument> &fax, QWidget *parent)
 {
-    const int count = PreviewCount(*fax);
+    constexpr qsizetype mostBytes = 256 * 1024 * 1024;
+    const int count = fax->PageCount();
     const auto images = std::make_shared<QList<QImage>>();
     const auto problem = std::make_shared<QString>();
+    const auto isComplete = std::make_shared<bool>(false);
     const auto load = [=](const PageProgress &progress) {
         try {
-            while (images->size() < count && progress(static_cast<int>(images->size())))
-                images->append(PageImages::Load(*fax, static_cast<int>(images->size())));
+            qsizetype bytes = 0;
+            for (int page = 0; page < count && bytes < mostBytes && progress(page); ++page) {
+                images->append(PreviewImage(*fax, page));
+                bytes += images->last().sizeInBytes();
+            }
+            *isComplete = images->size() == count || bytes >= mostBytes;
         } catch (const SaveError &error) {
             *problem = error.strProblem;
         }
@@ -125,7 +134,7 @@ QList<QImage> LoadForPreview(const std::shared_ptr<const FaxDocument> &fax, QWid
         return {};
     if (!problem->isEmpty())
         Warn(parent, *problem);
-    return images->size() == count ? *images : QList<QImage>();
+    return *isComplete ? *images : QList<QImage>();
 }
 
 void PaintPreview(const FaxDocument &fax, const QList<QImage> &images, QPrinter &printer)
@@ -152,9 +161,12 @@ QString PreviewTitle(const FaxDocument &fax, qsizetype shown)
 void ShowPageOnce(QPrintPreviewDialog &dialog, int page)
 {
     auto *sheets = dialog.findChild<QPrintPreviewWidget *>();
-    QObject::connect(
-        sheets, &QPrintPreviewWidget::previewChanged, sheets, [=] { sheets->setCurrentPage(page + 1); },
-        static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+    const auto showPage = [sheets, page] {
+        sheets->setCurrentPage(page + 1);
+        emit sheets->previewChanged(); // the window's page number follows only this signal
+    };
+    QObject::connect(sheets, &QPrintPreviewWidget::previewChanged, sheets, showPage,
+                     static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
 }
 
 } // namespace
@@ -183,6 +195,7 @@ void FaxPrinting::Preview(FaxDocument &fax, QWidget *parent, int currentPage)
     const std::unique_ptr<QPrinter> printer = MakePrinter(*shown);
     QPrintPreviewDialog dialog(printer.get(), parent);
     dialog.setWindowTitle(PreviewTitle(*shown, images.size()));
+    dialog.resize(parent->size());
     ShowPageOnce(dialog, currentPage);
     QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog, [&, shown](QPrinter *sheets) {
         // The same signal asks for the preview and, from the window's "Print" button, for the job.

@@ -18,7 +18,26 @@
 
 namespace {
 
-bool IsWanted(const QPrinter &printer, int page, int currentPage)
+/// What the user chose in the toolkit's dialog of the print service's own options.
+QStringList ChosenOptions(const QPrinter &printer)
+{
+    constexpr auto keptByDialog = QPrintEngine::PrintEnginePropertyKey(0xfe00);
+    return printer.printEngine()->property(keptByDialog).toStringList();
+}
+
+/// Takes an option out of the list and gives its value.
+QString TakeOption(QStringList &options, const QString &name)
+{
+    for (qsizetype at = 0; at + 1 < options.size(); at += 2) {
+        if (options[at] != name)
+            continue;
+        options.removeAt(at);
+        return options.takeAt(at);
+    }
+    return {};
+}
+
+bool IsInRange(const QPrinter &printer, int page, int currentPage)
 {
     switch (printer.printRange()) {
     case QPrinter::PageRange:
@@ -30,11 +49,14 @@ bool IsWanted(const QPrinter &printer, int page, int currentPage)
     }
 }
 
-QList<int> WantedPages(const QPrinter &printer, int count, int currentPage)
+/// `pageSet`: "odd", "even" or all pages, by their numbers in the fax.
+QList<int> WantedPages(const QPrinter &printer, int count, int currentPage, const QString &pageSet)
 {
+    const int first = pageSet == QLatin1String("even") ? 1 : 0;
+    const int step = pageSet == QLatin1String("even") || pageSet == QLatin1String("odd") ? 2 : 1;
     QList<int> pages;
-    for (int page = 0; page < count; ++page) {
-        if (IsWanted(printer, page, currentPage))
+    for (int page = first; page < count; page += step) {
+        if (IsInRange(printer, page, currentPage))
             pages.append(page);
     }
     if (printer.pageOrder() == QPrinter::LastPageFirst)
@@ -66,17 +88,15 @@ QString SidesOf(const QPrinter &printer)
     }
 }
 
-QStringList OptionsOf(const QPrinter &printer)
+QStringList PaperOptions(const QPrinter &printer)
 {
-    // Where the toolkit's dialog keeps what the user chose of the print service's own.
-    constexpr auto chosenInDialog = QPrintEngine::PrintEnginePropertyKey(0xfe00);
     QStringList options{QStringLiteral("media"), printer.pageLayout().pageSize().key(),
                         QStringLiteral("sides"), SidesOf(printer)};
     if (printer.copyCount() > 1) {
         options << QStringLiteral("copies") << QString::number(printer.copyCount());
         options << QStringLiteral("Collate") << QVariant(printer.collateCopies()).toString();
     }
-    return options + printer.printEngine()->property(chosenInDialog).toStringList();
+    return options;
 }
 
 /// Into a file each sheet goes as it is read; a printer's sheets all lie the same way.
@@ -101,11 +121,13 @@ void PrintIntoFile(const PrintJob &job, const FaxDocument &fax, const PageProgre
 void PrintOnPaper(const PrintJob &job, const FaxDocument &fax, const PageProgress &progress)
 {
     const QTemporaryDir folder;
-    TargetFile file(folder.filePath(QStringLiteral("fax.pdf")));
+    const QString path = folder.filePath(QStringLiteral("fax.pdf"));
+    TargetFile file(path);
     const auto sheetFor = [&](const QSizeF &page) { return SheetFor(page, job.layout, false); };
     WritePdf(file, fax, job.aPages, sheetFor, progress);
     file.Finish();
-    const QString problem = SendToPrinter(job.strPrinter, file.File().fileName(), job.strTitle, job.aOptions);
+    file.Commit();
+    const QString problem = SendToPrinter(job.strPrinter, path, job.strTitle, job.aOptions);
     if (!problem.isEmpty())
         throw SaveError{
             QCoreApplication::translate("FaxPrinting", "The printer \"%1\" did not take the fax: %2.")
@@ -116,14 +138,19 @@ void PrintOnPaper(const PrintJob &job, const FaxDocument &fax, const PageProgres
 
 PrintJob PrintJob::From(QPrinter &printer, const FaxDocument &fax, int currentPage)
 {
+    // The dialog leaves the choice of pages to the service as well, which would choose a second time.
+    QStringList chosen = ChosenOptions(printer);
+    TakeOption(chosen, QStringLiteral("page-ranges"));
+    const QString pageSet = TakeOption(chosen, QStringLiteral("page-set"));
     PrintJob job;
     job.strFile = printer.outputFileName();
     job.strPrinter = printer.printerName();
     job.strTitle = QFileInfo(fax.Path()).completeBaseName();
     job.layout = printer.pageLayout();
-    job.aPages = WantedPages(printer, fax.PageCount(), currentPage);
+    job.layout.setOrientation(QPageLayout::Portrait); // each page is turned as it fits
+    job.aPages = WantedPages(printer, fax.PageCount(), currentPage, pageSet);
     if (job.strFile.isEmpty())
-        job.aOptions = OptionsOf(printer);
+        job.aOptions = PaperOptions(printer) + chosen;
     else
         job.aPages = Repeat(job.aPages, printer.copyCount(), printer.collateCopies());
     return job;

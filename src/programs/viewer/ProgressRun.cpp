@@ -63,6 +63,8 @@ bool Await(QEventLoop::ProcessEventsFlags flags, std::chrono::milliseconds limit
 void AwaitInWindow(Run &run, QWidget *parent, const QString &text, int pages)
 {
     QProgressDialog window(text, QProgressDialog::tr("Cancel"), 0, pages, parent);
+    constexpr int widthForTitle = 340;
+    window.setMinimumWidth(widthForTitle);
     window.setWindowModality(Qt::WindowModal);
     window.setMinimumDuration(0);
     window.setAutoReset(false);

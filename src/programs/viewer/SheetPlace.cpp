@@ -38,7 +38,7 @@ void SheetPlace::Draw(QPainter &painter, const QImage &page, double unit) const
     painter.setRenderHints(QPainter::LosslessImageRendering | QPainter::SmoothPixmapTransform);
     painter.translate(target.center() * unit);
     if (bTurned)
-        painter.rotate(quarterTurn);
+        painter.rotate(-quarterTurn);
     painter.drawImage(QRectF(QPointF(-size.width() / 2, -size.height() / 2), size), page);
     painter.restore();
 }
