@@ -8,8 +8,8 @@
 
 class QSocketNotifier;
 
-/// Turns the system's requests to end - the signals SIGTERM and SIGINT, and the end of the desktop session -
-/// into an ordinary event, so that the program ends in order. One object at a time.
+/// Turns the system's requests to end - the signals SIGTERM, SIGINT and SIGHUP, and the end of the desktop
+/// session - into an ordinary event, so that the program ends in order. One object at a time.
 class CloseSignals final : public QObject
 {
     Q_OBJECT

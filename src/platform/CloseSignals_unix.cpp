@@ -13,7 +13,7 @@
 #include <unistd.h>
 
 namespace {
-constexpr int caughtSignals[] = {SIGTERM, SIGINT};
+constexpr int caughtSignals[] = {SIGTERM, SIGINT, SIGHUP};
 
 /// All that a signal handler can reach.
 std::atomic<int> signalPipe{-1};
@@ -34,8 +34,12 @@ void SetHandlers(void (*handler)(int))
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);
-    for (const int signal : caughtSignals)
-        sigaction(signal, &action, nullptr);
+    for (const int signal : caughtSignals) {
+        struct sigaction before = {};
+        sigaction(signal, nullptr, &before);
+        if (before.sa_handler != SIG_IGN) // who has started the program shields it, as nohup does
+            sigaction(signal, &action, nullptr);
+    }
 }
 } // namespace
 

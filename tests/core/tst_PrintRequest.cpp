@@ -18,7 +18,7 @@ private slots:
         request.strRecipients = QStringLiteral(u"J\u00f6rg; Ben");
         request.lThreshold = 150;
         request.lFitting = 4;
-        request.lResolve = 2;
+        request.lResolution = 2;
         request.strApplicationData = "/data/Velmar/";
         const QString packed = request.Pack();
         QCOMPARE(QString(packed).replace(QChar(2), '~'),

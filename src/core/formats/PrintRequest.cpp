@@ -107,7 +107,7 @@ QString PrintRequest::Pack() const
                              WithoutControls(strRecipients),
                              QString::number(lThreshold),
                              QString::number(lFitting),
-                             QString::number(lResolve),
+                             QString::number(lResolution),
                              WithoutControls(strApplicationData)};
     return fields.join(fieldSeparator);
 }
@@ -126,7 +126,7 @@ PrintRequest PrintRequest::Parse(const QString &text)
     request.strRecipients = fields[fieldRecipients];
     request.lThreshold = ParseThreshold(fields[fieldThreshold]);
     request.lFitting = ParseFitting(fields[fieldFitting]);
-    request.lResolve = ParseNumber(fields[fieldResolve]);
+    request.lResolution = ParseNumber(fields[fieldResolve]);
     request.strApplicationData = ParseFolder(fields[fieldApplicationData]);
     return request;
 }

@@ -13,10 +13,10 @@ struct PrintRequest
     QString strRecipients;      ///< for "[Recipients]"
     int lThreshold = 200;       ///< what is darker becomes black, 0 to 255
     int lFitting = 0;           ///< how pictures are fitted, 0 to 4, as the send options count
-    int lResolve = 1;           ///< the user's option as it stands; only 1 is fine
+    int lResolution = 1;        ///< 1 is 204 x 196 dpi; 0, and whatever else the user's option is, 204 x 98
     QString strApplicationData; ///< full path of the program's data
 
-    bool IsFine() const { return lResolve == 1; }
+    bool IsFine() const { return lResolution == 1; }
 
     /// The text for the shared string: the fields with character 2 between them. A control character within a
     /// field becomes a blank. Raises an error for a path that the list's separators would cut.

@@ -4,7 +4,6 @@
 #include "HeaderChoice.h"
 #include "StatusTexts.h"
 #include "WatchedRun.h"
-#include "core/RaisedError.h"
 #include "core/Utilities.h"
 #include "platform/SystemFolders.h"
 #include "platform/SystemIds.h"
@@ -180,10 +179,5 @@ int RunCommandLine(const QStringList &arguments, WatchedRun &run)
     } catch (const UsageError &error) {
         Print(QStringLiteral("ZemPrint: ") + error.Text());
         return exitUsage;
-    } catch (const ConversionError &error) {
-        Print(QStringLiteral("ZemPrint: ") + error.Text());
-    } catch (const RaisedError &error) {
-        Print(QStringLiteral("ZemPrint: ") + error.Description());
     }
-    return exitFailed;
 }

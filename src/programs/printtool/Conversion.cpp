@@ -57,12 +57,10 @@ ConversionResult Conversion::Run()
         MakeFax();
     } catch (const Stopped &) {
         result.bStopped = true;
-    } catch (const ConversionError &error) {
-        result.strReason = error.Text();
     } catch (const std::bad_alloc &) {
         result.strReason = Translate("There is not enough memory.");
     } catch (const std::exception &error) {
-        result.strReason = QString::fromLocal8Bit(error.what());
+        result.strReason = QString::fromUtf8(error.what());
     }
     if (IsFailed() || result.bStopped || !result.strReason.isEmpty())
         result.lPages = 0;

@@ -105,10 +105,8 @@ ConversionResult Convert(const PrintRequest &request, const Folders &folders, St
         const ConversionJob job = JobOf(request, folders);
         output = job.strOutput;
         result = run.Convert(job, [&channel](const QString &status) { return channel.Tell(status); });
-    } catch (const ConversionError &error) {
-        result.strReason = error.Text();
-    } catch (const RaisedError &error) {
-        result.strReason = error.Description();
+    } catch (const std::exception &error) {
+        result.strReason = QString::fromUtf8(error.what());
     }
     if (result.bStopped) // for the case that nobody in the conversation has asked for it
         result.strReason = QCoreApplication::translate("printtool", "The print tool was ended.");

@@ -33,7 +33,7 @@ QString ShownLines(const QString &text)
         return character.unicode() < u' ' && character != u'\r' && character != u'\n';
     };
     std::replace_if(lines.begin(), lines.end(), steers, u' ');
-    return lines;
+    return QString::fromUtf8(lines.toUtf8()); // as it is read back, also where a name is no proper text
 }
 
 } // namespace

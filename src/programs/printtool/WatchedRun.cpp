@@ -13,6 +13,7 @@
 #include <mutex>
 #include <optional>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -28,10 +29,11 @@ struct Exchange
     QString strStatus;
     std::optional<ConversionResult> result;
 
-    void Tell(const QString &status)
+    /// True for the first one.
+    bool Tell(const QString &status)
     {
         const std::scoped_lock lock(mutex);
-        strStatus = status;
+        return std::exchange(strStatus, status).isEmpty();
     }
     QString Status()
     {
@@ -50,41 +52,82 @@ struct Exchange
     }
 };
 
-void QuitSoon()
+/// Runs in the main thread, as long as that turns its loop.
+template <typename Action>
+void Post(Action action)
 {
-    QMetaObject::invokeMethod(QCoreApplication::instance(), &QCoreApplication::quit, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(QCoreApplication::instance(), action, Qt::QueuedConnection);
 }
 
+/// `firstTold` runs in the main thread.
 std::thread StartThread(const ConversionJob &job, const std::stop_token &stop,
-                        const std::shared_ptr<Exchange> &exchange)
+                        const std::shared_ptr<Exchange> &exchange, const std::function<void()> &firstTold)
 {
-    return std::thread([job, stop, exchange] {
-        exchange->Finish(
-            Conversion(job, stop, [&exchange](const QString &status) { exchange->Tell(status); }).Run());
-        QuitSoon();
+    return std::thread([=] {
+        const auto tell = [&](const QString &status) {
+            if (exchange->Tell(status))
+                Post(firstTold);
+        };
+        exchange->Finish(Conversion(job, stop, tell).Run());
+        Post(&QCoreApplication::quit);
     });
 }
 
-/// Turns the loop until the conversion is over, or does not end although it should.
-void KeepWatch(Exchange &exchange, std::stop_source &stopper, const WatchedRun::Watch &watch)
+/// The conversion on one side, watch, user and clock on the other.
+class Watcher final
 {
-    QElapsedTimer sinceStop;
-    const auto stop = [&] {
-        stopper.request_stop();
-        if (!sinceStop.isValid())
-            sinceStop.start();
-    };
-    const CloseSignals closeSignals;
-    QObject::connect(&closeSignals, &CloseSignals::CloseRequested, &closeSignals, stop);
+public:
+    Watcher(const ConversionJob &job, const WatchedRun::Watch &watch);
+
+    /// Turns the loop until the conversion is over: nothing when it does not end although it should.
+    std::optional<ConversionResult> Run();
+
+private:
+    void Stop();
+    void Look();
+
+    const WatchedRun::Watch &watch;
+    std::shared_ptr<Exchange> exchange = std::make_shared<Exchange>();
+    CloseSignals closeSignals;
     QTimer tick;
-    QObject::connect(&tick, &QTimer::timeout, &tick, [&] {
-        if (!watch(exchange.Status()))
-            stop();
-        if (sinceStop.isValid() && sinceStop.hasExpired(patience))
-            QuitSoon();
-    });
+    QElapsedTimer sinceStop;
+    std::stop_source stopper;
+    std::thread thread;
+};
+
+Watcher::Watcher(const ConversionJob &job, const WatchedRun::Watch &watch)
+    : watch(watch)
+    , thread(StartThread(job, stopper.get_token(), exchange, [this] { Look(); }))
+{
+    QObject::connect(&closeSignals, &CloseSignals::CloseRequested, &tick, [this] { Stop(); });
+    QObject::connect(&tick, &QTimer::timeout, &tick, [this] { Look(); });
     tick.start(watchInterval);
+}
+
+std::optional<ConversionResult> Watcher::Run()
+{
     QCoreApplication::exec();
+    std::optional<ConversionResult> result = exchange->Result();
+    if (result)
+        thread.join();
+    else
+        thread.detach();
+    return result;
+}
+
+void Watcher::Stop()
+{
+    stopper.request_stop();
+    if (!sinceStop.isValid())
+        sinceStop.start();
+}
+
+void Watcher::Look()
+{
+    if (!watch(exchange->Status()))
+        Stop();
+    if (sinceStop.isValid() && sinceStop.hasExpired(patience))
+        QCoreApplication::quit();
 }
 
 } // namespace
@@ -93,17 +136,10 @@ ConversionResult WatchedRun::Convert(ConversionJob job, const Watch &watch)
 {
     const WorkFolder folder;
     job.strWorkFolder = folder.Path();
-    const auto exchange = std::make_shared<Exchange>();
-    std::stop_source stopper;
-    std::thread thread = StartThread(job, stopper.get_token(), exchange);
-    KeepWatch(*exchange, stopper, watch);
-    std::optional<ConversionResult> result = exchange->Result();
-    if (result) {
-        thread.join();
+    std::optional<ConversionResult> result = Watcher(job, watch).Run();
+    if (result)
         return *std::move(result);
-    }
     bStuck = true;
-    thread.detach();
     QFile::remove(job.strPartFile);
     ConversionResult stopped;
     stopped.bStopped = true;

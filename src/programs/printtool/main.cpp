@@ -4,6 +4,7 @@
 
 #include <QGuiApplication>
 
+#include <csignal>
 #include <cstdio>
 #include <exception>
 
@@ -29,6 +30,7 @@ int main(int argc, char *argv[])
     const QGuiApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("ZemPrint"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELMAR_VERSION));
+    std::signal(SIGPIPE, SIG_IGN); // nobody reads what goes wrong: no reason to leave files behind
     WatchedRun run;
     const int exitCode = Run(QCoreApplication::arguments(), run);
     if (run.IsStuck()) {
