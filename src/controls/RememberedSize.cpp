@@ -23,9 +23,8 @@ public:
 
     void Restore()
     {
-        const QSize size(Read("_Width"), Read("_Height"));
-        if (size.isEmpty())
-            return;
+        const QSize stored(Read("_Width"), Read("_Height"));
+        const QSize size = stored.isEmpty() ? window.sizeHint() : stored;
         window.resize(size.boundedTo(window.screen()->availableSize() - frameSize)
                           .expandedTo(window.minimumSizeHint()));
     }
