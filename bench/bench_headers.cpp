@@ -1,6 +1,8 @@
 #include "controls/HeaderPainter.h"
+#include "controls/HeaderPicture.h"
 
-#include <QGuiApplication>
+#include <QApplication>
+#include <QPixmap>
 
 #include <benchmark/benchmark.h>
 
@@ -30,11 +32,26 @@ void PaintPage(benchmark::State &state)
 }
 BENCHMARK(PaintPage)->Arg(196)->Arg(98)->Unit(benchmark::kMicrosecond);
 
+/// What a key in the profile's editor costs, until its picture of the page is painted.
+void ShowPicture(benchmark::State &state)
+{
+    HeaderProfile profile = FullProfile();
+    HeaderPicture picture;
+    picture.resize(1200, 300);
+    for (auto _ : state) {
+        profile.aTexts[0].strText += 'x';
+        picture.ShowProfile(profile,
+                            {1, 2, QDateTime::currentDateTime(), {}, QStringLiteral("Anna Schmidt")});
+        benchmark::DoNotOptimize(picture.grab());
+    }
+}
+BENCHMARK(ShowPicture)->Iterations(200)->Unit(benchmark::kMicrosecond);
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    const QGuiApplication application(argc, argv);
+    const QApplication application(argc, argv);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
 }

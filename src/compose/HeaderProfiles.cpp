@@ -145,12 +145,3 @@ bool HeaderProfiles::SaveAs(const QString &path, const HeaderProfile &profile, M
     }
     return Save(path, profile, message);
 }
-
-QString HeaderProfiles::MarginText(const QString &typed)
-{
-    QString digits = typed;
-    digits.removeIf([](QChar character) { return character < '0' || character > '9'; });
-    if (digits.isEmpty())
-        return QStringLiteral("0");
-    return ToNumber(digits) > largestHeaderDistance ? QString::number(largestHeaderDistance) : digits;
-}

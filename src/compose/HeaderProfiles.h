@@ -50,7 +50,4 @@ FileDialogSetup DialogSetup(const QString &userFolder);
 /// when nothing was written.
 bool SaveAs(const QString &path, const HeaderProfile &profile, Message &message);
 
-/// What a margin box shows after `typed` was entered: digits, a number up to the largest margin.
-QString MarginText(const QString &typed);
-
 } // namespace HeaderProfiles

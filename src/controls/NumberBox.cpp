@@ -26,12 +26,12 @@ QValidator::State NumberBox::validate(QString &input, int &position) const
         return QValidator::Invalid;
     bool fits = false;
     const int number = input.isEmpty() ? 0 : input.toInt(&fits);
-    const QString text = QString::number(fits || input.isEmpty() ? std::min(number, maximum()) : maximum());
-    if (text == input)
+    const bool isAbove = !input.isEmpty() && (!fits || number > maximum());
+    // Zeros in front go when digits are added behind them, not when a digit before them is being replaced.
+    const bool isPadded = position == input.size() && input.size() > 1 && input.startsWith('0');
+    if (!input.isEmpty() && !isAbove && !isPadded)
         return QValidator::Acceptable;
-    const qsizetype shorter = input.size() - text.size(); // zeros in front are gone
-    position = input.endsWith(text) ? std::max(0, position - static_cast<int>(shorter))
-                                    : static_cast<int>(text.size());
-    input = text;
+    input = QString::number(isAbove ? maximum() : number);
+    position = static_cast<int>(input.size());
     return QValidator::Acceptable;
 }

@@ -110,14 +110,6 @@ private slots:
         QCOMPARE(prompts->Texts(), (QStringList{question, question, "Cannot save the profile."}));
     }
 
-    void marginsAreNumbersUpToTheLargest()
-    {
-        QStringList shown;
-        for (const char *typed : {"", "a-b", "12mm", "007", "1000", "1001", "99999999999999999999"})
-            shown.append(HeaderProfiles::MarginText(typed));
-        QCOMPARE(shown, (QStringList{"0", "0", "12", "007", "1000", "1000", "1000"}));
-    }
-
 private:
     std::unique_ptr<QTemporaryDir> folder;
     std::unique_ptr<FakePrompts> prompts;

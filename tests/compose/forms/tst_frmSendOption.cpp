@@ -61,6 +61,11 @@ private slots:
         QCOMPARE(typed("1001"), "1000|4");
         QCOMPARE(typed("99999999999999999999"), "1000|4");
         QCOMPARE(typed("007"), "7|1");
+        typed("100");
+        QTest::keyClick(edit, Qt::Key_Home);
+        QTest::keyClick(edit, Qt::Key_Delete);
+        QTest::keyClicks(edit, "2");
+        QCOMPARE(edit->text(), "200");
         edit->selectAll();
         QTest::keyClick(edit, Qt::Key_Delete);
         QCOMPARE(typed(""), "0|1");
