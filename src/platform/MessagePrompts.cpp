@@ -8,6 +8,7 @@
 #include <QPushButton>
 
 namespace {
+constexpr int narrowestInput = 340;
 constexpr long buttonsMask = 0x0F;
 constexpr long iconMask = 0xF0;
 
@@ -78,6 +79,7 @@ QString MessagePrompts::AskText(const QString &prompt, const QString &title)
     QInputDialog box;
     box.setWindowTitle(title);
     box.setLabelText(prompt);
+    box.setMinimumWidth(narrowestInput);
     PlaceOverActiveWindow(box);
     return box.exec() == QDialog::Accepted ? box.textValue() : QString();
 }
