@@ -23,6 +23,8 @@ public:
     int Open(const QString &file, const QString &verb, const QStringList &parameters, const QString &folder,
              int show) override;
 
+    std::unique_ptr<RunningProgram> Start(const QString &file, const QStringList &parameters) override;
+
 private:
     QString FindProgram(const QString &file) const;
 

@@ -28,12 +28,14 @@ QMessageBox::Icon IconOf(long flags)
     }
 }
 
-/// First and second button; the second also stands for a box that is closed without an answer.
+/// The buttons in their order; the last also stands for a box that is closed without an answer.
 QList<QMessageBox::StandardButton> ButtonsOf(long flags)
 {
     switch (flags & buttonsMask) {
     case mbOKCancel:
         return {QMessageBox::Ok, QMessageBox::Cancel};
+    case mbYesNoCancel:
+        return {QMessageBox::Yes, QMessageBox::No, QMessageBox::Cancel};
     case mbYesNo:
         return {QMessageBox::Yes, QMessageBox::No};
     default:
@@ -66,7 +68,7 @@ long MessagePrompts::Show(const QString &text, long flags, const QString &title)
     const QList<QMessageBox::StandardButton> buttons = ButtonsOf(flags);
     for (const QMessageBox::StandardButton button : buttons)
         box.addButton(button);
-    box.setDefaultButton(flags & mbDefaultButton2 ? buttons.last() : buttons.first());
+    box.setDefaultButton(buttons.value(flags & mbDefaultButton2 ? 1 : 0, buttons.first()));
     box.setEscapeButton(buttons.last());
     PlaceOverActiveWindow(box);
     const int answer = box.exec();

@@ -14,6 +14,7 @@
 #include "platform/SystemFolders.h"
 #include "platform/SystemIds.h"
 #include "platform/SystemInstance.h"
+#include "platform/SystemPrinters.h"
 #include "platform/SystemSharedBlocks.h"
 #include "platform/TcpSocket.h"
 
@@ -45,5 +46,6 @@ private:
     TcpSockets sockets;
     DesktopFileDialogs fileDialogs;
     DesktopFontDialogs fontDialogs;
+    SystemPrinters printers{folders};
     Ports ports;
 };

@@ -67,8 +67,9 @@ public:
     TcpSockets sockets;
     FakeFileDialogs fileDialogs;
     FakeFontDialogs fontDialogs;
-    Ports ports{pump,  timers, clock,    ids,     message,     folders,    shell,
-                sound, blocks, instance, sockets, fileDialogs, fontDialogs};
+    FakePrinters printers;
+    Ports ports{pump,  timers, clock,    ids,     message,     folders,     shell,
+                sound, blocks, instance, sockets, fileDialogs, fontDialogs, printers};
 
     FakeDesktop desktop;
     FaxUpload faxUpload;

@@ -72,3 +72,30 @@ std::unique_ptr<SharedBlock> FakeSharedBlocks::Open(const QString &name, int siz
     }
     return std::make_unique<FakeBlock>(bytes, existed);
 }
+
+namespace {
+class FakeRunningProgram final : public RunningProgram
+{
+public:
+    explicit FakeRunningProgram(FakeShell::Program &started)
+        : program(started)
+    {
+    }
+    bool IsRunning() override { return program.bRunning; }
+    void Kill() override
+    {
+        program.bRunning = false;
+        program.bKilled = true;
+    }
+
+private:
+    FakeShell::Program &program;
+};
+} // namespace
+
+std::unique_ptr<RunningProgram> FakeShell::Start(const QString &file, const QStringList &)
+{
+    aStarted.append(file);
+    program = {};
+    return bStarts ? std::make_unique<FakeRunningProgram>(program) : nullptr;
+}

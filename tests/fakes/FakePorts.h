@@ -7,6 +7,7 @@
 #include "core/ports/Ids.h"
 #include "core/ports/Instance.h"
 #include "core/ports/Ports.h"
+#include "core/ports/Printers.h"
 #include "core/ports/SharedBlock.h"
 #include "core/ports/Shell.h"
 #include "core/ports/Sound.h"
@@ -73,8 +74,19 @@ public:
         QString strFolder;
         int lShow = 0;
     };
+    std::unique_ptr<RunningProgram> Start(const QString &file, const QStringList &parameters) override;
     QList<Call> aCalls;
     int lResult = 42;
+
+    /// What `Start` starts: runs until the test ends it, or it is killed.
+    struct Program
+    {
+        bool bRunning = true;
+        bool bKilled = false;
+    };
+    QStringList aStarted;
+    Program program;
+    bool bStarts = true;
 };
 
 class FakeSound final : public Sound
@@ -148,6 +160,13 @@ public:
     std::optional<FontChoice> chosen;
 };
 
+class FakePrinters final : public Printers
+{
+public:
+    bool Has(const QString &deviceName) const override { return aNames.contains(deviceName); }
+    QStringList aNames{QStringLiteral("Zem Fax Printer")};
+};
+
 /// All ports as fakes, wired together.
 struct FakePorts
 {
@@ -165,6 +184,7 @@ struct FakePorts
     FakeSockets sockets;
     FakeFileDialogs fileDialogs;
     FakeFontDialogs fontDialogs;
-    Ports ports{pump,  timers, clock,    ids,     message,     folders,    shell,
-                sound, blocks, instance, sockets, fileDialogs, fontDialogs};
+    FakePrinters printers;
+    Ports ports{pump,  timers, clock,    ids,     message,     folders,     shell,
+                sound, blocks, instance, sockets, fileDialogs, fontDialogs, printers};
 };

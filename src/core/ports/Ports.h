@@ -8,6 +8,7 @@ class FontDialogs;
 class Ids;
 class Instance;
 class Message;
+class Printers;
 class SharedBlocks;
 class Shell;
 class Sockets;
@@ -30,4 +31,5 @@ struct Ports
     Sockets &sockets;
     FileDialogs &fileDialogs;
     FontDialogs &fontDialogs;
+    Printers &printers;
 };

@@ -6,6 +6,7 @@
 enum MessageFlag : long {
     mbOKOnly = 0,
     mbOKCancel = 1,
+    mbYesNoCancel = 3,
     mbYesNo = 4,
     mbCritical = 16,
     mbQuestion = 32,

@@ -3,6 +3,19 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
+/// A program that this one has started and watches. It runs on when the object goes away.
+class RunningProgram
+{
+public:
+    virtual ~RunningProgram() = default;
+
+    virtual bool IsRunning() = 0;
+    /// Ends it at once.
+    virtual void Kill() = 0;
+};
+
 class Shell
 {
 public:
@@ -14,4 +27,8 @@ public:
     /// desktop numbers them. The result is 33 or more when it started, otherwise a failure code.
     virtual int Open(const QString &file, const QString &verb, const QStringList &parameters,
                      const QString &folder, int show) = 0;
+
+    /// Starts a program of this program's own folder and keeps an eye on it; null when it could not be
+    /// started.
+    virtual std::unique_ptr<RunningProgram> Start(const QString &file, const QStringList &parameters) = 0;
 };
