@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+
+/// Gives the rendered fax the name under which its row knows it, so that at every moment the row names a
+/// complete file: the file has both names until the row is written. Without `Keep` the new name goes away
+/// again.
+class RenderedFile final
+{
+public:
+    /// Full paths; an empty or missing file is none. What bears the new name already, an older rendering of
+    /// the same fax, is replaced.
+    RenderedFile(const QString &path, const QString &newPath);
+    ~RenderedFile();
+    RenderedFile(const RenderedFile &) = delete;
+    RenderedFile &operator=(const RenderedFile &) = delete;
+
+    /// The file under its new name; empty when there is none.
+    const QString &Path() const { return strPath; }
+    /// The row is written: the old name goes.
+    void Keep();
+
+private:
+    QString strOldPath; ///< the second name, while there are two
+    QString strPath;
+};

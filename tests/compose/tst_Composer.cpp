@@ -1,0 +1,357 @@
+#include "compose/Composer.h"
+#include "core/Globals.h"
+#include "fakes/FakeDesktop.h"
+#include "fakes/FakePorts.h"
+#include "fixtures/FaxFile.h"
+#include "fixtures/Profile.h"
+#include "fixtures/TestTable.h"
+#include "server/FaxUpload.h"
+
+#include <QDir>
+
+#include <optional>
+
+namespace {
+
+/// A window that holds what the test types.
+class FakeWindow final : public ComposerWindow
+{
+public:
+    DraftFields Fields() const override { return fields; }
+    void ShowFields(const DraftFields &shown) override { fields = shown; }
+    void ShowReceivers(const QString &receivers) override { fields.strReceive = receivers; }
+    void ShowFiles() override {}
+    void FocusReceivers() override { ++lFocused; }
+    void Hide() override { bHidden = true; }
+    void Unload() override { bUnloaded = true; }
+    bool AskOptions(QString &sendOption, int fixedResolution) override
+    {
+        aFixed.append(fixedResolution);
+        sendOption = strOption;
+        return !strOption.isEmpty();
+    }
+
+    DraftFields fields;
+    QString strOption;
+    QList<int> aFixed;
+    int lFocused = 0;
+    bool bHidden = false;
+    bool bUnloaded = false;
+};
+
+class FakeUpload final : public FaxUpload
+{
+public:
+    bool GetSendFaxID(bool, const QString &idList, bool, bool) override
+    {
+        aSent.append(idList);
+        return true;
+    }
+    QStringList aSent;
+};
+
+struct Bench
+{
+    Bench()
+    {
+        ports.folders.strRoot = profile.Root();
+        desktop.forms.lCount = 2;
+        strDocument = profile.Root() + "/offer, second.pdf";
+        QDir().mkpath(profile.Root() + "/program");
+        if (!WriteTestFile(profile.Root() + "/program/ZemPrint.exe", "x") ||
+            !WriteTestFile(strDocument, "x") ||
+            !WriteTestFile(profile.Root() + "/program/VelmarBrowser.exe", "x"))
+            qFatal("no files");
+    }
+
+    void Open(const ComposerStart &start = {})
+    {
+        window.emplace();
+        composer.emplace(ports.ports,
+                         ComposerParts{desktop.mailbox, desktop.mainWindow, upload, desktop.forms, turn,
+                                       [this] { return bOnline; }, [] { return false; }},
+                         *window);
+        composer->Form_Load(start);
+        tool.Create(ports.blocks, PrintConversation::SharedName);
+    }
+    /// The tool, once it is started, leaves a fax of that many pages.
+    void LetToolMake(int pages)
+    {
+        ports.pump.After(150).Then([this, pages] {
+            strRequest = tool.Item();
+            FaxFile file;
+            file.lPages = pages;
+            if (!file.Write(Global().strOutputBoxPath + "tmp~9.tif"))
+                qFatal("no fax");
+            tool.SetItem("All done." + QString(QChar(1)) + "tmp~9.tif\r\n ");
+            ports.shell.program.bRunning = false;
+        });
+    }
+    static QStringList Outbox() { return QDir(Global().strOutputBoxPath).entryList(QDir::Files, QDir::Name); }
+    static QString Column(const QString &column)
+    {
+        return Profile::Value(QString("Select %1 from SendFax").arg(column));
+    }
+
+    Profile profile;
+    FakePorts ports;
+    FakeDesktop desktop;
+    FakeUpload upload;
+    ConversionTurn turn;
+    std::optional<FakeWindow> window;
+    std::optional<Composer> composer;
+    CSharedString tool;
+    QString strDocument;
+    QString strRequest;
+    bool bOnline = true;
+};
+
+const QString firstID(31, '0');
+
+} // namespace
+
+/// A composer from its opening to its end, over a real profile, with a print tool that the test plays.
+class tst_Composer final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { bench.emplace(); }
+    void cleanup()
+    {
+        QVERIFY(!bench->ports.pump.IsStuck());
+        bench.reset();
+    }
+
+    void sendingAsksForFilesAndRecipients_data()
+    {
+        const TestTable<QString, bool, QString> row{"receivers", "hasFile", "text"};
+        const QString noRecipient = "You must specify a recipient at least.";
+        row("no file", "1", false, "There's no content to Fax, please add a faxing file first.");
+        row("nobody", "", true, noRecipient);
+        row("only quotes", "\"\"", true, noRecipient);
+        row("half a number", "Anna <5", true, noRecipient);
+        row("dropped by normalisation", "a<1>[b]", true, "You must specify some recipients for the fax.");
+    }
+    void sendingAsksForFilesAndRecipients()
+    {
+        QFETCH(bool, hasFile);
+        QFETCH(QString, receivers);
+        bench->Open();
+        bench->window->fields.strReceive = receivers;
+        if (hasFile)
+            bench->composer->AddFiles({bench->strDocument});
+        bench->LetToolMake(1);
+        bench->composer->btnSend_Click();
+        QTEST(bench->ports.prompts.Texts().value(0), "text");
+        QCOMPARE(Profile::Value("Select Count(*) from SendFax"), "0");
+        QVERIFY(!bench->window->bUnloaded);
+    }
+
+    void sentFaxHasItsRowItsFileAndGoesOut()
+    {
+        Global().strUserID = "7";
+        bench->Open();
+        bench->window->fields = {"12345", "It's here", "memo", "*Detailed", {}, true};
+        bench->composer->AddFiles({bench->strDocument});
+        bench->LetToolMake(3);
+        bench->composer->btnSend_Click();
+
+        const QString id = firstID + '1';
+        const PrintRequest request = PrintRequest::Parse(bench->strRequest);
+        QCOMPARE(request.strHeader, "*Detailed");
+        QCOMPARE(request.strRecipients, "12345");
+        QCOMPARE(Bench::Column("Fax_ID||'|'||FileName||'|'||Pages||'|'||folderID||'|'||Header||'|'||Title"),
+                 id + '|' + id + ".tif|3|1003|*Detailed|It~$@~s here");
+        QCOMPARE(Bench::Column("TempReceiver||'|'||ReceiverName||'|'||IsImmediately||'|'||IsDontRetry||'|'||"
+                               "TimingSend||FaxLevel||busyResend||Resolution||Deepness||User_ID"),
+                 "\"12345\"<12345>;|\"12345\"<12345>;|True|True|-1131200"
+                 "7");
+        QCOMPARE(Bench::Outbox(), {id + ".tif"});
+        QCOMPARE(bench->desktop.mailbox.aCalls.value(0), "saved 1 new ");
+        QCOMPARE(bench->upload.aSent, {id + ';'});
+        QVERIFY(bench->window->bHidden && bench->window->bUnloaded);
+    }
+
+    void draftComesBackAsItWas()
+    {
+        bench->Open();
+        bench->window->fields = {"Anna <555>;", "Subject", "a 'memo'", "<None>", {}, true};
+        bench->composer->AddFiles({bench->strDocument});
+        bench->composer->btnSave_Click();
+        QCOMPARE(Bench::Column("folderID||'|'||FileName||'|'||Pages"), "1002||0");
+        const QString saved = bench->composer->FaxID();
+
+        ComposerStart start;
+        start.strFaxID = saved;
+        bench->Open(start);
+        const DraftFields &fields = bench->window->fields;
+        QCOMPARE(fields.strReceive, "\"Anna \"<555>");
+        QCOMPARE(fields.strSubject + fields.strMemo + fields.strHeader, "Subjecta 'memo'<None>");
+        QVERIFY(fields.bSend && bench->composer->Form_QueryUnload());    // nothing has changed
+        QCOMPARE(bench->composer->Files().aFiles, {bench->strDocument}); // whose name holds a comma
+        bench->composer->btnSave_Click();
+        QCOMPARE(Profile::Values("Select Fax_ID from SendFax"), {saved});
+    }
+
+    void missingFilesAreNamedAndLeftOut()
+    {
+        bench->profile.InsertSentFax(
+            "D", {{"folderID", "1002"}, {"fileList", "/gone.pdf," + bench->strDocument + ','}});
+        ComposerStart start;
+        start.strFaxID = "D";
+        bench->Open(start);
+        QCOMPARE(
+            bench->ports.prompts.Texts(),
+            {"The files below do not exist anymore, and will be remove from the list: \r\n/gone.pdf\r\n"});
+        QCOMPARE(bench->composer->Files().aFiles, {bench->strDocument});
+    }
+
+    void faxThatWasSentBeforeGetsAnotherId()
+    {
+        QVERIFY(FaxFile().Write(Global().strOutputBoxPath + "D.tif"));
+        bench->profile.InsertSentFax(
+            "D", {{"folderID", "1002"}, {"fileName", "D.tif"}, {"fileList", ""}, {"result", "x"}});
+        ComposerStart start;
+        start.strFaxID = "D";
+        bench->Open(start);
+        bench->window->fields.strReceive = "1";
+        bench->composer->btnSave_Click();
+        const QString id = firstID + '1';
+        QCOMPARE(Bench::Column("Fax_ID||'|'||FileName||'|'||Result"), id + '|' + id + ".tif|");
+        QCOMPARE(Bench::Outbox(), {id + ".tif"});
+        QCOMPARE(bench->desktop.mailbox.aCalls.value(0), "saved 0 old " + id);
+    }
+
+    void newRenderingTakesThePlaceOfTheOld()
+    {
+        QVERIFY(FaxFile().Write(Global().strOutputBoxPath + "old name.tif"));
+        bench->profile.InsertSentFax(
+            "D",
+            {{"folderID", "1002"}, {"fileName", "old name.tif"}, {"fileList", bench->strDocument + ','}});
+        ComposerStart start;
+        start.strFaxID = "D";
+        bench->Open(start);
+        bench->window->fields.strReceive = "1";
+        bench->composer->OnHeaderChanged();
+        bench->LetToolMake(2);
+        bench->composer->btnSend_Click();
+        QCOMPARE(Bench::Column("FileName||'|'||Pages||'|'||folderID"), "D.tif|2|1003");
+        QCOMPARE(Bench::Outbox(), {"D.tif"});
+    }
+
+    void failedSaveLeavesAllAsItWas()
+    {
+        bench->Open();
+        bench->window->fields.strReceive = "1";
+        bench->composer->AddFiles({bench->strDocument});
+        Profile::Execute(
+            "Create trigger full before insert on SendFax begin select raise(abort, 'disk'); end");
+        bench->LetToolMake(1);
+        bench->composer->btnSend_Click();
+        QVERIFY(bench->ports.prompts.Texts().value(0).startsWith("Error In SaveFax :"));
+        QCOMPARE(bench->ports.prompts.Texts().value(1), "Saving fax failed.");
+        QCOMPARE(Bench::Outbox(), {"tmp~9.tif"});
+        QVERIFY(!bench->window->bUnloaded && bench->composer->FaxID().isEmpty());
+
+        Profile::Execute("Drop trigger full");
+        bench->composer->btnSave_Click();
+        QCOMPARE(Bench::Outbox(), {firstID + "2.tif"});
+        QCOMPARE(Bench::Column("FileName"), firstID + "2.tif");
+    }
+
+    void draftWhoseRowIsGoneIsKept()
+    {
+        bench->Open();
+        bench->window->fields.strReceive = "1";
+        bench->composer->btnSave_Click();
+        Profile::Execute("Delete from SendFax");
+        bench->composer->btnSave_Click();
+        QCOMPARE(Profile::Value("Select Count(*) from SendFax"), "1");
+    }
+
+    void closingAsksAboutChanges()
+    {
+        bench->Open();
+        QVERIFY(!bench->desktop.mainWindow.bEnabled);
+        bench->window->fields.strReceive = "1";
+        bench->composer->OnHeaderChanged();
+        bench->ports.prompts.aAnswers = {mbAnswerCancel, mbAnswerYes};
+        QVERIFY(!bench->composer->Form_QueryUnload());
+        QVERIFY(bench->desktop.mainWindow.bEnabled);
+        QCOMPARE(Profile::Value("Select Count(*) from SendFax"), "0");
+        QVERIFY(bench->composer->Form_QueryUnload());
+        QCOMPARE(bench->ports.prompts.Texts().last(), "The fax has been changed, save it now?");
+        QCOMPARE(bench->ports.prompts.aBoxes.last().lFlags & 15, mbYesNoCancel);
+        QCOMPARE(Profile::Value("Select Count(*) from SendFax"), "1");
+    }
+
+    void windowStaysWhileItConverts()
+    {
+        bench->Open();
+        bench->composer->AddFiles({bench->strDocument});
+        bool mayClose = true;
+        bench->ports.pump.Then([&] { mayClose = bench->composer->Form_QueryUnload(); });
+        bench->LetToolMake(1);
+        bench->composer->btnPreview_Click();
+        QVERIFY(!mayClose);
+        QCOMPARE(bench->ports.prompts.Texts(), QStringList());
+        QCOMPARE(bench->composer->RenderedPages(), 1);
+        QCOMPARE(bench->ports.shell.aCalls.size(), 1);
+        bench->composer->btnPreview_Click(); // nothing has changed: the viewer, without a conversion
+        QCOMPARE(bench->ports.shell.aStarted.size(), 1);
+        QCOMPARE(bench->ports.shell.aCalls.size(), 2);
+    }
+
+    void fullListTakesOneMore()
+    {
+        bench->Open();
+        for (int i = 0; i < 49; ++i)
+            bench->composer->AddFiles({QString("/%1.pdf").arg(i)});
+        bench->composer->AddFiles({"/a", "/b", "/c", "/d", "/e"});
+        QCOMPARE(bench->composer->Files().aFiles.size(), 50);
+        bench->ports.fileDialogs.aChosen = {{"/one more"}};
+        bench->composer->btnAddFile_Click();
+        QCOMPARE(bench->composer->Files().aFiles.size(), 51);
+        QCOMPARE(bench->ports.prompts.Texts(),
+                 QStringList({"Too many files in the file list.", "Too many files in file list..."}));
+    }
+
+    void filesMoveWithTheirSelection()
+    {
+        SourceFiles files;
+        files.AddChosen({"a", "b", "c", "d"});
+        QVERIFY(!files.CanMove(1) && files.Move(-1));
+        QCOMPARE(files.aFiles.join(""), "abdc");
+        files.MoveBefore({0, 3}, 2);
+        QCOMPARE(files.aFiles.join(""), "bacd");
+        QCOMPARE(files.aSelected, QList<int>({1, 2}));
+        files.MoveBefore({0}, 4);
+        QCOMPARE(files.aFiles.join(""), "acdb");
+        files.aSelected = {0, 3};
+        files.RemoveSelected();
+        QCOMPARE(files.aFiles.join(""), "cd");
+        QCOMPARE(files.aSelected, QList<int>({0}));
+    }
+
+    void readyFaxFixesTheResolution()
+    {
+        const QString ready = bench->profile.Root() + "/ready.tif";
+        QVERIFY(FaxFile().Write(ready)); // 98 dpi
+        ComposerStart start;
+        start.strOutsideFile = ready;
+        bench->Open(start);
+        QCOMPARE(bench->composer->Files().aFiles, {'*' + ready});
+        bench->composer->btnOption_Click();
+        QCOMPARE(bench->window->aFixed, {1});
+        bench->LetToolMake(1);
+        bench->composer->btnPreview_Click();
+        QCOMPARE(PrintRequest::Parse(bench->strRequest).lResolution, 0);
+    }
+
+private:
+    std::optional<Bench> bench;
+};
+
+QTEST_GUILESS_MAIN(tst_Composer)
+#include "tst_Composer.moc"
