@@ -40,15 +40,9 @@ bool IsFaxPage(const TiffPage &page)
 /// The page's own pixels; 1 is black whatever stands in the file.
 QImage ToInk(const PageBits &bits, int dotsPerInchY)
 {
-    QImage ink = Monochrome::MakeBlank({bits.lWidth, bits.lHeight});
-    const bool turned = qGray(bits.aPalette.value(0)) < qGray(bits.aPalette.value(1));
-    const auto rowBytes = std::size_t(ink.width() + 7) / 8;
-    for (int y = 0; y < ink.height(); ++y) {
-        const char *from = bits.abBits.constData() + qsizetype(y) * bits.lBytesPerLine;
-        uchar *to = ink.scanLine(y);
-        for (std::size_t byte = 0; byte < rowBytes; ++byte)
-            to[byte] = static_cast<uchar>(turned ? ~from[byte] : from[byte]);
-    }
+    const bool oneIsBlack = qGray(bits.aPalette.value(0)) > qGray(bits.aPalette.value(1));
+    QImage ink = Monochrome::FromBits(bits.abBits.constData(), bits.lBytesPerLine,
+                                      {bits.lWidth, bits.lHeight}, oneIsBlack);
     Monochrome::SetResolution(ink, dotsPerInchY);
     return ink;
 }

@@ -90,22 +90,22 @@ QSizeF PdfSource::PageSize(int page)
     return IsOnItsSide(shown) ? size.transposed() : size;
 }
 
+/// Letters and lines are drawn without soft edges, which a threshold would make bolder or thinner.
 QImage PdfSource::Render(int page, const QSize &size, int rotation)
 {
-    const bool turned = rotation % 180 != 0;
-    const QSizeF paper = turned ? PageSize(page).transposed() : PageSize(page);
+    const QSizeF paper = rotation % 180 == 0 ? PageSize(page) : PageSize(page).transposed();
     poppler::page_renderer renderer;
     renderer.set_image_format(poppler::image::format_gray8);
-    renderer.set_render_hints(poppler::page_renderer::antialiasing |
-                              poppler::page_renderer::text_antialiasing);
-    const poppler::image image =
+    auto image = std::make_unique<poppler::image>(
         renderer.render_page(&Page(page), size.width() / paper.width(), size.height() / paper.height(), 0, 0,
-                             size.width(), size.height(), ToRotation(rotation));
-    if (!image.is_valid())
+                             size.width(), size.height(), ToRotation(rotation)));
+    if (!image->is_valid() || image->width() != size.width() || image->height() != size.height())
         throw ConversionError(Tell("Page %1 cannot be drawn.").arg(page + 1));
-    return QImage(reinterpret_cast<const uchar *>(image.const_data()), image.width(), image.height(),
-                  image.bytes_per_row(), QImage::Format_Grayscale8)
-        .copy();
+    const auto *grays = reinterpret_cast<const uchar *>(image->const_data());
+    const int rowBytes = image->bytes_per_row();
+    return QImage(
+        grays, size.width(), size.height(), rowBytes, QImage::Format_Grayscale8,
+        [](void *shown) { delete static_cast<poppler::image *>(shown); }, image.release());
 }
 
 QImage PdfSource::FaxPage(int)
