@@ -1,6 +1,6 @@
 #include "QtPicture.h"
 
-#include "PictureResolution.h"
+#include "PictureHeader.h"
 
 #include <QImageReader>
 
@@ -53,8 +53,13 @@ QtPicture::QtPicture(const QString &path)
     QImageReader reader(path);
     SetUp(reader);
     bJpeg = reader.format() == "jpeg";
-    picture = {reader.size(), PictureResolution::Read(path), reader.transformation()};
-    CheckSize(picture.size, bJpeg ? mostJpegPixels : MostPixels);
+    const PictureHeader header = PictureHeader::Read(path);
+    const qint64 most = bJpeg ? mostJpegPixels : MostPixels;
+    // Qt does not tell the size of what it finds too large by itself.
+    if (!header.size.isEmpty())
+        CheckSize(header.size, most);
+    picture = {reader.size(), header.dotsPerInch, reader.transformation()};
+    CheckSize(picture.size, most);
 }
 
 QImage QtPicture::ReadGray(int, const QSize &least)

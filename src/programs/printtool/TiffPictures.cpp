@@ -142,8 +142,10 @@ QImage TiffPictures::ReadGray(int number, const QSize &)
     if (TIFFSetSubDirectory(tiff, aPages[number].lOffset) != 1 || SizeOf(tiff) != size)
         RefuseDamaged();
     char reason[1024];
-    const QImage gray =
-        TIFFRGBAImageOK(tiff, reason) == 1 ? ReadColors(tiff, size) : TiffSamples::ReadGray(tiff, size);
+    // The decoder may find out only later that it does not know a form.
+    QImage gray = TIFFRGBAImageOK(tiff, reason) == 1 ? ReadColors(tiff, size) : QImage();
+    if (gray.isNull())
+        gray = TiffSamples::ReadGray(tiff, size);
     if (gray.isNull())
         RefuseDamaged();
     return gray;
