@@ -1,21 +1,21 @@
 #include "OfficeConverter.h"
 
+#include "ConversionError.h"
 #include "OfficeContents.h"
 #include "OfficeProfile.h"
-#include "TextFiles.h"
+#include "WorkFolder.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QStorageInfo>
 
 #include <algorithm>
 
 namespace {
 
 /// Each start may lose one document; a request that loses more takes too long to find out about the rest.
-constexpr int mostStarts = 5;
+constexpr int mostStarts = 5, mostTimeOuts = 2;
 
 QString Translate(const char *text)
 {
@@ -31,39 +31,12 @@ bool IsWholePdf(const QString &path)
            file.seek(std::max<qint64>(file.size() - tailSize, 0)) && file.readAll().contains("%%EOF");
 }
 
-bool CopyText(const OfficeJob &job)
-{
-    constexpr qint64 most = 16 * 1024 * 1024; // some 5,000 pages
-    QFile file(job.strPath);
-    if (!file.open(QIODevice::ReadOnly) || file.size() > most)
-        return false;
-    const QByteArray bytes = file.read(most);
-    return job.strEnding == QLatin1String("txt")
-               ? TextFiles::WriteTextDocument(TextFiles::Decode(bytes), job.strFile)
-               : TextFiles::WriteHtml(TextFiles::DecodeHtml(bytes), job.strFile);
-}
-
-bool Copy(const OfficeJob &job)
-{
-    if (job.strEnding == QLatin1String("txt") || job.strEnding == QLatin1String("html"))
-        return CopyText(job);
-    return QFile::copy(job.strPath, job.strFile) &&
-           QFile::setPermissions(job.strFile, QFile::ReadOwner | QFile::WriteOwner);
-}
-
-bool IsDiskFull(const QString &folder)
-{
-    constexpr qint64 least = 4 * 1024 * 1024;
-    const QStorageInfo disk(folder);
-    return disk.isValid() && disk.bytesAvailable() < least;
-}
-
 QString WhyUnreadable(const OfficeJob &job)
 {
     if (OfficeContents::AsksForPassword(job.strPath))
         return Translate("The document is protected by a password.");
-    if (IsDiskFull(QFileInfo(job.strFile).path()))
-        return Translate("There is no room for temporary files.");
+    if (WorkFolder::IsFull(QFileInfo(job.strFile).path()))
+        return Translate("The disk with the temporary files is full.");
     return Translate("The document is damaged, or of a kind that cannot be read.");
 }
 
@@ -94,6 +67,15 @@ void FailAll(const QList<OfficeJob *> &open, const QString &reason)
     }
 }
 
+/// The program went through all of them.
+void FailUnread(const QList<OfficeJob *> &open)
+{
+    for (OfficeJob *job : open) {
+        if (job->IsOpen())
+            job->strReason = WhyUnreadable(*job);
+    }
+}
+
 } // namespace
 
 OfficeConverter::OfficeConverter(OfficeProgram officeProgram, const QString &workFolder,
@@ -107,42 +89,34 @@ OfficeConverter::OfficeConverter(OfficeProgram officeProgram, const QString &wor
 
 void OfficeConverter::Convert(QList<OfficeJob> &jobs)
 {
-    QList<OfficeJob *> open;
-    for (OfficeJob &job : jobs) {
-        if (stop.stop_requested())
-            return;
-        HandOver(job, static_cast<int>(&job - jobs.data()) + 1);
-        if (job.IsOpen())
-            open.append(&job);
-    }
+    QList<OfficeJob *> open = HandOver(jobs);
     for (int starts = 0; starts < mostStarts && !open.isEmpty(); ++starts) {
-        if (!RunOnce(open))
+        if (stop.stop_requested() || !RunOnce(open))
             return;
     }
     FailAll(open, Translate("The office program broke down too often."));
 }
 
-/// The office program is given nothing of the name: it could be an option, a filter, or the name of another.
-void OfficeConverter::HandOver(OfficeJob &job, int number) const
+/// Those that can be converted.
+QList<OfficeJob *> OfficeConverter::HandOver(QList<OfficeJob> &jobs) const
 {
-    const QString ending = job.strEnding == QLatin1String("txt") ? QStringLiteral("fodt") : job.strEnding;
-    job.strFile =
-        QStringLiteral("%1/doc%2.%3").arg(strWorkFolder).arg(number, 4, 10, QLatin1Char('0')).arg(ending);
-    if (!Copy(job))
-        job.strReason = IsDiskFull(strWorkFolder) ? Translate("There is no room for temporary files.")
-                                                  : Translate("The file cannot be read.");
+    QList<OfficeJob *> open;
+    for (OfficeJob &job : jobs) {
+        try {
+            job.HandOver(strWorkFolder, static_cast<int>(&job - jobs.data()) + 1, stop);
+            open.append(&job);
+        } catch (const ConversionError &error) {
+            job.strReason = error.Text();
+        }
+    }
+    return open;
 }
 
 /// False when there is nothing more to be tried.
 bool OfficeConverter::RunOnce(QList<OfficeJob *> &open)
 {
-    const QString profile = strWorkFolder + QLatin1String("/profile");
-    QDir(profile).removeRecursively(); // what a broken run has left may break the next
-    if (program.strPath.isEmpty() || !WriteOfficeProfile(profile)) {
-        FailAll(open, program.strPath.isEmpty() ? Translate("LibreOffice is not installed.")
-                                                : Translate("There is no room for temporary files."));
+    if (!MakeProfile(open))
         return false;
-    }
     QStringList files;
     for (const OfficeJob *job : std::as_const(open))
         files.append(job->strFile);
@@ -153,14 +127,39 @@ bool OfficeConverter::RunOnce(QList<OfficeJob *> &open)
     if (end == OfficeEnd::NotStarted)
         FailAll(open, Translate("LibreOffice does not start."));
     else if (end == OfficeEnd::Finished)
-        std::for_each(open.begin(), open.end(), [](OfficeJob *job) {
-            job->strReason = job->IsOpen() ? WhyUnreadable(*job) : job->strReason;
-        });
-    else {
-        const qsizetype guilty = FirstBehindReady(open, [](const OfficeJob &job) { return !job.IsOpen(); });
-        open.value(guilty < open.size() ? guilty : 0)->strReason = WhyEnded(end);
-    }
+        FailUnread(open);
+    else
+        FailGuilty(open, end);
     open.removeIf([](const OfficeJob *job) { return !job->IsOpen(); });
+    return true;
+}
+
+/// The one that the program was at when it ended; or one before that it could not read, which is no loss.
+void OfficeConverter::FailGuilty(const QList<OfficeJob *> &open, OfficeEnd end)
+{
+    const qsizetype at = FirstBehindReady(open, [](const OfficeJob &job) { return !job.IsOpen(); });
+    if (at == open.size()) // it had gone through all of them
+        FailUnread(open);
+    else
+        open[at]->strReason = WhyEnded(end);
+    if (end == OfficeEnd::TimedOut && ++lTimeOuts == mostTimeOuts)
+        FailAll(open, WhyEnded(end));
+}
+
+/// A new one for each start: what a broken one has left may break the next.
+bool OfficeConverter::MakeProfile(const QList<OfficeJob *> &open) const
+{
+    const QString profile = strWorkFolder + QLatin1String("/profile");
+    QDir(profile).removeRecursively();
+    try {
+        if (program.strPath.isEmpty())
+            throw ConversionError(Translate("LibreOffice is not installed."));
+        if (!WriteOfficeProfile(profile))
+            RaiseNotWritten(strWorkFolder);
+    } catch (const ConversionError &error) {
+        FailAll(open, error.Text());
+        return false;
+    }
     return true;
 }
 

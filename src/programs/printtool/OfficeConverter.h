@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OfficeJob.h"
 #include "OfficeProgram.h"
 
 #include <QList>
@@ -7,19 +8,6 @@
 
 #include <functional>
 #include <stop_token>
-
-/// One office document on its way to pages.
-struct OfficeJob
-{
-    QString strPath;   ///< the document
-    QString strEnding; ///< what tells its form, as `FileType` has it
-    QString strName;   ///< for texts that a user reads
-    QString strFile;   ///< what the office program is given: a copy under a name without meaning
-    QString strPdf;    ///< the result's full path; empty when it failed
-    QString strReason; ///< why it failed: a sentence
-
-    bool IsOpen() const { return strPdf.isEmpty() && strReason.isEmpty(); }
-};
 
 /// Office documents to PDF files, all in one start of the office program. When that dies or hangs, it is
 /// started again without the document that it was at, so that one cannot spoil the others.
@@ -35,9 +23,11 @@ public:
     void Convert(QList<OfficeJob> &jobs);
 
 private:
-    void HandOver(OfficeJob &job, int number) const;
+    QList<OfficeJob *> HandOver(QList<OfficeJob> &jobs) const;
     bool RunOnce(QList<OfficeJob *> &open);
+    bool MakeProfile(const QList<OfficeJob *> &open) const;
     void TellProgress(const QList<OfficeJob *> &open);
+    void FailGuilty(const QList<OfficeJob *> &open, OfficeEnd end);
     void TakeResults(const QList<OfficeJob *> &open) const;
     QString PdfOf(const OfficeJob &job) const;
 
@@ -46,4 +36,5 @@ private:
     std::stop_token stop;
     Tell tell;
     const OfficeJob *told = nullptr;
+    int lTimeOuts = 0;
 };

@@ -3,6 +3,7 @@
 #include "ConversionError.h"
 #include "FileType.h"
 #include "OfficeConverter.h"
+#include "StatusTexts.h"
 
 namespace {
 
@@ -21,7 +22,8 @@ void Prepare(Document &document, OfficeWork &work)
         document.strReadable = document.strPath;
         return;
     }
-    work.aJobs.append({document.strPath, type.strEnding, document.Name(), {}, {}, {}});
+    work.aJobs.append(
+        {document.strPath, type.strEnding, StatusTexts::ShownName(document.Name()), {}, {}, {}});
     work.aDocuments.append(&document);
 }
 
@@ -31,7 +33,7 @@ void TakeResults(const OfficeWork &work, QList<FailedDocument> &failed)
         const OfficeJob &job = work.aJobs[number];
         work.aDocuments[number]->strReadable = job.strPdf;
         if (job.strPdf.isEmpty())
-            failed.append({job.strName, job.strReason});
+            failed.append({work.aDocuments[number]->Name(), job.strReason});
     }
 }
 

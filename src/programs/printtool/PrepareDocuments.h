@@ -11,7 +11,7 @@
 /// A document that cannot be faxed, for the final text.
 struct FailedDocument
 {
-    QString strName;   ///< as it may be shown
+    QString strName;   ///< its bare name
     QString strReason; ///< a sentence
 };
 

@@ -101,7 +101,7 @@ void WriteLine(QXmlStreamWriter &xml, const QString &line, bool beginsPage)
     xml.writeEndElement();
 }
 
-void WriteLines(QXmlStreamWriter &xml, const QString &text)
+void WriteLines(QXmlStreamWriter &xml, const QString &text, const std::stop_token &stop)
 {
     QStringList pages = text.split(u'\f');
     while (pages.size() > 1 && pages.last().trimmed().isEmpty()) // the feed that ejects the last page
@@ -110,7 +110,7 @@ void WriteLines(QXmlStreamWriter &xml, const QString &text)
         QStringList lines = pages[page].split(u'\n');
         if (lines.size() > 1 && lines.last().isEmpty())
             lines.removeLast();
-        for (qsizetype line = 0; line < lines.size(); ++line)
+        for (qsizetype line = 0; line < lines.size() && !stop.stop_requested(); ++line)
             WriteLine(xml, WithoutTabs(lines[line]), page > 0 && line == 0);
     }
 }
@@ -135,7 +135,7 @@ QString TextFiles::DecodeHtml(const QByteArray &bytes)
     return isTelling ? QString(named.decode(bytes)) : AnsiText::FromAnsi(bytes);
 }
 
-bool TextFiles::WriteTextDocument(const QString &text, const QString &path)
+bool TextFiles::WriteTextDocument(const QString &text, const QString &path, const std::stop_token &stop)
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly))
@@ -153,7 +153,7 @@ bool TextFiles::WriteTextDocument(const QString &text, const QString &path)
     file.write(styles);
     xml.writeStartElement(QStringLiteral("office:body"));
     xml.writeStartElement(QStringLiteral("office:text"));
-    WriteLines(xml, Clean(text));
+    WriteLines(xml, Clean(text), stop);
     xml.writeEndDocument();
     return !xml.hasError() && file.flush();
 }

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <stop_token>
+
 /// Plain text and HTML, whose encoding nobody names, made into what the office program reads right.
 namespace TextFiles {
 
@@ -13,8 +15,9 @@ QString Decode(const QByteArray &bytes);
 QString DecodeHtml(const QByteArray &bytes);
 
 /// A text as an OpenDocument file of A4 pages in a typewriter's letters, 80 to a line: tabs every eight
-/// columns, form feeds begin a page, what steers a terminal is left out. False when it cannot be written.
-bool WriteTextDocument(const QString &text, const QString &path);
+/// columns, form feeds begin a page, what steers a terminal is left out. Half of it when it is asked to stop.
+/// False when it cannot be written.
+bool WriteTextDocument(const QString &text, const QString &path, const std::stop_token &stop);
 
 /// The HTML in UTF-8, and saying so. False when it cannot be written.
 bool WriteHtml(const QString &html, const QString &path);

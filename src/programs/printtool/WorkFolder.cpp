@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QStorageInfo>
 
 #include <cstdlib>
 
@@ -66,6 +67,13 @@ WorkFolder::WorkFolder()
 WorkFolder::~WorkFolder()
 {
     QDir(strPath).removeRecursively();
+}
+
+bool WorkFolder::IsFull(const QString &path)
+{
+    constexpr qint64 least = 4 * 1024 * 1024;
+    const QStorageInfo disk(path);
+    return disk.isValid() && disk.bytesAvailable() < least;
 }
 
 /// Another run may take the new folder for a left-over until it is locked.

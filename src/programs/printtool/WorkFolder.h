@@ -18,6 +18,9 @@ public:
     /// Full path, without a slash at its end.
     const QString &Path() const { return strPath; }
 
+    /// True when hardly anything can be written into that folder any more.
+    static bool IsFull(const QString &path);
+
 private:
     bool Make(const QString &parent);
 
