@@ -144,7 +144,7 @@ bool LooksLikeHtml(const QByteArray &head)
 /// Text is what holds no byte that steers nothing a printer would know.
 bool IsText(const QByteArray &head)
 {
-    constexpr QByteArrayView known("\t\n\v\f\r\x1a\x1b");
+    constexpr QByteArrayView known("\a\b\t\n\v\f\r\x1a\x1b");
     return HasUnicodeMark(head) || std::none_of(head.begin(), head.end(), [&](char byte) {
                return static_cast<uchar>(byte) < 0x20 && !known.contains(byte);
            });

@@ -89,6 +89,7 @@ OfficeConverter::OfficeConverter(OfficeProgram officeProgram, const QString &wor
 
 void OfficeConverter::Convert(QList<OfficeJob> &jobs)
 {
+    QDir(strWorkFolder + QLatin1String("/pdf")).removeRecursively();
     QList<OfficeJob *> open = HandOver(jobs);
     for (int starts = 0; starts < mostStarts && !open.isEmpty(); ++starts) {
         if (stop.stop_requested() || !RunOnce(open))
