@@ -290,7 +290,7 @@ bool TiffFile::Seek(qint64 offset, int origin)
 
 QByteArray TiffFile::BytesAt(qint64 offset, qint64 size)
 {
-    return file.seek(lStart + offset) ? file.read(size) : QByteArray();
+    return file.isOpen() && file.seek(lStart + offset) ? file.read(size) : QByteArray();
 }
 
 /// `buffer` has just been read at the position.

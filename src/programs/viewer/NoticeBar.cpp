@@ -21,6 +21,7 @@ NoticeBar::NoticeBar(QWidget *parent)
 {
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::ToolTipBase);
+    labText->setObjectName("labNotice");
     labText->setForegroundRole(QPalette::ToolTipText);
     labText->setTextFormat(Qt::PlainText);
     labText->setWordWrap(true);

@@ -1,8 +1,8 @@
 #include "PageBox.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QIntValidator>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 
@@ -57,10 +57,5 @@ bool PageBox::eventFilter(QObject *object, QEvent *event)
 {
     if (event->type() == QEvent::FocusIn)
         QMetaObject::invokeMethod(txtPage, &QLineEdit::selectAll, Qt::QueuedConnection); // after the click
-    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape) {
-        Reset();
-        emit Left();
-        return true;
-    }
     return QWidget::eventFilter(object, event);
 }

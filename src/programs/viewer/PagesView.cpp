@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QPinchGesture>
 #include <QScopedValueRollback>
+#include <QTouchEvent>
 
 #include <algorithm>
 #include <array>
@@ -75,11 +76,13 @@ void PagesView::ShowPagesAgain()
 {
     const QRectF before = HasSheet() ? stack.Place(lCurrent) : QRectF();
     const double read = before.isEmpty() ? 0 : (OffsetY() / Zoom() - before.top()) / before.height();
+    const QScopedValueRollback<bool> going(bGoing, true);
     StackPages();
+    SetCurrent(std::clamp(lCurrent, 0, std::max(0, stack.Count() - 1)));
     TakeSpace();
     if (!HasSheet())
         return;
-    const QRectF now = stack.Place(std::clamp(lCurrent, 0, stack.Count() - 1));
+    const QRectF now = stack.Place(lCurrent);
     ScrollTo({OffsetX(), (now.top() + read * now.height()) * Zoom()});
 }
 
@@ -93,10 +96,10 @@ void PagesView::StackPages()
     geometry.SetPage(stack.Size());
 }
 
-void PagesView::ScrollPageToTop(int page)
+/// Where the view stands when the page is at its top.
+double PagesView::TopOf(int page) const
 {
-    const double top = stack.Place(page).top() - PageStack::Margin;
-    ScrollTo({OffsetX(), top * Zoom()});
+    return (stack.Place(page).top() - PageStack::Margin) * Zoom();
 }
 
 void PagesView::GoToPage(int page)
@@ -106,7 +109,7 @@ void PagesView::GoToPage(int page)
     const int wanted = std::clamp(page, 0, stack.Count() - 1);
     {
         const QScopedValueRollback<bool> going(bGoing, true);
-        ScrollPageToTop(wanted);
+        ScrollTo({OffsetX(), TopOf(wanted)});
     }
     SetCurrent(wanted);
 }
@@ -136,6 +139,7 @@ int PagesView::FindCurrent() const
 
 void PagesView::OnMoved()
 {
+    bComplete = false;
     if (HasSheet() && !bGoing)
         SetCurrent(FindCurrent());
 }
@@ -148,6 +152,8 @@ void PagesView::Fit()
         return;
     const double before = Zoom();
     geometry.FitToView(mode == ZoomMode::Width ? PageGeometry::FitWidth : PageGeometry::FitWhole);
+    if (mode == ZoomMode::Page && lCurrent >= 0 && lCurrent < stack.Count())
+        geometry.ScrollTo({OffsetX(), TopOf(lCurrent)});
     if (Zoom() != before)
         emit ZoomChanged();
 }
@@ -155,10 +161,7 @@ void PagesView::Fit()
 void PagesView::SetMode(ZoomMode newMode)
 {
     mode = newMode;
-    const int page = CurrentPage();
     TakeSpace();
-    if (mode == ZoomMode::Page)
-        GoToPage(page);
     emit ZoomChanged();
 }
 
@@ -188,22 +191,49 @@ bool PagesView::viewportEvent(QEvent *event)
     return HandleGesture(event) || SheetView::viewportEvent(event);
 }
 
-/// Two fingers on the screen, or on the pad of a portable computer.
+/// Fingers on the screen, or on the pad of a portable computer.
 bool PagesView::HandleGesture(QEvent *event)
 {
-    if (event->type() == QEvent::NativeGesture) {
-        const auto *native = static_cast<QNativeGestureEvent *>(event);
-        if (native->gestureType() == Qt::ZoomNativeGesture)
-            ZoomByUser(native->position(), Zoom() * (1 + native->value()));
-        return native->gestureType() == Qt::ZoomNativeGesture;
-    }
-    if (event->type() != QEvent::Gesture)
+    switch (event->type()) {
+    case QEvent::TouchBegin: // else it would count as a mouse, and drag while two fingers zoom
+        event->accept();
+        return true;
+    case QEvent::TouchUpdate:
+        return DragByFinger(*static_cast<QTouchEvent *>(event));
+    case QEvent::NativeGesture:
+        return ZoomByPad(*static_cast<QNativeGestureEvent *>(event));
+    case QEvent::Gesture:
+        return ZoomByFingers(*static_cast<QGestureEvent *>(event));
+    default:
         return false;
-    const auto *gestures = static_cast<QGestureEvent *>(event);
-    const auto *pinch = static_cast<QPinchGesture *>(gestures->gesture(Qt::PinchGesture));
-    if (pinch && pinch->changeFlags().testFlag(QPinchGesture::ScaleFactorChanged))
+    }
+}
+
+bool PagesView::DragByFinger(const QTouchEvent &event)
+{
+    if (event.points().size() == 1)
+        ScrollBy(event.points().first().lastPosition() - event.points().first().position());
+    return true;
+}
+
+bool PagesView::ZoomByPad(const QNativeGestureEvent &event)
+{
+    if (event.gestureType() != Qt::ZoomNativeGesture)
+        return false;
+    ZoomByUser(event.position(), Zoom() * (1 + event.value()));
+    return true;
+}
+
+bool PagesView::ZoomByFingers(const QGestureEvent &event)
+{
+    const auto *pinch = static_cast<QPinchGesture *>(event.gesture(Qt::PinchGesture));
+    if (!pinch)
+        return false;
+    if (pinch->changeFlags().testFlag(QPinchGesture::CenterPointChanged))
+        ScrollBy(pinch->lastCenterPoint() - pinch->centerPoint());
+    if (pinch->changeFlags().testFlag(QPinchGesture::ScaleFactorChanged))
         ZoomByUser(viewport()->mapFromGlobal(pinch->centerPoint()), Zoom() * pinch->scaleFactor());
-    return pinch != nullptr;
+    return true;
 }
 
 // Keys
@@ -370,6 +400,11 @@ void PagesView::NoteMissing(bool isMissing)
 
 void PagesView::TakePicture(const PagePart &part, const QImage &picture)
 {
-    if (tiles.Add(part, picture))
-        viewport()->update();
+    if (!tiles.Add(part, picture))
+        return;
+    const QRect view = DeviceView();
+    for (const PlacedPage &page : PlacePages(view)) {
+        if (page.lPage == part.lPage && part.rect.translated(page.rect.topLeft()).intersects(view))
+            viewport()->update();
+    }
 }

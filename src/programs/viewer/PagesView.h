@@ -8,6 +8,10 @@
 
 #include <QTimer>
 
+class QGestureEvent;
+class QNativeGestureEvent;
+class QTouchEvent;
+
 /// All pages of a fax, below each other. Zoom 1 is their size on paper. What is visible, and a view further
 /// on each side, is drawn beside the event loop; until a page is there, its paper is shown.
 class PagesView final : public SheetView
@@ -63,12 +67,14 @@ private:
     void ShowDocument();
     void ShowPagesAgain();
     void StackPages();
-    void ScrollPageToTop(int page);
+    double TopOf(int page) const;
     void SetCurrent(int page);
     int FindCurrent() const;
     void ScrollViews(int views);
-    void PinchAround(const QPointF &place, double factor);
     bool HandleGesture(QEvent *event);
+    bool DragByFinger(const QTouchEvent &event);
+    bool ZoomByPad(const QNativeGestureEvent &event);
+    bool ZoomByFingers(const QGestureEvent &event);
 
     QList<PlacedPage> PlacePages(const QRect &area) const;
     QRect DeviceView() const;

@@ -12,6 +12,7 @@
 namespace {
 
 constexpr int lMargin = 8;
+constexpr int lFrame = 4;                 ///< around the marked page
 constexpr int lNarrowest = 48;            ///< of a picture
 constexpr double dPaperShape = 1.4142;    ///< height to width of A4
 constexpr int lMostKilobytes = 48 * 1024; ///< of all pictures
@@ -67,28 +68,29 @@ public:
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
-        QStyleOptionViewItem cell = option;
-        initStyleOption(&cell, index);
-        cell.text.clear();
-        const QWidget *widget = option.widget;
-        widget->style()->drawControl(QStyle::CE_ItemViewItem, &cell, painter, widget);
-        PaintPicture(*painter, option, index.row());
         const bool isMarked = option.state.testFlag(QStyle::State_Selected);
-        const bool isActive = option.state.testFlag(QStyle::State_Active);
-        painter->setPen(option.palette.color(isActive ? QPalette::Active : QPalette::Inactive,
-                                             isMarked ? QPalette::HighlightedText : QPalette::Text));
+        PaintPicture(*painter, option, index.row(), isMarked);
+        QFont font = option.font;
+        font.setBold(isMarked);
+        painter->setFont(font);
+        painter->setPen(option.palette.color(QPalette::Text));
         painter->drawText(option.rect.adjusted(0, 0, 0, -lMargin / 2), Qt::AlignHCenter | Qt::AlignBottom,
                           index.data().toString());
     }
 
 private:
-    void PaintPicture(QPainter &painter, const QStyleOptionViewItem &option, int page) const
+    void PaintPicture(QPainter &painter, const QStyleOptionViewItem &option, int page, bool isMarked) const
     {
         const double ratio = painter.device()->devicePixelRatioF();
         const QSize size = (QSizeF(pane.Wanted(page).size) / ratio).toSize();
         const QRect room(option.rect.topLeft() + QPoint(lMargin, lMargin),
                          QSize(option.rect.width() - 2 * lMargin, pane.PictureRoom().height()));
         const QRect place = QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, size, room);
+        const bool hasKeyboard = option.widget->hasFocus();
+        if (isMarked)
+            painter.fillRect(place.adjusted(-lFrame, -lFrame, lFrame, lFrame),
+                             option.palette.color(hasKeyboard ? QPalette::Active : QPalette::Inactive,
+                                                  QPalette::Highlight));
         painter.fillRect(place, Qt::white);
         if (const auto *thumbnail = pane.Find(page))
             painter.drawImage(place, thumbnail->picture);
@@ -184,6 +186,13 @@ void ThumbnailPane::resizeEvent(QResizeEvent *event)
 {
     QListView::resizeEvent(event);
     scheduleDelayedItemsLayout();
+}
+
+/// The cells may have another height, and the marked one is elsewhere.
+void ThumbnailPane::doItemsLayout()
+{
+    QListView::doItemsLayout();
+    scrollTo(currentIndex());
 }
 
 // Pictures

@@ -30,6 +30,7 @@ protected:
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void doItemsLayout() override;
 
 private:
     friend class ThumbnailDelegate;

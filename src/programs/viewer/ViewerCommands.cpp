@@ -253,9 +253,9 @@ void ViewerCommands::SetCommand(const QString &name, std::function<void()> run)
 
 void ViewerCommands::ShowPlace(int page, int pages)
 {
-    for (const char *name : {"mnuReload", "mnuSaveCopy", "mnuPrintPreview", "mnuPrint", "mnuCopyPage",
-                             "mnuZoomIn", "mnuZoomOut", "mnuActualSize", "mnuRotateRight", "mnuRotateLeft",
-                             "mnuRotate180", "mnuRotateAllRight", "mnuRotateAllLeft", "mnuGoToPage"})
+    for (const char *name : {"mnuSaveCopy", "mnuPrintPreview", "mnuPrint", "mnuCopyPage", "mnuZoomIn",
+                             "mnuZoomOut", "mnuActualSize", "mnuRotateRight", "mnuRotateLeft", "mnuRotate180",
+                             "mnuRotateAllRight", "mnuRotateAllLeft", "mnuGoToPage"})
         actions[name]->setEnabled(pages > 0);
     for (const char *name : {"mnuPreviousPage", "mnuFirstPage"})
         actions[name]->setEnabled(page > 0);

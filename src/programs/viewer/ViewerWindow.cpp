@@ -34,8 +34,18 @@ constexpr int lUsualWidth = 900, lUsualHeight = 1000;
 QString ToShownName(const QString &path)
 {
     QString name = QFileInfo(path).fileName();
-    std::replace_if(
-        name.begin(), name.end(), [](QChar character) { return !character.isPrint(); }, QChar(' '));
+    const auto steers = [](QChar character) {
+        switch (character.category()) {
+        case QChar::Other_Control:
+        case QChar::Other_Format: // some turn the direction of what follows
+        case QChar::Separator_Line:
+        case QChar::Separator_Paragraph:
+            return true;
+        default:
+            return false;
+        }
+    };
+    std::replace_if(name.begin(), name.end(), steers, QChar(' '));
     return name;
 }
 
@@ -123,7 +133,7 @@ void ViewerWindow::MakeStatusBar()
 void ViewerWindow::SetUpFileCommands()
 {
     commands->SetCommand("mnuOpen", [this] { AskForFile(); });
-    commands->SetCommand("mnuReload", [this] { watch.Changed(); });
+    commands->SetCommand("mnuReload", [this] { ReadAgain(); });
     commands->SetCommand("mnuSaveCopy", [this] { FaxSaving::SaveCopy(document, this); });
     commands->SetCommand("mnuPrint", [this] { FaxPrinting::Print(document, this, view->CurrentPage()); });
     commands->SetCommand("mnuPrintPreview",
@@ -189,11 +199,8 @@ void ViewerWindow::ConnectDocument()
     connect(&document, &FaxDocument::Opened, this, setPages);
     connect(&document, &FaxDocument::Reopened, this, setPages);
     connect(&reader, &TableReader::TableRead, this, &ViewerWindow::TakeTable);
-    connect(&watch, &FileWatch::Vanished, this, &ViewerWindow::TellVanished);
-    connect(&watch, &FileWatch::Changed, this, [this] {
-        bReadingAgain = true;
-        reader.Read(document.Path());
-    });
+    connect(&watch, &FileWatch::Vanished, this, &ViewerWindow::ReadAgain);
+    connect(&watch, &FileWatch::Changed, this, &ViewerWindow::ReadAgain);
 }
 
 // Settings
@@ -243,6 +250,12 @@ void ViewerWindow::Open(const QString &path)
     reader.Read(strWanted);
 }
 
+void ViewerWindow::ReadAgain()
+{
+    bReadingAgain = true;
+    reader.Read(document.Path());
+}
+
 void ViewerWindow::AskForFile()
 {
     const QString folder = QFileInfo(strWanted).absolutePath();
@@ -269,11 +282,8 @@ void ViewerWindow::TakeTable(const QString &path, const FaxPages &pages)
 /// What can no longer be read leaves the pages on show, as far as they were decoded.
 void ViewerWindow::TakeTableAgain(const FaxPages &pages)
 {
-    if (pages.Count() == 0) {
-        view->SetPageNotice(tr("This page had not been loaded before its file was changed."));
-        notice->ShowText(tr("The file of this fax was changed and cannot be read any more."));
-        return;
-    }
+    if (pages.Count() == 0 && document.PageCount() > 0)
+        return TellLost();
     notice->hide();
     if (document.PageCount() == 0)
         document.Take(document.Path(), pages);
@@ -282,12 +292,17 @@ void ViewerWindow::TakeTableAgain(const FaxPages &pages)
     ShowDocument();
 }
 
-void ViewerWindow::TellVanished()
+void ViewerWindow::TellLost()
 {
-    if (document.PageCount() == 0)
-        return;
-    view->SetPageNotice(tr("This page had not been loaded before its file was removed."));
-    notice->ShowText(tr("The file of this fax was moved or deleted. Pages that were loaded stay on show."));
+    if (QFileInfo::exists(document.Path())) {
+        view->SetPageNotice(tr("This page had not been loaded before its file was changed."));
+        notice->ShowText(tr("The file of this fax was changed and cannot be read any more. Pages that were "
+                            "loaded stay on show."));
+    } else {
+        view->SetPageNotice(tr("This page had not been loaded before its file was removed."));
+        notice->ShowText(
+            tr("The file of this fax was moved or deleted. Pages that were loaded stay on show."));
+    }
 }
 
 // What the window shows
@@ -295,7 +310,7 @@ void ViewerWindow::TellVanished()
 void ViewerWindow::ShowDocument()
 {
     const QString name = ToShownName(document.Path());
-    setWindowTitle(name);
+    setWindowTitle(QString(name).replace("[*]", "[*][*]")); // a window's mark of what is not saved
     if (document.PageCount() > 0)
         view->SetPageNotice(tr("This page is damaged and cannot be shown."));
     else if (!document.Path().isEmpty())
@@ -310,6 +325,7 @@ void ViewerWindow::ShowPlace()
     pageBox->ShowPage(page, pages);
     thumbnails->SetCurrentPage(page);
     commands->ShowPlace(page, pages);
+    commands->Action("mnuReload").setEnabled(!document.Path().isEmpty());
     labPage->setText(pages > 0 ? tr("Page %1 of %2").arg(page + 1).arg(pages) : QString());
     labPaper->setText(pages > 0 ? DescribePaper(document.Pages().Page(page), document.PageSize(page))
                                 : QString());

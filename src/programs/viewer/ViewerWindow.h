@@ -49,11 +49,12 @@ private:
     void RestoreSettings();
     void SaveSettings();
 
+    void ReadAgain();
     void AskForFile();
     void AskForPage();
     void TakeTable(const QString &path, const FaxPages &pages);
     void TakeTableAgain(const FaxPages &pages);
-    void TellVanished();
+    void TellLost();
     void ShowDocument();
     void ShowPlace();
     void ShowZoom();

@@ -1,6 +1,5 @@
 #include "ZoomBox.h"
 
-#include <QKeyEvent>
 #include <QLineEdit>
 
 #include <cmath>
@@ -26,7 +25,6 @@ ZoomBox::ZoomBox(QWidget *parent)
     setMaxVisibleItems(count());
     setCompleter(nullptr);
     setMinimumContentsLength(6);
-    lineEdit()->installEventFilter(this);
     connect(this, &QComboBox::textActivated, this, &ZoomBox::Choose);
     connect(lineEdit(), &QLineEdit::returnPressed, this, [this] { Choose(currentText()); });
     connect(lineEdit(), &QLineEdit::editingFinished, this, [this] { ShowZoom(dZoom); });
@@ -49,14 +47,4 @@ void ZoomBox::Choose(const QString &text)
         emit ZoomChosen(percent / 100);
     ShowZoom(dZoom);
     emit Left();
-}
-
-bool ZoomBox::eventFilter(QObject *object, QEvent *event)
-{
-    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape) {
-        ShowZoom(dZoom);
-        emit Left();
-        return true;
-    }
-    return QComboBox::eventFilter(object, event);
 }

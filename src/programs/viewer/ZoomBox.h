@@ -18,9 +18,6 @@ signals:
     /// Nothing more is to be typed.
     void Left();
 
-protected:
-    bool eventFilter(QObject *object, QEvent *event) override;
-
 private:
     void Choose(const QString &text);
 
