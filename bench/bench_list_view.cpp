@@ -1,4 +1,5 @@
 #include "BigMailbox.h"
+#include "Measures.h"
 #include "Pairs.h"
 #include "core/Globals.h"
 #include "core/ModelRoles.h"
@@ -11,13 +12,11 @@
 #include "programs/client/ClientProgram.h"
 
 #include <QApplication>
-#include <QFile>
 #include <QHeaderView>
 #include <QProcess>
 #include <QScrollBar>
 #include <QTreeView>
 
-#include <chrono>
 #include <cstdio>
 #include <random>
 
@@ -89,20 +88,6 @@ struct ShownOffice
     frmMain window{mailbox, ports.message};
 };
 
-double WallTimeOf(const std::function<void()> &run)
-{
-    const auto start = std::chrono::steady_clock::now();
-    run();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-}
-
-double NinetyNinth(std::vector<double> values)
-{
-    const auto place = values.begin() + static_cast<std::ptrdiff_t>(values.size() * 99 / 100);
-    std::nth_element(values.begin(), place, values.end());
-    return *place;
-}
-
 /// From the selection of the folder to the painted list.
 void FirstRows(benchmark::State &state, const char *folder)
 {
@@ -112,7 +97,7 @@ void FirstRows(benchmark::State &state, const char *folder)
     for (auto _ : state) {
         Choose("1000");
         QApplication::processEvents();
-        const double wall = WallTimeOf([&] {
+        const double wall = Measures::WallTimeOf([&] {
             times.push_back(Pairs::TimeOf([&] {
                 Choose(folder);
                 watch.Wait();
@@ -147,7 +132,7 @@ void ScrolledFrame(benchmark::State &state, bool withPreview)
     std::vector<double> walls;
     for (auto _ : state) {
         const int place = static_cast<int>(random() % static_cast<unsigned>(bar->maximum()));
-        walls.push_back(WallTimeOf([&] {
+        walls.push_back(Measures::WallTimeOf([&] {
             times.push_back(Pairs::TimeOf([&] {
                 bar->setValue(place);
                 office.Grid()->viewport()->repaint();
@@ -158,8 +143,8 @@ void ScrolledFrame(benchmark::State &state, bool withPreview)
     const int rowHeight = office.Grid()->visualRect(office.Grid()->indexAt({0, 0})).height();
     state.counters["rows"] = office.Grid()->viewport()->height() / rowHeight;
     state.counters["median_ms"] = Pairs::Median(times);
-    state.counters["p99_ms"] = NinetyNinth(times);
-    state.counters["p99_wall_ms"] = NinetyNinth(walls);
+    state.counters["p99_ms"] = Measures::NinetyNinth(times);
+    state.counters["p99_wall_ms"] = Measures::NinetyNinth(walls);
 }
 BENCHMARK_CAPTURE(ScrolledFrame, asOpened, true)
     ->UseManualTime()
@@ -210,18 +195,6 @@ BENCHMARK(ManyRows)->Arg(25000)->Arg(50000)->Arg(100000)->Iterations(1)->Unit(be
 
 // Memory
 
-double StatusValue(const char *name)
-{
-    QFile file("/proc/self/status");
-    if (!file.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray &line : file.readAll().split('\n')) {
-        if (line.startsWith(name))
-            return line.mid(line.indexOf(':') + 1).simplified().split(' ').first().toDouble() / 1024;
-    }
-    return -1;
-}
-
 /// The program itself on a profile that is there: opens both folders and prints what memory it takes.
 int PrintMemory(int &argc, char **argv)
 {
@@ -232,11 +205,11 @@ int PrintMemory(int &argc, char **argv)
     ClientProgram program(system.Get(), system.Pump());
     program.ShowMainWindow();
     QApplication::processEvents();
-    std::printf("%g ", StatusValue("VmRSS"));
+    std::printf("%g ", Measures::MemoryOf("VmRSS"));
     for (const char *folder : {BigMailbox::strReceivedFolder, BigMailbox::strSentFolder}) {
         Choose(folder);
         PaintWatch(FindInWindow<QTreeView>("grdFaxList")->viewport()).Wait();
-        std::printf("%g %g ", StatusValue("VmRSS"), StatusValue("VmHWM"));
+        std::printf("%g %g ", Measures::MemoryOf("VmRSS"), Measures::MemoryOf("VmHWM"));
     }
     return 0;
 }
