@@ -168,6 +168,7 @@ class tst_PrintToolPictures : public QObject
 private slots:
     void everyFormIsDrawn_data();
     void everyFormIsDrawn();
+    void deepPngWithAClearColourIsDrawn();
     void psdOfEveryModeIsDrawn_data();
     void psdOfEveryModeIsDrawn();
     void tiffOfEveryDepthIsDrawn_data();
@@ -245,6 +246,16 @@ void tst_PrintToolPictures::everyFormIsDrawn()
     QCOMPARE(page.format(), QImage::Format_Grayscale8);
     QCOMPARE(CornersOf(page), QStringLiteral("kwww"));
     QCOMPARE(source.Count(), 1);
+}
+
+void tst_PrintToolPictures::deepPngWithAClearColourIsDrawn()
+{
+    QFile file(WriteSample("PNG", QImage::Format_RGBX64));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QByteArray bytes = file.readAll();
+    const QByteArray clear = "tRNS" + QByteArray(6, '\xff');
+    bytes.insert(bytes.indexOf("IDAT") - 4, BigEndian(6, 4) + clear + BigEndian(Bytes::Crc32(clear), 4));
+    QCOMPARE(Corners(Write(bytes)), "kwww");
 }
 
 void tst_PrintToolPictures::psdOfEveryModeIsDrawn_data()

@@ -30,8 +30,9 @@ int Side(quint32 pixels)
 PictureHeader ReadPng(const QByteArray &head)
 {
     constexpr qsizetype widthAt = 16, heightAt = 20, firstChunk = 8, lengthAndName = 8, check = 4;
-    constexpr qsizetype heightOfDensity = 4, unitOfDensity = 8, densitySize = 9;
+    constexpr qsizetype depthAt = 24, heightOfDensity = 4, unitOfDensity = 8, densitySize = 9;
     PictureHeader header;
+    const bool hasDeepColors = head.mid(depthAt, 2) == QByteArray("\x10\x02", 2);
     if (head.size() >= heightAt + 4)
         header.size = {Side(BigEndian<quint32>(head, widthAt)), Side(BigEndian<quint32>(head, heightAt))};
     qsizetype at = firstChunk;
@@ -43,6 +44,8 @@ PictureHeader ReadPng(const QByteArray &head)
             header.dotsPerInch =
                 QSizeF(BigEndian<quint32>(head, data), BigEndian<quint32>(head, data + heightOfDensity)) *
                 metresPerInch;
+        if (name == "tRNS" && hasDeepColors)
+            header.lClearColorAt = data;
         at = name == "IDAT" ? head.size() : data + size + check;
     }
     return header;

@@ -9,6 +9,8 @@ struct PictureHeader
 {
     QSize size;         ///< pixels; empty for JPEG, and when the file does not say
     QSizeF dotsPerInch; ///< empty when the file does not say
+    /// Where a PNG file of 16-bit colours names the one that is clear; 0 for any other file.
+    qint64 lClearColorAt = 0;
 
     static PictureHeader Read(const QString &path);
 };

@@ -13,7 +13,10 @@ public:
     QImage ReadGray(int number, const QSize &least) override;
 
 private:
+    QImage ReadWithClearColor() const;
+
     QString strPath;
+    qint64 lClearColorAt = 0; ///< see `PictureHeader`
     StoredPicture picture;
     bool bJpeg = false;
 };
