@@ -136,6 +136,11 @@ private slots:
         desk->Ask(request);
         PrintTool tool(*desk);
         QVERIFY(desk->Serve(tool));
+        QVERIFY(HasInk(Fax(), 0, {0, 0, 900, 120}));
+        request.strHeader = "*General"; // the program's own, since the user has none
+        desk->Ask(request);
+        QVERIFY(desk->Serve(tool));
+        QVERIFY(HasInk(Fax(), 0, {0, 0, 1728, 120}));
         for (const char *missing : {"Yours", "../Header/mine", "*Mine", "<New Profile...>"}) {
             request.strHeader = missing;
             desk->Ask(request);
@@ -143,7 +148,7 @@ private slots:
             QVERIFY2(desk->strFinal.contains("failed.") && desk->strFinal.contains(missing),
                      qPrintable(desk->strFinal));
         }
-        QCOMPARE(desk->OutBox().size(), 1);
+        QCOMPARE(desk->OutBox().size(), 2);
     }
 
     void everyFailedDocumentIsNamed()
@@ -205,6 +210,7 @@ private slots:
     {
         const TestTable<bool> row{"office"};
         row("in the middle of a page", false);
+        row("in the middle of the office program", true);
     }
 
     void stopIsObeyedAtOnce()

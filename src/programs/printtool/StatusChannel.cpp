@@ -3,6 +3,7 @@
 #include "core/formats/PrintRequest.h"
 
 #include <algorithm>
+#include <cstdio>
 
 namespace {
 
@@ -112,5 +113,5 @@ bool StatusChannel::Write(const QString &text)
 void StatusChannel::SetProgress(PrinterStatus status) const
 {
     if (!SetPrinterStatus(folders, status))
-        qWarning("The progress value cannot be written.");
+        std::fputs("ZemPrint: the progress value cannot be written.\n", stderr);
 }

@@ -12,6 +12,13 @@
 
 namespace {
 
+/// Warnings of the libraries mean nothing to a user, who is told in sentences what is wrong with a document.
+void KeepQuiet(QtMsgType type, const QMessageLogContext &, const QString &message)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        std::fprintf(stderr, "ZemPrint: %s\n", message.toLocal8Bit().constData());
+}
+
 int Run(const QStringList &arguments, WatchedRun &run)
 {
     try {
@@ -26,6 +33,7 @@ int Run(const QStringList &arguments, WatchedRun &run)
 
 int main(int argc, char *argv[])
 {
+    qInstallMessageHandler(KeepQuiet);
     qputenv("QT_QPA_PLATFORM", "offscreen"); // fonts need an application with a platform, never with a screen
     const QGuiApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("ZemPrint"));
