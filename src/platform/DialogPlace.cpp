@@ -1,18 +1,12 @@
 #include "platform/DialogPlace.h"
 
+#include "controls/PlaceOver.h"
+
 #include <QApplication>
 #include <QDialog>
-#include <QWindow>
 
 void PlaceOverActiveWindow(QDialog &dialog)
 {
-    const QWidget *active = QApplication::activeWindow();
-    if (!active)
-        return;
-    dialog.winId(); // makes the native window
-    dialog.windowHandle()->setTransientParent(active->window()->windowHandle());
-    dialog.adjustSize();
-    QRect place = dialog.frameGeometry();
-    place.moveCenter(active->window()->frameGeometry().center());
-    dialog.move(place.topLeft());
+    if (const QWidget *active = QApplication::activeWindow())
+        PlaceOver(dialog, *active);
 }

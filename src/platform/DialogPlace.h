@@ -2,6 +2,5 @@
 
 class QDialog;
 
-/// Puts a dialog over the active window, before it is shown. That window is no QObject parent: a run disables
-/// it with all its children, and the dialog must stay alive.
+/// `PlaceOver` with the active window as the other one, if there is any.
 void PlaceOverActiveWindow(QDialog &dialog);
