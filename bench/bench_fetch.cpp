@@ -1,11 +1,9 @@
+#include "ServerBench.h"
 #include "core/Globals.h"
 #include "endtoend/ClientUnderTest.h"
 #include "fixtures/TrialServer.h"
 
-#include <QCoreApplication>
 #include <QTemporaryDir>
-
-#include <chrono>
 
 #include <benchmark/benchmark.h>
 
@@ -16,13 +14,6 @@ namespace {
 
 constexpr int faxCount = 1000;
 constexpr int faxSize = 30 * 1000;
-
-double SecondsFor(const std::function<void()> &act)
-{
-    const auto start = std::chrono::steady_clock::now();
-    act();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 void FetchFaxes(benchmark::State &state)
 {
@@ -41,7 +32,7 @@ void FetchFaxes(benchmark::State &state)
             state.SkipWithError("The client cannot log in.");
             return;
         }
-        state.SetIterationTime(SecondsFor([&] { client.download.mnuReceive(); }));
+        state.SetIterationTime(ServerBench::SecondsFor([&] { client.download.mnuReceive(); }));
         if (client.StoredIds().size() != faxCount)
             state.SkipWithError("Faxes are missing.");
     }
@@ -53,11 +44,5 @@ BENCHMARK(FetchFaxes)->UseManualTime()->Unit(benchmark::kMillisecond)->Iteration
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication application(argc, argv);
-    // The server is a program of the same build.
-    if (!qEnvironmentVariableIsSet("VELMAR_BIN_DIR"))
-        qputenv("VELMAR_BIN_DIR", VELMAR_BIN_DIR);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return ServerBench::Run(argc, argv);
 }

@@ -1,3 +1,4 @@
+#include "ServerBench.h"
 #include "core/AnsiText.h"
 #include "core/Globals.h"
 #include "core/Schema.h"
@@ -6,10 +7,7 @@
 #include "server/AddressList.h"
 #include "server/AddressStore.h"
 
-#include <QCoreApplication>
 #include <QTemporaryDir>
-
-#include <chrono>
 
 #include <benchmark/benchmark.h>
 
@@ -29,13 +27,6 @@ QStringList Contacts()
                          .arg(qHash(i, 7), 32, 16, QChar('0'))
                          .arg(i));
     return lines;
-}
-
-double SecondsFor(const std::function<void()> &act)
-{
-    const auto start = std::chrono::steady_clock::now();
-    act();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
 bool HasAllContacts()
@@ -76,7 +67,7 @@ void Synchronise(benchmark::State &state)
         if (!house.bReady)
             return;
         Global().objDB->Execute("Update Option Set ContactVersion='-1'");
-        state.SetIterationTime(SecondsFor([&] { house.client.runs.SyncWithServer(true); }));
+        state.SetIterationTime(ServerBench::SecondsFor([&] { house.client.runs.SyncWithServer(true); }));
         if (!HasAllContacts())
             state.SkipWithError("Contacts are missing.");
     }
@@ -110,11 +101,5 @@ BENCHMARK(ReplyToRows)->Unit(benchmark::kMillisecond)->Iterations(5)->UseRealTim
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication application(argc, argv);
-    // The server is a program of the same build.
-    if (!qEnvironmentVariableIsSet("VELMAR_BIN_DIR"))
-        qputenv("VELMAR_BIN_DIR", VELMAR_BIN_DIR);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return ServerBench::Run(argc, argv);
 }
