@@ -102,8 +102,10 @@ void FaxDownload::RunDownload(const Run &run)
 void FaxDownload::ShowProgress(const Run &run)
 {
     rooms.progress.Load();
-    if (rooms.mainWindow.IsVisible() || !run.bSilent)
+    if (!run.bSilent)
         rooms.progress.Show(rooms.mainWindow.IsActive());
+    else if (rooms.mainWindow.IsVisible())
+        rooms.progress.ShowSoon(rooms.mainWindow.IsActive()); // mostly there is no fax: it would only flash
     rooms.progress.SetButton("Cancel", Tr("&Cancel"));
     rooms.progress.SetButtonEnabled(true);
     rooms.progress.SetText(Tr("Contacting to Velmar Server..."));

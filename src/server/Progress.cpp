@@ -97,12 +97,17 @@ void Progress::Reset()
     lSelectedRow = -1;
     aRows.clear();
     strText.clear();
-    strCaption = Tr("Velmar Client");
-    strFileHeader = Tr("File");
-    strStateHeader = Tr("State");
+    ResetHeads();
     strButtonTag = "Close";
     strButtonCaption = Tr("&Close");
     bButtonEnabled = true;
+}
+
+void Progress::ResetHeads()
+{
+    strCaption = Tr("Velmar Client");
+    strFileHeader = Tr("File");
+    strStateHeader = Tr("State");
 }
 
 void Progress::Load()
@@ -123,15 +128,16 @@ void Progress::Show(bool owned)
     emit Shown(owned);
 }
 
-void Progress::ShowSoon()
+void Progress::ShowSoon(bool owned)
 {
     Load();
+    bOwnedSoon = owned;
     tmrShow->SetEnabled(!bVisible);
 }
 
 void Progress::OnShowTick()
 {
-    Show();
+    Show(bOwnedSoon);
     tmrStay->SetEnabled(true);
 }
 
@@ -303,6 +309,13 @@ void Progress::SetWindowMode(bool on, const QString &text)
         strFileHeader = Tr("Tasks");
         strStateHeader = Tr("Status");
     }
+    emit Changed();
+}
+
+void Progress::EndWindowMode()
+{
+    lMode = 0;
+    ResetHeads();
     emit Changed();
 }
 

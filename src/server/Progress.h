@@ -53,8 +53,8 @@ public:
     /// Loads and shows the window, not modal; `owned` keeps it in front of the main window.
     void Show(bool owned = true);
     /// Loads the window for a run that may be over at once: it shows after half a second, and then stays long
-    /// enough to be read.
-    void ShowSoon();
+    /// enough to be read. `owned` as for `Show`.
+    void ShowSoon(bool owned = true);
     void Unload();
     bool IsLoaded() const { return bLoaded; }
     bool IsVisible() const { return bVisible; }
@@ -97,6 +97,8 @@ public:
     void ChangePos2(int mode, int index, int &&percent) { ChangePos2(mode, index, percent); }
     void ChangePos(int percent);
     void SetWindowMode(bool on, const QString &text);
+    /// The end of a run that set the mode: the caption and the heads are the usual ones again.
+    void EndWindowMode();
     void ShowImage(int frame);
 
     /// The click of the button: cancels the run or closes the window, as its tag tells.
@@ -118,6 +120,7 @@ private:
     void OnShowTick();
     void OnStayTick();
     void Reset();
+    void ResetHeads();
     void MarkLastRow(const QString &image, const QString &state);
     void SelectRow(int row);
     void Animate(int percent);
@@ -130,6 +133,7 @@ private:
     std::unique_ptr<Timer> tmrStay; ///< runs while such a window may not go yet
     bool bLoaded = false;
     bool bVisible = false;
+    bool bOwnedSoon = true; ///< of a window that comes late
     int lMode = 0;
     int lTotal = 0;
     int lCurrent = 0;

@@ -102,8 +102,10 @@ void SessionRuns::SyncWithServer(bool showProgress)
         rooms.session.CheckFaxTimer().SetEnabled(isPolling);
         rooms.progress.SetButton("Close", Tr("&Close"));
         rooms.progress.SetButtonEnabled(true);
-        rooms.progress.SetWindowMode(false, {});
+        rooms.progress.EndWindowMode();
         rooms.progress.StopAnimation();
+        if (rooms.session.bUserAbort)
+            rooms.progress.SetText(Tr("User abort."));
         if (showProgress)
             rooms.progress.Unload();
     });

@@ -91,6 +91,20 @@ private slots:
         QCOMPARE(bench->Heard(), QStringList());
     }
 
+    void cancelledSynchronisationLeavesAWindowForTheNextRun()
+    {
+        bench->sync.onSync = [this] {
+            bench->progress.SetWindowMode(true, {});
+            bench->progress.SetText("Synchronizing contacts...");
+            bench->progress.ClickCancelOperate();
+        };
+        bench->runs.mnuSyncAddressBook();
+        const Progress &progress = bench->progress;
+        QVERIFY(progress.IsVisible() && progress.ButtonTag() == "Close");
+        QCOMPARE(QStringList({progress.Text(), progress.Caption(), progress.FileHeader()}),
+                 QStringList({"User abort.", "Velmar Client", "File"}));
+    }
+
     void activation_data()
     {
         const TestTable<bool, bool, QString, QString> row{"online", "connected", "cutShort", "done"};
