@@ -1,11 +1,8 @@
 #include "mailbox/FaxSort.h"
 
+#include "core/RowOrder.h"
 #include "core/Utilities.h"
 
-#include <QCollator>
-
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace {
@@ -29,44 +26,16 @@ TimeKey KeyOfTime(const QString &shown)
     return {number, {}};
 }
 
-/// A row's place beside its key: the sort runs through one block of memory.
-template <typename Key>
-struct KeyedPlace
-{
-    Key key;
-    std::size_t lPlace;
-};
-
-template <typename MakeKey>
-std::vector<std::size_t> OrderBy(const std::vector<FaxRow> &rows, bool descending, MakeKey makeKey)
-{
-    using Keyed = KeyedPlace<decltype(makeKey(rows.front()))>;
-    std::vector<Keyed> keyed;
-    keyed.reserve(rows.size());
-    for (const FaxRow &row : rows)
-        keyed.push_back({makeKey(row), keyed.size()});
-    std::stable_sort(keyed.begin(), keyed.end(), [&](const Keyed &one, const Keyed &other) {
-        return descending ? other.key < one.key : one.key < other.key;
-    });
-    std::vector<std::size_t> order;
-    order.reserve(keyed.size());
-    std::transform(keyed.begin(), keyed.end(), std::back_inserter(order),
-                   [](const Keyed &row) { return row.lPlace; });
-    return order;
-}
-
 } // namespace
 
 std::vector<std::size_t> OrderFaxRows(const std::vector<FaxRow> &rows, int column, const QString &key,
                                       bool descending)
 {
     if (key == "PageCount")
-        return OrderBy(rows, descending, [&](const FaxRow &row) { return NumericPrefix(row.Cell(column)); });
+        return OrderRows(rows, descending,
+                         [&](const FaxRow &row) { return NumericPrefix(row.Cell(column)); });
     if (key.endsWith("Time"))
-        return OrderBy(rows, descending, [&](const FaxRow &row) { return KeyOfTime(row.Cell(column)); });
-    QCollator collator;
-    collator.setNumericMode(true);
-    // Folded by hand: the plain locale knows no case.
-    return OrderBy(rows, descending,
-                   [&](const FaxRow &row) { return collator.sortKey(row.Cell(column).toCaseFolded()); });
+        return OrderRows(rows, descending, [&](const FaxRow &row) { return KeyOfTime(row.Cell(column)); });
+    const WordOrder words;
+    return OrderRows(rows, descending, [&](const FaxRow &row) { return words.KeyOf(row.Cell(column)); });
 }
