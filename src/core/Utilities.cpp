@@ -121,7 +121,8 @@ bool ReadsAsTrue(const QString &stored)
 
 QString EscapeText(const QString &text)
 {
-    return QString(text).replace('\'', escapedApostrophe);
+    // QString::replace would move the rest of a long text again and again.
+    return text.contains('\'') ? text.split('\'').join(escapedApostrophe) : text;
 }
 
 QString UnescapeText(const QString &text)
