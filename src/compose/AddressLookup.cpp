@@ -2,27 +2,24 @@
 
 #include "core/Globals.h"
 
-#include <algorithm>
-
 namespace {
 
-/// About as long as reading the table takes.
-constexpr int lStatements = 16;
-
-QStringList TextsOf(const clsStatement &row, int first, int last)
+std::string Joined(const AddressLookup::Keys &keys)
 {
-    QStringList texts;
-    for (int column = first; column < last; ++column)
-        texts.append(row.Text(column));
-    return texts;
+    return keys.join(QChar(0)).toStdString();
 }
 
-/// No text equals NULL.
-bool HasKeys(const clsStatement &row, int keys)
+/// False for a row with a NULL, which no text equals.
+bool ReadKey(const clsStatement &row, int keys, std::string &key)
 {
+    key.clear();
     for (int column = 0; column < keys; ++column) {
-        if (!row.ColumnValue(column).isValid())
+        const std::string_view text = row.Utf8(column);
+        if (text.empty() && !row.ColumnValue(column).isValid())
             return false;
+        if (column > 0)
+            key += '\0';
+        key += text;
     }
     return true;
 }
@@ -34,41 +31,30 @@ AddressLookup::AddressLookup(const Query &lookupQuery)
 {
 }
 
-AddressLookup::~AddressLookup() = default;
-
-std::optional<QStringList> AddressLookup::Find(const QStringList &keys)
+void AddressLookup::Want(const Keys &keys)
 {
-    ++lAsked;
-    if (lAsked <= lStatements)
-        return Ask(keys);
-    if (lAsked == lStatements + 1)
-        ReadAll();
-    const auto row = rows.constFind(keys);
-    return row == rows.constEnd() ? std::nullopt : std::optional(*row);
+    rows.try_emplace(Joined(keys));
 }
 
-std::optional<QStringList> AddressLookup::Ask(const QStringList &keys)
+std::optional<QStringList> AddressLookup::Find(const Keys &keys)
 {
-    if (!statement)
-        statement = Global().objDB->SelectEx(query.strOne);
-    statement->Reset();
-    for (int i = 0; i < keys.size(); ++i)
-        statement->BindText(i + 1, keys[i]);
-    if (!statement->Next())
-        return std::nullopt;
-    const QStringList found = TextsOf(*statement, 0, statement->ColumnCount());
-    statement->Reset(); // an unfinished statement would keep others from writing
-    return found;
+    if (!bRead)
+        Read();
+    const auto row = rows.find(Joined(keys));
+    return row == rows.end() ? std::nullopt : row->second;
 }
 
-void AddressLookup::ReadAll()
+void AddressLookup::Read()
 {
-    const auto row = Global().objDB->SelectEx(query.strAll);
+    const auto row = Global().objDB->SelectEx(query.strSql);
+    std::string key;
     while (row->Next()) {
-        if (!HasKeys(*row, query.lKeys))
+        const auto wanted = ReadKey(*row, query.lKeys, key) ? rows.find(key) : rows.end();
+        if (wanted == rows.end() || wanted->second)
             continue;
-        const QStringList keys = TextsOf(*row, 0, query.lKeys);
-        if (!rows.contains(keys))
-            rows.insert(keys, TextsOf(*row, query.lKeys, row->ColumnCount()));
+        wanted->second.emplace();
+        for (int column = query.lKeys; column < row->ColumnCount(); ++column)
+            wanted->second->append(row->Text(column));
     }
+    bRead = true;
 }

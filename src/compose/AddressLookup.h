@@ -1,40 +1,37 @@
 #pragma once
 
-#include <QHash>
 #include <QStringList>
 
-#include <memory>
 #include <optional>
+#include <string>
+#include <unordered_map>
 
-class clsStatement;
-
-/// Finds rows of the address book by the texts of some columns, as a statement does: byte for byte, and of
-/// several rows the first. The first questions are a statement each; when there are many, one reading of the
-/// table answers the rest, since no index covers these columns. Raises the errors of the database.
+/// Finds rows of the address book by the texts of some columns, byte for byte, and of several rows the first.
+/// All questions are known before the first answer: one reading of the table answers all, since no index
+/// covers these columns.
 class AddressLookup final
 {
 public:
+    /// The statement gives of each row so many keys, and behind them the columns to find.
     struct Query
     {
-        const char *strOne; ///< a statement with a parameter for each key
-        const char *strAll; ///< the keys of all rows, and behind them the columns of `strOne`
+        const char *strSql;
         int lKeys;
     };
+    using Keys = QStringList;
 
     explicit AddressLookup(const Query &query);
-    ~AddressLookup();
-    AddressLookup(const AddressLookup &) = delete;
-    AddressLookup &operator=(const AddressLookup &) = delete;
 
-    /// The columns of the row, as stored. `keys` are compared as they stand: see `EscapeText`.
-    std::optional<QStringList> Find(const QStringList &keys);
+    /// Announces a question. The texts are compared as they stand: see `EscapeText`.
+    void Want(const Keys &keys);
+    /// The columns of the row, as stored. The first call reads the table, and raises the errors of the
+    /// database.
+    std::optional<QStringList> Find(const Keys &keys);
 
 private:
-    std::optional<QStringList> Ask(const QStringList &keys);
-    void ReadAll();
+    void Read();
 
     Query query;
-    std::unique_ptr<clsStatement> statement;
-    int lAsked = 0;
-    QHash<QStringList, QStringList> rows; ///< by their keys, once they have been read
+    std::unordered_map<std::string, std::optional<QStringList>> rows; ///< by their keys
+    bool bRead = false;
 };

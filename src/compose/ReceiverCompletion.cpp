@@ -33,8 +33,8 @@ QString PatternOf(const QString &keyword)
 QList<Match> FindMatches(const char *sql, const QString &keyword, qsizetype most)
 {
     QList<Match> matches;
-    const QString pattern = PatternOf(keyword);
-    if (pattern.toUtf8().size() > lLongestPattern)
+    const QString pattern = keyword.size() < lLongestPattern ? PatternOf(keyword) : QString();
+    if (pattern.isEmpty() || pattern.toUtf8().size() > lLongestPattern)
         return matches;
     const auto row = Global().objDB->SelectEx(sql);
     row->BindText(1, pattern);

@@ -7,15 +7,10 @@
 
 namespace {
 
-constexpr AddressLookup::Query contactByName{"Select Name,Fax from Contacts Where Name=?",
-                                             "Select Name,Name,Fax from Contacts", 1};
-constexpr AddressLookup::Query publicContact{"Select ID From Contacts Where isPublic=1 and  Name=? and Fax=?",
-                                             "Select Name,Fax,ID From Contacts Where isPublic=1", 2};
-constexpr AddressLookup::Query namelessContact{
-    "Select ID From Contacts Where isPublic=1 and   (Name='' and  Fax=?) ",
-    "Select Fax,ID From Contacts Where isPublic=1 and Name=''", 1};
-constexpr AddressLookup::Query userByLogin{"Select ID,UserName from UserList Where LoginName=?",
-                                           "Select LoginName,ID,UserName from UserList", 1};
+constexpr AddressLookup::Query contactByName{"Select Name,Name,Fax from Contacts", 1};
+constexpr AddressLookup::Query publicContact{"Select Name,Fax,ID From Contacts Where isPublic=1", 2};
+constexpr AddressLookup::Query namelessContact{"Select Fax,ID From Contacts Where isPublic=1 and Name=''", 1};
+constexpr AddressLookup::Query userByLogin{"Select LoginName,ID,UserName from UserList", 1};
 
 /// How many of each bracket an item holds: none, one, or more.
 struct Brackets
@@ -56,11 +51,9 @@ QString FormatPlainItem(const QString &item, AddressLookup &contacts)
     return Quoted(item) + '<' + item + ">;";
 }
 
-QString FormatItem(QStringView element, AddressLookup &contacts)
+/// The item is trimmed and holds no quotes.
+QString FormatItem(const QString &item, AddressLookup &contacts)
 {
-    const QString item = element.toString().remove('"').trimmed();
-    if (item.isEmpty())
-        return {};
     const Brackets brackets(item);
     if (brackets.AreNone())
         return FormatPlainItem(item, contacts);
@@ -81,21 +74,48 @@ QString WithoutLineBreaks(const QString &receivers)
 class PublicContacts
 {
 public:
+    void Want(const Recipients::Pair &item)
+    {
+        contacts.Want(KeysOf(item));
+        if (IsNumberAlone(item))
+            nameless.Want({NumberOf(item)});
+    }
+
     /// Empty for none. The name still bears the quotes of the normal form, so that a contact is found only by
     /// a name with quotes: faxes have always been stored so, and such a recipient travels with its number.
-    QString FindID(QStringView name, QStringView fax)
+    QString FindID(const Recipients::Pair &item)
     {
-        const QString stored = EscapeText(fax.toString());
-        auto row = contacts.Find({EscapeText(name.toString()), stored});
-        if (!row && name == fax)
-            row = nameless.Find({stored});
+        auto row = contacts.Find(KeysOf(item));
+        if (!row && IsNumberAlone(item))
+            row = nameless.Find({NumberOf(item)});
         return row ? row->at(0) : QString();
     }
 
 private:
+    static bool IsNumberAlone(const Recipients::Pair &item)
+    {
+        return item.strLeft.trimmed() == item.strBetween;
+    }
+    static QString NumberOf(const Recipients::Pair &item) { return EscapeText(item.strBetween.toString()); }
+    static AddressLookup::Keys KeysOf(const Recipients::Pair &item)
+    {
+        return {EscapeText(item.strLeft.trimmed().toString()), NumberOf(item)};
+    }
+
     AddressLookup contacts{publicContact};
     AddressLookup nameless{namelessContact};
 };
+
+/// The pairs of those items that have one, in their order.
+QList<Recipients::Pair> FindPairs(const QString &text, QChar open, QChar close)
+{
+    QList<Recipients::Pair> pairs;
+    for (const QStringView item : Recipients::SplitItems(text)) {
+        if (const auto pair = Recipients::FindPair(item, open, close))
+            pairs.append(*pair);
+    }
+    return pairs;
+}
 
 /// The text of an item that is neither a public contact nor a user; empty otherwise.
 QString FormatTempItem(QStringView item, PublicContacts &contacts)
@@ -103,7 +123,7 @@ QString FormatTempItem(QStringView item, PublicContacts &contacts)
     const Brackets brackets(item);
     if (brackets.lLess == 1 && brackets.lGreater == 1) {
         const auto pair = Recipients::FindPair(item, '<', '>');
-        if (!pair || !contacts.FindID(pair->strLeft.trimmed(), pair->strBetween).isEmpty())
+        if (!pair || !contacts.FindID(*pair).isEmpty())
             return {};
         return pair->strLeft.trimmed().toString() + '<' + pair->strBetween.trimmed().toString() + ">;";
     }
@@ -139,22 +159,32 @@ QList<QStringView> Recipients::SplitItems(const QString &receivers)
 
 QString Recipients::FormatReceiverText(const QString &receivers)
 {
+    QStringList items;
     AddressLookup contacts(contactByName);
+    for (const QStringView element : SplitItems(receivers)) {
+        const QString item = element.toString().remove('"').trimmed();
+        if (item.isEmpty())
+            continue;
+        if (Brackets(item).AreNone())
+            contacts.Want({EscapeText(item)});
+        items.append(item);
+    }
     QString formatted;
-    for (const QStringView element : SplitItems(receivers))
-        formatted += FormatItem(element, contacts);
+    for (const QString &item : items)
+        formatted += FormatItem(item, contacts);
     return formatted;
 }
 
 QString Recipients::GetOuterReceiver(const QString &receivers)
 {
     const QString text = WithoutLineBreaks(receivers);
+    const QList<Pair> items = FindPairs(text, '<', '>');
     PublicContacts contacts;
+    for (const Pair &item : items)
+        contacts.Want(item);
     QString ids;
-    for (const QStringView item : SplitItems(text)) {
-        const auto pair = FindPair(item, '<', '>');
-        const QString id = pair ? contacts.FindID(pair->strLeft.trimmed(), pair->strBetween) : QString();
-        if (!id.isEmpty())
+    for (const Pair &item : items) {
+        if (const QString id = contacts.FindID(item); !id.isEmpty())
             ids += EscapeText(id) + ';';
     }
     return ids;
@@ -163,12 +193,13 @@ QString Recipients::GetOuterReceiver(const QString &receivers)
 QString Recipients::GetInnerReceiver(const QString &receivers)
 {
     const QString text = WithoutLineBreaks(receivers);
+    const QList<Pair> items = FindPairs(text, '[', ']');
     AddressLookup users(userByLogin);
+    for (const Pair &item : items)
+        users.Want({EscapeText(item.strBetween.toString())});
     QString names;
-    for (const QStringView item : SplitItems(text)) {
-        const auto pair = FindPair(item, '[', ']');
-        const auto row = pair ? users.Find({EscapeText(pair->strBetween.toString())}) : std::nullopt;
-        if (row)
+    for (const Pair &item : items) {
+        if (const auto row = users.Find({EscapeText(item.strBetween.toString())}))
             names += EscapeText(row->at(1) + '[' + row->at(0) + "];");
     }
     return names;
@@ -178,6 +209,8 @@ QString Recipients::GetTempReceiver(const QString &receivers)
 {
     const QString text = WithoutLineBreaks(receivers);
     PublicContacts contacts;
+    for (const Pair &item : FindPairs(text, '<', '>'))
+        contacts.Want(item);
     QString others;
     for (const QStringView item : SplitItems(text))
         others += FormatTempItem(WithoutLeadingBlanks(item), contacts);

@@ -108,3 +108,27 @@ bool DoFaxFilesExist(const QStringList &ids, bool isSent)
         });
     return wanted.isEmpty();
 }
+
+QHash<QString, QString> FindFilesOfFaxes(const QStringList &ids, bool isSent)
+{
+    const QString folder = BoxFolder(isSent);
+    QHash<QString, QString> namesInFolder; // by the name in one case
+    if (ids.size() > lFewFiles)
+        ForEachName(folder, [&](const QString &name) {
+            namesInFolder.insert(name.toCaseFolded(), name);
+            return false;
+        });
+    const QString sql = isSent ? "Select Fax_ID,FileName From SendFax Where Fax_ID in("
+                               : "Select Fax_ID,FileName From ReceiveFax Where Fax_ID in(";
+    const auto row = Global().objDB->SelectEx(sql + QuoteIds(ids) + ")");
+    QHash<QString, QString> files;
+    while (row->Next()) {
+        const QString name = GetBareName(UnescapeText(row->Text(1)));
+        const QString path = namesInFolder.isEmpty()
+                                 ? FindFaxFile(folder, name)
+                                 : folder + namesInFolder.value(name.toCaseFolded(), name);
+        if (!name.isEmpty() && FileExists(path))
+            files.insert(row->Text(0), path);
+    }
+    return files;
+}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QString>
 #include <QStringList>
 
@@ -20,3 +21,7 @@ bool FaxFileExists(const QString &id, QString *fileList, bool isSent);
 /// `FaxFileExists` for many faxes of one table at once: true when it holds for all. One pass over the table
 /// and at most one over the folder.
 bool DoFaxFilesExist(const QStringList &ids, bool isSent);
+
+/// The paths of the faxes of one table that have a row and a file, by id. One pass over the table and at most
+/// one over the folder. Raises the errors of the database.
+QHash<QString, QString> FindFilesOfFaxes(const QStringList &ids, bool isSent);

@@ -2,7 +2,7 @@
 #include "compose/Recipients.h"
 #include "core/Globals.h"
 #include "core/Utilities.h"
-#include "fixtures/Profile.h"
+#include "fixtures/AddressRows.h"
 #include "fixtures/TestTable.h"
 
 #include <QTest>
@@ -187,11 +187,11 @@ private slots:
 private:
     void AddContact(const QString &id, const QString &name, const QString &fax, const QString &isPublic)
     {
-        profile->InsertRow("Contacts", {{"ID", id}, {"Name", name}, {"Fax", fax}, {"isPublic", isPublic}});
+        AddressRows::AddContact(*profile, id, name, fax, isPublic);
     }
     void AddUser(const QString &id, const QString &login, const QString &name)
     {
-        profile->InsertRow("UserList", {{"ID", id}, {"LoginName", login}, {"UserName", name}});
+        AddressRows::AddUser(*profile, id, login, name);
     }
 
     std::unique_ptr<Profile> profile;

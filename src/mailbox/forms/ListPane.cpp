@@ -3,6 +3,7 @@
 #include "controls/Icons.h"
 #include "controls/MarkedDelegate.h"
 #include "controls/MarkedHeader.h"
+#include "controls/SelectedRows.h"
 #include "core/ModelRoles.h"
 #include "mailbox/FaxListModel.h"
 #include "mailbox/ShownMailbox.h"
@@ -16,8 +17,6 @@
 #include <QScopeGuard>
 #include <QScopedValueRollback>
 #include <QVBoxLayout>
-
-#include <algorithm>
 
 namespace {
 
@@ -192,16 +191,9 @@ QString ListPane::WhyEmpty() const
 
 // Selection
 
-std::vector<int> ListPane::SelectedRows() const
+QList<int> ListPane::SelectedRows() const
 {
-    std::vector<int> rows;
-    for (const QItemSelectionRange &range : grdFaxList->selectionModel()->selection()) {
-        for (int row = range.top(); row <= range.bottom(); ++row)
-            rows.push_back(row + 1);
-    }
-    std::sort(rows.begin(), rows.end());
-    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-    return rows;
+    return GetSelectedRows(*grdFaxList->selectionModel());
 }
 
 void ListPane::FollowMailbox(int row)
@@ -212,7 +204,7 @@ void ListPane::FollowMailbox(int row)
         grdFaxList->selectionModel()->clear();
         return;
     }
-    const auto wanted = static_cast<std::size_t>(mailbox.SelectedFaxes().size());
+    const qsizetype wanted = mailbox.SelectedFaxes().size();
     if (grdFaxList->selectionModel()->isRowSelected(row - 1) && SelectedRows().size() == wanted)
         return; // stays where its reader has scrolled it
     grdFaxList->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect |
@@ -226,7 +218,7 @@ void ListPane::TakeSelection()
         return;
     QStringList ids;
     for (const int row : SelectedRows()) {
-        if (const QString id = mailbox.List().Row(row).ID(); !id.isEmpty())
+        if (const QString id = mailbox.List().Row(row + 1).ID(); !id.isEmpty())
             ids.append(id);
     }
     const QString current = grdFaxList->currentIndex().data(KeyRole).toString();

@@ -5,8 +5,6 @@
 #include <QItemSelection>
 #include <QWidget>
 
-#include <vector>
-
 class FaxGrid;
 class FaxListModel;
 class QLabel;
@@ -46,8 +44,8 @@ private:
     void ShowTip();
     void ShowHint();
     QString WhyEmpty() const;
-    /// Rows of the list, from 1, in their order.
-    std::vector<int> SelectedRows() const;
+    /// Rows of the view, from 0, in their order.
+    QList<int> SelectedRows() const;
     QItemSelection AllRows() const;
     void FollowMailbox(int row);
     void TakeSelection();

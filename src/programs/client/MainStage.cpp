@@ -1,5 +1,7 @@
 #include "programs/client/MainStage.h"
 
+#include "compose/ForwardFax.h"
+#include "compose/forms/frmSelReceiver.h"
 #include "controls/PlaceOver.h"
 #include "core/Globals.h"
 #include "core/Message.h"
@@ -60,6 +62,7 @@ void MainStage::ConnectCommands()
     window.SetCommand("mnuSyncAddressBook", [this] { server.runs.mnuSyncAddressBook(); });
     window.SetCommand("mnuLoginServer", [this] { server.runs.mnuLoginServer(); });
     window.SetCommand("mnuLogoutServer", [this] { server.runs.mnuLogoutServer(); });
+    window.SetCommand("mnuInterResend", [this] { ForwardFaxes(); });
     window.SetCommand("mnuViewFax", [this] { faxViewer.mnuViewFax(); });
     window.SetCommand("mnuSetPwd", [this] { SetPassword(); });
     window.SetCommand("mnuShowHelp", [this] { help.mnuShowHelp(); });
@@ -104,4 +107,15 @@ void MainStage::NameFolder(const std::optional<FolderChanges::Naming> &naming)
     form.Init(*naming);
     PlaceOver(form, window);
     form.exec();
+}
+
+void MainStage::ForwardFaxes()
+{
+    ForwardFax forward(ports, {window, mailbox, server.faxUpload});
+    if (!forward.Begin(mailbox.SelectedFaxes(), mailbox.GetFaxTable() == 1))
+        return;
+    frmSelReceiver form(ports.message, forward, server.session.bOnline);
+    PlaceOver(form, window);
+    if (form.exec() == QDialog::Accepted && form.IsSendWanted())
+        forward.Send();
 }

@@ -34,6 +34,7 @@ private:
     void ConnectReading();
     void LogOff();
     void SetPassword();
+    void ForwardFaxes();
     void NameFolder(const std::optional<FolderChanges::Naming> &naming);
 
     Ports &ports;
