@@ -155,7 +155,7 @@ bool OfficeConverter::MakeProfile(const QList<OfficeJob *> &open) const
     try {
         if (program.strPath.isEmpty())
             throw ConversionError(Translate("LibreOffice is not installed."));
-        if (!WriteOfficeProfile(profile))
+        if (!WriteOfficeProfile(profile, program.strPath))
             RaiseNotWritten(strWorkFolder);
     } catch (const ConversionError &error) {
         FailAll(open, error.Text());

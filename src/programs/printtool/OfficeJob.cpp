@@ -57,7 +57,7 @@ void OfficeJob::Copy(const std::stop_token &stop) const
 
 void OfficeJob::WriteText(const std::stop_token &stop) const
 {
-    constexpr qint64 most = 16 * 1024 * 1024; // some 5,000 pages
+    constexpr qint64 most = 8 * 1024 * 1024; // some 2,500 pages
     QFile file(strPath);
     OpenToRead(file);
     const QByteArray bytes = file.read(most + 1);

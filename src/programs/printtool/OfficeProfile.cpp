@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QXmlStreamWriter>
 
 namespace {
@@ -59,11 +60,36 @@ void WriteSetting(QXmlStreamWriter &xml, const Setting &setting)
     xml.writeEndElement();
 }
 
+QByteArray BuildOf(const QString &program)
+{
+    constexpr QByteArrayView key("buildid=");
+    QFile versions(QFileInfo(program).canonicalPath() + QLatin1String("/versionrc"));
+    if (!versions.open(QIODevice::ReadOnly))
+        return {};
+    while (!versions.atEnd()) {
+        const QByteArray line = versions.readLine().trimmed();
+        if (line.startsWith(key))
+            return line.mid(key.size());
+    }
+    return {};
+}
+
+/// A program that finds the profile to be another one's starts anew, which takes a tenth of its time. Nothing
+/// is lost when it does.
+void NameBuild(const QDir &user, const QString &program)
+{
+    QFile file(user.filePath(QStringLiteral("extensions/buildid")));
+    const QByteArray build = BuildOf(program);
+    if (!build.isEmpty() && user.mkpath(QStringLiteral("extensions")) && file.open(QIODevice::WriteOnly))
+        file.write(build);
+}
+
 } // namespace
 
-bool WriteOfficeProfile(const QString &folder)
+bool WriteOfficeProfile(const QString &folder, const QString &program)
 {
     const QDir user(folder + QLatin1String("/user"));
+    NameBuild(user, program);
     QFile file(user.filePath(QStringLiteral("registrymodifications.xcu")));
     if (!user.mkpath(QStringLiteral(".")) || !file.open(QIODevice::WriteOnly))
         return false;

@@ -2,13 +2,16 @@
 
 #include "Confinement.h"
 
-#include <QDir>
+#include <QCryptographicHash>
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QUrl>
 
 #include <csignal>
+
+#include <unistd.h>
 
 namespace {
 
@@ -47,10 +50,14 @@ QProcessEnvironment EnvironmentFor(const QString &workFolder)
     return environment;
 }
 
+QString ProfileOf(const QString &workFolder)
+{
+    return QUrl::fromLocalFile(workFolder + QLatin1String("/profile")).toEncoded();
+}
+
 QStringList ArgumentsFor(const QString &workFolder, const QStringList &files)
 {
-    const QString profile = QUrl::fromLocalFile(workFolder + QLatin1String("/profile")).toEncoded();
-    return QStringList{QStringLiteral("-env:UserInstallation=") + profile,
+    return QStringList{QStringLiteral("-env:UserInstallation=") + ProfileOf(workFolder),
                        QStringLiteral("--headless"),
                        QStringLiteral("--norestore"),
                        QStringLiteral("--nologo"),
@@ -134,4 +141,15 @@ OfficeEnd OfficeProgram::Convert(const QString &workFolder, const QStringList &f
             break;
     }
     return end;
+}
+
+/// Its name is made from that of the profile: the bytes of its digest, without leading zeros.
+void OfficeProgram::RemoveSocket(const QString &workFolder)
+{
+    const QString profile = ProfileOf(workFolder);
+    const QByteArrayView utf16(reinterpret_cast<const char *>(profile.utf16()), profile.size() * 2);
+    QString name = QStringLiteral("/tmp/OSL_PIPE_%1_SingleOfficeIPC_").arg(getuid());
+    for (const char byte : QCryptographicHash::hash(utf16.toByteArray(), QCryptographicHash::Md5))
+        name += QString::number(static_cast<uchar>(byte), 16);
+    QFile::remove(name);
 }

@@ -25,4 +25,8 @@ struct OfficeProgram
     /// However it ends, nothing of the program goes on running.
     OfficeEnd Convert(const QString &workFolder, const QStringList &files, const std::stop_token &stop,
                       const std::function<void()> &look) const;
+
+    /// Removes the socket that a program leaves in the system's temporary folder when it is ended, where it
+    /// could not be given one of its own.
+    static void RemoveSocket(const QString &workFolder);
 };

@@ -8,6 +8,7 @@
 #include <QStringList>
 #include <QXmlStreamWriter>
 
+#include <algorithm>
 #include <optional>
 
 namespace {
@@ -101,17 +102,41 @@ void WriteLine(QXmlStreamWriter &xml, const QString &line, bool beginsPage)
     xml.writeEndElement();
 }
 
+/// The office program takes the square of its length in time for a line.
+QStringList SplitLine(const QString &line)
+{
+    constexpr qsizetype longest = 80 * 50;
+    QStringList parts;
+    qsizetype from = 0;
+    do {
+        qsizetype end = std::min(from + longest, line.size());
+        if (end < line.size() && line[end].isLowSurrogate())
+            ++end;
+        parts.append(line.mid(from, end - from));
+        from = end;
+    } while (from < line.size());
+    return parts;
+}
+
 void WriteLines(QXmlStreamWriter &xml, const QString &text, const std::stop_token &stop)
 {
     QStringList pages = text.split(u'\f');
     while (pages.size() > 1 && pages.last().trimmed().isEmpty()) // the feed that ejects the last page
         pages.removeLast();
-    for (qsizetype page = 0; page < pages.size(); ++page) {
-        QStringList lines = pages[page].split(u'\n');
+    bool beginsPage = false; // the first one begins by itself
+    for (const QString &page : std::as_const(pages)) {
+        QStringList lines = page.split(u'\n');
         if (lines.size() > 1 && lines.last().isEmpty())
             lines.removeLast();
-        for (qsizetype line = 0; line < lines.size() && !stop.stop_requested(); ++line)
-            WriteLine(xml, WithoutTabs(lines[line]), page > 0 && line == 0);
+        for (const QString &line : std::as_const(lines)) {
+            for (const QString &part : SplitLine(line)) {
+                if (stop.stop_requested())
+                    return;
+                WriteLine(xml, WithoutTabs(part), beginsPage);
+                beginsPage = false;
+            }
+        }
+        beginsPage = true;
     }
 }
 

@@ -1,6 +1,7 @@
 #include "WorkFolder.h"
 
 #include "ConversionError.h"
+#include "OfficeProgram.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -37,6 +38,12 @@ bool StandsAt(const FileDescriptor &folder, const QString &path)
            opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }
 
+void Remove(const QString &path)
+{
+    OfficeProgram::RemoveSocket(path);
+    QDir(path).removeRecursively();
+}
+
 void SweepLeftovers(const QDir &parent)
 {
     const QStringList names =
@@ -45,7 +52,7 @@ void SweepLeftovers(const QDir &parent)
         const QString path = parent.filePath(name);
         const FileDescriptor folder = Lock(path);
         if (folder.IsOpen() && StandsAt(folder, path))
-            QDir(path).removeRecursively();
+            Remove(path);
     }
 }
 
@@ -66,7 +73,7 @@ WorkFolder::WorkFolder()
 
 WorkFolder::~WorkFolder()
 {
-    QDir(strPath).removeRecursively();
+    Remove(strPath);
 }
 
 bool WorkFolder::IsFull(const QString &path)
