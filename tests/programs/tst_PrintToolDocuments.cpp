@@ -3,6 +3,7 @@
 #include "fixtures/TestTable.h"
 #include "programs/printtool/ConversionError.h"
 #include "programs/printtool/FileType.h"
+#include "programs/printtool/OfficeContents.h"
 #include "programs/printtool/OfficeConverter.h"
 #include "programs/printtool/PrepareDocuments.h"
 #include "programs/printtool/WorkFolder.h"
@@ -152,6 +153,8 @@ private slots:
     void filesAreKnownByTheirContents_data();
     void filesAreKnownByTheirContents();
     void whatIsNoFileIsRefused();
+    void passwordsAreRecognised_data();
+    void passwordsAreRecognised();
     void documentsOfOneRequestAreConverted();
     void textKeepsItsLinesAndPages();
     void nothingBesideTheDocumentIsRead();
@@ -285,6 +288,27 @@ void tst_PrintToolDocuments::whatIsNoFileIsRefused()
                                    "It is no ordinary file.", "The file does not exist."}));
     QVERIFY(std::all_of(outcome.aDocuments.begin(), outcome.aDocuments.end(),
                         [](const Document &document) { return document.strReadable.isEmpty(); }));
+}
+
+void tst_PrintToolDocuments::passwordsAreRecognised_data()
+{
+    const TestTable<QByteArray, bool> row{"contents", "asks"};
+    const QByteArray begin = QByteArray("\x09\x08\x04\0\0\6\5\0", 8);
+    row("odt", OpenDocument("text", "\x17\x94\x3c"), true);
+    row("odt in the clear", OpenDocument("text", "<a/>"), false);
+    row("docx", OleOf("EncryptedPackage"), true);
+    row("doc", OleOf("WordDocument", QByteArray(11, '\0') + '\1'), true);
+    row("doc in the clear", OleOf("WordDocument", QByteArray(11, '\xff')), false);
+    row("xls", OleOf("Workbook", begin + QByteArray("\x2f\0\2\0", 4)), true);
+    row("xls, protected as well", OleOf("Workbook", begin + QByteArray("\x86\0\0\0\x2f\0", 6)), true);
+    row("xls in the clear", OleOf("Workbook", begin + QByteArray("\xe1\0\2\0", 4)), false);
+    row("ppt", OleOf("EncryptedSummary"), true);
+}
+
+void tst_PrintToolDocuments::passwordsAreRecognised()
+{
+    QFETCH(QByteArray, contents);
+    QTEST(OfficeContents::AsksForPassword(Write("protected", contents)), "asks");
 }
 
 void tst_PrintToolDocuments::documentsOfOneRequestAreConverted()
