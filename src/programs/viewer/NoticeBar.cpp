@@ -5,7 +5,6 @@
 #include <QAccessible>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QStyle>
 #include <QToolButton>
 
 namespace {
@@ -26,7 +25,7 @@ NoticeBar::NoticeBar(QWidget *parent)
     labText->setTextFormat(Qt::PlainText);
     labText->setWordWrap(true);
     labIcon->setPixmap(Icons::Get("imgWarning").pixmap(QSize(lIconSide, lIconSide), devicePixelRatioF()));
-    btnClose->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
+    btnClose->setText(QStringLiteral("\u00d7"));
     btnClose->setAutoRaise(true);
     btnClose->setToolTip(tr("Close this notice"));
     btnClose->setAccessibleName(btnClose->toolTip());
@@ -45,6 +44,7 @@ NoticeBar::NoticeBar(QWidget *parent)
 void NoticeBar::ShowText(const QString &text)
 {
     tmrHide.stop();
+    labIcon->show();
     labText->setText(text);
     setAccessibleName(text);
     show();
@@ -55,6 +55,7 @@ void NoticeBar::ShowText(const QString &text)
 void NoticeBar::ShowBriefly(const QString &text)
 {
     ShowText(text);
+    labIcon->hide(); // it is no warning
     tmrHide.start();
 }
 

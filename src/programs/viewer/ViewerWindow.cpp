@@ -21,6 +21,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QScreen>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QToolBar>
@@ -28,7 +29,8 @@
 
 namespace {
 
-constexpr int lUsualWidth = 900, lUsualHeight = 1000;
+constexpr QSize usualSize(1024, 1000);
+constexpr double dMostOfScreen = 0.9;
 
 /// One line without what could steer its drawing.
 QString ToShownName(const QString &path)
@@ -208,12 +210,12 @@ void ViewerWindow::ConnectDocument()
 void ViewerWindow::RestoreSettings()
 {
     const ViewerSettings settings = ViewerSettings::Read();
-    resize(lUsualWidth, lUsualHeight);
+    resize(usualSize.boundedTo(screen()->availableSize() * dMostOfScreen));
     restoreGeometry(settings.abGeometry);
     commands->ToolBar().setToolButtonStyle(settings.buttons);
     const int width =
         settings.lThumbnailWidth > 0 ? settings.lThumbnailWidth : thumbnails->sizeHint().width();
-    splitter->setSizes({width, lUsualWidth - width});
+    splitter->setSizes({width, usualSize.width() - width});
     ShowThumbnails(settings.bThumbnails);
     view->SetMode(settings.mode);
     if (settings.mode == PagesView::ZoomMode::Free)
