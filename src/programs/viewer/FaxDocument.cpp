@@ -84,12 +84,17 @@ void FaxDocument::RotateAll(int degrees)
     emit Turned();
 }
 
+bool FaxDocument::HasResolution(int page) const
+{
+    const TiffPage &entry = pages.Page(page);
+    return IsSane(entry.lDotsPerInchX) && IsSane(entry.lDotsPerInchY);
+}
+
 QSizeF FaxDocument::PageSize(int page) const
 {
     const TiffPage &entry = pages.Page(page);
-    const bool isSane = IsSane(entry.lDotsPerInchX) && IsSane(entry.lDotsPerInchY);
-    const int x = isSane ? entry.lDotsPerInchX : usualDotsPerInchX;
-    const int y = isSane ? entry.lDotsPerInchY : usualDotsPerInchY;
+    const int x = HasResolution(page) ? entry.lDotsPerInchX : usualDotsPerInchX;
+    const int y = HasResolution(page) ? entry.lDotsPerInchY : usualDotsPerInchY;
     const QSizeF size(double(entry.lWidth) / x, double(entry.lHeight) / y);
     return LiesOnItsSide(Rotation(page)) ? size.transposed() : size;
 }

@@ -43,6 +43,8 @@ public:
     /// Size on paper in inches, turned as shown. A page that names no resolution, or an absurd one, counts as
     /// 204 x 196 dpi.
     QSizeF PageSize(int page) const;
+    /// True when the page names the resolution that counts.
+    bool HasResolution(int page) const;
     /// The decoded page, turned as shown; empty when it can no longer be read.
     PageBits LoadPage(int page) const;
 

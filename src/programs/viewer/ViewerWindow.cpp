@@ -52,14 +52,16 @@ QString ToShownName(const QString &path)
 }
 
 /// "204 x 98 dpi, 216 x 297 mm".
-QString DescribePaper(const TiffPage &page, const QSizeF &paper)
+QString DescribePaper(const FaxDocument &document, int number)
 {
+    const TiffPage &page = document.Pages().Page(number);
+    const QSizeF paper = document.PageSize(number);
     constexpr double millimetres = 25.4;
     const auto times = [](int one, int other, const QString &unit) {
         return QString::number(one) + QStringLiteral(" \u00d7 ") + QString::number(other) + " " + unit;
     };
     QStringList parts;
-    if (page.lDotsPerInchX > 0 && page.lDotsPerInchY > 0)
+    if (document.HasResolution(number))
         parts.append(times(page.lDotsPerInchX, page.lDotsPerInchY, ViewerWindow::tr("dpi")));
     parts.append(times(qRound(paper.width() * millimetres), qRound(paper.height() * millimetres),
                        ViewerWindow::tr("mm")));
@@ -329,8 +331,7 @@ void ViewerWindow::ShowPlace()
     commands->ShowPlace(page, pages);
     commands->Action("mnuReload").setEnabled(!document.Path().isEmpty());
     labPage->setText(pages > 0 ? tr("Page %1 of %2").arg(page + 1).arg(pages) : QString());
-    labPaper->setText(pages > 0 ? DescribePaper(document.Pages().Page(page), document.PageSize(page))
-                                : QString());
+    labPaper->setText(pages > 0 ? DescribePaper(document, page) : QString());
 }
 
 void ViewerWindow::ShowZoom()
