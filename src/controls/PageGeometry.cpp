@@ -8,6 +8,10 @@ namespace {
 constexpr double dSmallestZoom = 0.02;
 constexpr double dLargestZoom = 8.0;
 
+/// Of a side as shown: scroll bars count in whole numbers, and so does who draws on a screen of four times as
+/// many pixels.
+constexpr double dLongestSide = 5e8;
+
 /// A page that was fitted is not too large by what a rounding adds.
 constexpr double dRounding = 0.01;
 
@@ -34,7 +38,7 @@ void PageGeometry::SetSpace(const QSize &size, int widthOfBar)
 void PageGeometry::ZoomAround(const QPointF &place, double zoom)
 {
     const QPointF inPage = (place - PageRect().topLeft()) / dZoom;
-    dZoom = std::clamp(zoom, dSmallestZoom, dLargestZoom);
+    dZoom = std::clamp(zoom, dSmallestZoom, std::min(dLargestZoom, MostZoom()));
     offset = inPage * dZoom - place;
     PlaceBars();
 }
@@ -44,9 +48,14 @@ void PageGeometry::FitToView(Fit fit)
     if (page.isEmpty())
         return;
     const QPointF inPage = offset / dZoom;
-    dZoom = FitZoom(fit);
+    dZoom = std::min(FitZoom(fit), MostZoom());
     offset = inPage * dZoom;
     PlaceBars();
+}
+
+double PageGeometry::MostZoom() const
+{
+    return dLongestSide / std::max({1.0, page.width(), page.height()});
 }
 
 /// What is fitted to one side may need the bar of the other, which takes of its room.

@@ -43,6 +43,7 @@ public:
 
 private:
     double FitZoom(Fit fit) const;
+    double MostZoom() const;
     void PlaceBars();
 
     QSizeF page{0, 0};

@@ -121,7 +121,7 @@ void SheetView::PaintNotice(QPainter &painter, const QString &notice) const
 
 void SheetView::PaintFocus(QPainter &painter) const
 {
-    if (!hasFocus())
+    if (!hasFocus() || window()->isFullScreen())
         return;
     painter.setPen(palette().color(QPalette::Highlight));
     painter.drawRect(viewport()->rect().adjusted(0, 0, -1, -1));

@@ -48,7 +48,7 @@ protected:
     QPointF Middle() const;
     /// The view without a sheet: a text, drawn as it stands.
     void PaintNotice(QPainter &painter, const QString &notice) const;
-    /// To be drawn last.
+    /// To be drawn last. A full screen has nothing else that could have the keyboard.
     void PaintFocus(QPainter &painter) const;
 
     void resizeEvent(QResizeEvent *event) override;

@@ -8,6 +8,7 @@
 #include <QStyledItemDelegate>
 
 #include <algorithm>
+#include <memory>
 
 namespace {
 
@@ -92,8 +93,11 @@ private:
                              option.palette.color(hasKeyboard ? QPalette::Active : QPalette::Inactive,
                                                   QPalette::Highlight));
         painter.fillRect(place, Qt::white);
-        if (const auto *thumbnail = pane.Find(page))
-            painter.drawImage(place, thumbnail->picture);
+        const auto *thumbnail = pane.Find(page);
+        if (thumbnail && thumbnail->part == pane.Wanted(page))
+            painter.drawImage(place.topLeft(), thumbnail->picture);
+        else if (thumbnail)
+            painter.drawImage(place, thumbnail->picture); // until the new one comes
         else if (pane.IsUnreadable(page))
             PaintCross(painter, place);
         painter.setPen(option.palette.color(QPalette::Dark));
@@ -229,10 +233,12 @@ void ThumbnailPane::TakePicture(const PagePart &part, const QImage &picture)
 {
     if (part.lPage >= document.PageCount() || part != Wanted(part.lPage))
         return;
+    auto thumbnail = std::make_unique<Thumbnail>(Thumbnail{part, picture});
+    thumbnail->picture.setDevicePixelRatio(devicePixelRatioF());
     if (picture.isNull())
         unreadable.insert(part.lPage);
     else
-        pictures.insert(part.lPage, new Thumbnail{part, picture},
+        pictures.insert(part.lPage, thumbnail.release(),
                         std::max(1, static_cast<int>(picture.sizeInBytes() / 1024)));
     update(model()->index(part.lPage, 0));
 }
