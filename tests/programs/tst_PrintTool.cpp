@@ -13,6 +13,7 @@
 #include <iostream>
 
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <tiffio.h>
 
 namespace {
@@ -168,10 +169,10 @@ private slots:
 
     void faxBeyondTheBoundsIsRefused()
     {
-        desk->Ask({"*" + WriteFax("long.tif", 5000, 16, 196), desk->WritePdf("one.pdf", 1)});
+        desk->Ask({desk->WritePdf("long.pdf", 5002), desk->WritePdf("one.pdf", 1)});
         PrintTool tool(*desk);
         QVERIFY(desk->Serve(tool));
-        QVERIFY2(desk->strFinal.contains("failed.") && desk->strFinal.contains("5001"),
+        QVERIFY2(desk->strFinal.contains("failed.") && desk->strFinal.contains("5003"),
                  qPrintable(desk->strFinal));
         QVERIFY(desk->IsClean());
     }
@@ -300,13 +301,17 @@ private slots:
         const QString missing = desk->Path("docs/missing.pdf");
         QCOMPARE(RunInShell({"--out", fax, missing}), 1);
         QVERIFY(ArePages(fax, 3, {1728, 1146}, 98)); // the one from before
+        const QString pipe = desk->Path("pipe");
+        QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
         for (const QStringList &senseless : {QStringList{letter},
                                              {"--out", fax},
                                              {"--out", fax, "--threshold", "256", letter},
                                              {"--oops", letter},
                                              {"--out", fax, "--fitting", "tight", letter},
-                                             {"--out", desk->Path("docs"), letter}})
+                                             {"--out", desk->Path("docs"), letter},
+                                             {"--out", pipe, letter}})
             QCOMPARE(RunInShell(senseless), 2);
+        QVERIFY(QFile::exists(pipe) && !QFileInfo(pipe).isFile()); // a device would be lost
         QVERIFY(desk->shared->Item().isEmpty() && QDir(desk->Path("config")).isEmpty());
         QVERIFY(desk->IsClean());
     }

@@ -359,6 +359,9 @@ void tst_PrintToolPictures::tiffShowsAllItsPagesButNoPreviews()
             OneByte);
         WriteTiffPage(
             tiff, upright.mirrored(true, false), [](TIFF *) {}, OneByte);
+        WriteTiffPage(
+            tiff, upright, [](TIFF *page) { TIFFSetField(page, TIFFTAG_SUBFILETYPE, FILETYPE_REDUCEDIMAGE); },
+            OneByte);
     });
     PictureSource source(path);
     QCOMPARE(source.Count(), 2);

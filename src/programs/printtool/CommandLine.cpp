@@ -125,6 +125,8 @@ QString ReadOutput(const QCommandLineParser &parser)
     const QFileInfo file(parser.value("out"));
     if (file.isDir())
         throw UsageError(Translate("\"%1\" is a folder.").arg(file.filePath()));
+    if (file.exists() && !file.isFile()) // a device would be replaced by the file
+        throw UsageError(Translate("\"%1\" is no ordinary file.").arg(file.filePath()));
     return file.absoluteFilePath();
 }
 

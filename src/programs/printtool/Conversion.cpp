@@ -10,11 +10,11 @@
 #include <QFile>
 #include <QScopeGuard>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <exception>
 #include <new>
+#include <numeric>
 
 namespace {
 
@@ -74,14 +74,10 @@ void Conversion::MakeFax()
     PrepareDocuments(job.aDocuments, job.strWorkFolder, stop, tell, result.aFailed);
     StopIfAsked(stop);
     CountPages();
-    const QList<PageTask> tasks = ListPages();
     // Whoever mends one document wants to know of the others as well, but not to wait for pages meanwhile.
     if (IsFailed())
         return;
-    if (tasks.size() > FaxTiffWriter::MostPages)
-        throw ConversionError(
-            Translate("The fax would have %1 pages; it may have %2 at most.")
-                .arg(QString::number(tasks.size()), QString::number(FaxTiffWriter::MostPages)));
+    const QList<PageTask> tasks = ListPages();
     FaxTiffWriter writer(job.strPartFile, static_cast<int>(tasks.size()));
     WritePages(tasks, writer);
     StopIfAsked(stop);
@@ -118,13 +114,14 @@ void Conversion::CountPages()
 
 QList<PageTask> Conversion::ListPages() const
 {
+    const qint64 all = std::accumulate(aPageCounts.begin(), aPageCounts.end(), qint64(0));
+    if (all > FaxTiffWriter::MostPages)
+        throw ConversionError(Translate("The fax would have %1 pages; it may have %2 at most.")
+                                  .arg(QString::number(all), QString::number(FaxTiffWriter::MostPages)));
     QList<PageTask> tasks;
-    for (int document = 0; document < aPageCounts.size(); ++document) {
-        // One page too many is enough to know; a document may claim to have millions.
-        const int pages = std::min(aPageCounts[document], FaxTiffWriter::MostPages + 1);
-        for (int page = 0; page < pages; ++page)
+    for (int document = 0; document < aPageCounts.size(); ++document)
+        for (int page = 0; page < aPageCounts[document]; ++page)
             tasks.append({document, page});
-    }
     return tasks;
 }
 

@@ -126,7 +126,7 @@ void TiffPictures::ListPages()
         CheckSize(size);
         if (aPages.size() == mostPages)
             RefuseDamaged();
-        if (!IsPreview(tiff) || TIFFLastDirectory(tiff))
+        if (!IsPreview(tiff) || (aPages.isEmpty() && TIFFLastDirectory(tiff)))
             aPages.append({TIFFCurrentDirOffset(tiff), {size, DotsPerInch(tiff), TurnOf(tiff)}});
         if (TIFFLastDirectory(tiff))
             return;
