@@ -2,16 +2,7 @@
 
 #include <QCoreApplication>
 
-#include <chrono>
-
 #include <benchmark/benchmark.h>
-
-double ServerBench::SecondsFor(const std::function<void()> &act)
-{
-    const auto start = std::chrono::steady_clock::now();
-    act();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 int ServerBench::Run(int argc, char *argv[])
 {

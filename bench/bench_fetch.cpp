@@ -1,3 +1,4 @@
+#include "Measures.h"
 #include "ServerBench.h"
 #include "core/Globals.h"
 #include "endtoend/ClientUnderTest.h"
@@ -32,7 +33,7 @@ void FetchFaxes(benchmark::State &state)
             state.SkipWithError("The client cannot log in.");
             return;
         }
-        state.SetIterationTime(ServerBench::SecondsFor([&] { client.download.mnuReceive(); }));
+        state.SetIterationTime(Measures::WallTimeOf([&] { client.download.mnuReceive(); }) / 1000);
         if (client.StoredIds().size() != faxCount)
             state.SkipWithError("Faxes are missing.");
     }

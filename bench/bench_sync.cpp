@@ -1,3 +1,4 @@
+#include "Measures.h"
 #include "ServerBench.h"
 #include "core/AnsiText.h"
 #include "core/Globals.h"
@@ -67,7 +68,7 @@ void Synchronise(benchmark::State &state)
         if (!house.bReady)
             return;
         Global().objDB->Execute("Update Option Set ContactVersion='-1'");
-        state.SetIterationTime(ServerBench::SecondsFor([&] { house.client.runs.SyncWithServer(true); }));
+        state.SetIterationTime(Measures::WallTimeOf([&] { house.client.runs.SyncWithServer(true); }) / 1000);
         if (!HasAllContacts())
             state.SkipWithError("Contacts are missing.");
     }
