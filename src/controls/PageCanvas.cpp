@@ -94,6 +94,21 @@ void PageCanvas::ScrollToEnd()
     ScrollTo({OffsetX(), geometry.LastOffset().y()});
 }
 
+QPointF PageCanvas::PartInMiddle() const
+{
+    const QRectF shown = PageRect();
+    if (shown.isEmpty())
+        return {};
+    const QPointF place = Middle() - shown.topLeft();
+    return {place.x() / shown.width(), place.y() / shown.height()};
+}
+
+void PageCanvas::ScrollPartToMiddle(const QPointF &part)
+{
+    const QSizeF size = PageRect().size();
+    ScrollTo(QPointF(part.x() * size.width(), part.y() * size.height()) - Middle());
+}
+
 // Painting
 
 void PageCanvas::paintEvent(QPaintEvent *)

@@ -46,6 +46,9 @@ public:
     void FitToView();
 
     void ScrollToEnd();
+    /// The place of the page in the middle of the view, in parts of the page's sides, from 0 to 1.
+    QPointF PartInMiddle() const;
+    void ScrollPartToMiddle(const QPointF &part);
     /// Place of the page in the view, for the present zoom.
     QRectF PageRect() const { return geometry.PageRect(); }
 

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QScrollBar>
 #include <QToolButton>
 
 /// What the window's panes and commands do.
@@ -78,6 +79,23 @@ private slots:
         Get<QToolButton>("btnZoom100").click();
         QVERIFY(!Get<QToolButton>("btnFixWidth").isChecked());
         QCOMPARE(Get<PageCanvas>("picPreviewImage").ZValue(), 1.0);
+    }
+
+    void turnedPageShowsThePartThatWasLookedAt()
+    {
+        auto &canvas = Get<PageCanvas>("picPreviewImage");
+        Get<QToolButton>("btnZoom100").click();
+        canvas.verticalScrollBar()->setValue(20);
+        const auto look = [&canvas] {
+            const QRect frame = canvas.viewport()->rect().adjusted(4, 4, -4, -4); // less the focus
+            return canvas.viewport()->grab(frame).toImage();
+        };
+        const QImage before = look();
+        Command("mnuFaxview_Rotate180").trigger();
+        QCOMPARE(look(), before.mirrored(true, true));
+        Command("mnuFaxview_RotateLeft90").trigger();
+        Command("mnuFaxview_RotateLeft90").trigger();
+        QCOMPARE(look(), before);
     }
 
     void pageMenuFollowsItsCommands()

@@ -183,17 +183,28 @@ void PreviewPane::ActualSize()
 
 void PreviewPane::RotateLeft()
 {
-    mailbox.Preview().Rotate(90);
+    Turn(1);
 }
 
 void PreviewPane::RotatePlane()
 {
-    mailbox.Preview().Rotate(180);
+    Turn(2);
 }
 
 void PreviewPane::RotateRight()
 {
-    mailbox.Preview().Rotate(-90);
+    Turn(-1);
+}
+
+/// Who looks at a part of the page sees that part again; a fitted page is read from its top.
+void PreviewPane::Turn(int quarters)
+{
+    QPointF part = Canvas().PartInMiddle();
+    mailbox.Preview().Rotate(quarters * 90);
+    for (int turned = 0; turned < (quarters + 4) % 4; ++turned)
+        part = {part.y(), 1 - part.x()};
+    if (!mailbox.Preview().IsFitWidth())
+        Canvas().ScrollPartToMiddle(part);
 }
 
 void PreviewPane::ZoomIn()

@@ -61,6 +61,8 @@ private:
     void RotateLeft();
     void RotatePlane();
     void RotateRight();
+    /// Counter-clockwise.
+    void Turn(int quarters);
     void ZoomIn();
     void ZoomOut();
 
