@@ -64,6 +64,35 @@ private slots:
         QTRY_VERIFY(Get<QWidget>("picPreview").height() > 50);
     }
 
+    void openFoldersComeBack()
+    {
+        QString parent = "1001";
+        for (int level = 0; level < 20; ++level) { // more than one value of the settings holds
+            const QString key = QString("%1").arg(level, 32, 16, QChar('0'));
+            Profile::Execute("INSERT INTO FaxFolder VALUES('" + key + "','Level " + QString::number(level) +
+                             "','1','" + parent + "','0')");
+            parent = key;
+        }
+        OpenWindow();
+        const auto isOpen = [this](const char *folder) {
+            return Get<QTreeView>("tvFolder").isExpanded(Index(folder));
+        };
+        QVERIFY(isOpen("Sent") && !isOpen("Incoming"));
+        Get<QTreeView>("tvFolder").expandAll();
+        Get<QTreeView>("tvFolder").collapse(Index("Level 5"));
+        window->close();
+        OpenWindow();
+        QVERIFY(isOpen("Incoming") && isOpen("Level 4") && !isOpen("Level 5") && isOpen("Level 18"));
+        for (const char *folder : {"Incoming", "Level 0", "Level 1", "Level 2", "Sent"})
+            Get<QTreeView>("tvFolder").collapse(Index(folder));
+        for (int level = 8; level < 20; ++level)
+            Get<QTreeView>("tvFolder").collapse(Index(qPrintable(QString("Level %1").arg(level))));
+        Profile::Execute("DELETE FROM FaxFolder WHERE folder_name='Level 6'");
+        window->close();
+        OpenWindow();
+        QVERIFY(!isOpen("Incoming") && !isOpen("Level 1") && isOpen("Level 3") && isOpen("Sent"));
+    }
+
     void maximisedWindowComesBack()
     {
         window->showMaximized();

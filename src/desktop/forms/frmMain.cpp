@@ -8,6 +8,7 @@
 #include "desktop/forms/CommandActions.h"
 #include "desktop/forms/PaneLayout.h"
 #include "desktop/forms/StatusPanels.h"
+#include "mailbox/OpenFolders.h"
 #include "mailbox/ShownMailbox.h"
 #include "mailbox/forms/AddressPane.h"
 #include "mailbox/forms/DateBar.h"
@@ -251,6 +252,7 @@ void frmMain::LoadControlPostion()
     RunGuarded("LoadControlPostion",
                [this] { paneLayout->Restore(ReadMainLayout(Global().strUserName, Global().strIniFile)); });
     listPane->SetWidths(ReadFaxColumnWidths(Global().strUserName, Global().strIniFile));
+    tvFolder->SetOpenFolders(ReadOpenFolders(Global().strUserName, Global().strIniFile));
     ui->mnuViewAddressBook->setChecked(!tvAddressbook->isHidden());
     ui->mnuPreview->setChecked(!picPreview->isHidden());
     ui->mnuHistory->setChecked(!frmeHistory->isHidden());
@@ -273,6 +275,7 @@ void frmMain::StoreLayout()
 {
     WriteMainLayout(paneLayout->Collect(), Global().strUserName, Global().strIniFile);
     WriteFaxColumnWidths(listPane->Widths(), Global().strUserName, Global().strIniFile);
+    WriteOpenFolders(tvFolder->OpenFolders(), Global().strUserName, Global().strIniFile);
 }
 
 /// The layout first, then the log off, which runs events: another close meanwhile is passed over.

@@ -55,6 +55,23 @@ void FolderPane::ShowLoadedTree()
 {
     expand(model->IndexOf(mailbox.Folders().Root()));
     expand(model->IndexOf(mailbox.Folders().Find("1004")));
+    for (const QString &key : aOpenFolders)
+        expand(model->IndexOf(mailbox.Folders().Find(key)));
+}
+
+QStringList FolderPane::OpenFolders() const
+{
+    QStringList open;
+    QModelIndexList waiting{model->IndexOf(mailbox.Folders().Root())};
+    while (!waiting.isEmpty()) {
+        const QModelIndex index = waiting.takeLast();
+        const QString key = index.data(KeyRole).toString();
+        if (model->rowCount(index) > 0 && index.parent().isValid() && key != "1004" && isExpanded(index))
+            open.append(key);
+        for (int row = 0; row < model->rowCount(index); ++row)
+            waiting.append(model->index(row, 0, index));
+    }
+    return open;
 }
 
 void FolderPane::ShowNode(FolderNode *node)

@@ -3,6 +3,7 @@
 #include "controls/HintedTreeView.h"
 
 #include <QPersistentModelIndex>
+#include <QStringList>
 
 class FolderTreeModel;
 class ShownMailbox;
@@ -15,6 +16,11 @@ class FolderPane final : public HintedTreeView
 
 public:
     explicit FolderPane(ShownMailbox &mailbox, QWidget *parent = nullptr);
+
+    /// The keys of the folders whose branches are open, but for those that every start opens.
+    QStringList OpenFolders() const;
+    /// Opens these when the tree is loaded; unknown ones are passed over.
+    void SetOpenFolders(const QStringList &keys) { aOpenFolders = keys; }
 
 signals:
     /// The menu of the selected folder is asked for, at a place of the screen.
@@ -42,5 +48,6 @@ private:
 
     ShownMailbox &mailbox;
     FolderTreeModel *model;
+    QStringList aOpenFolders;
     QPersistentModelIndex dropTarget; ///< the folder that would take what is being dragged
 };
