@@ -1,6 +1,7 @@
 #include "compose/Composer.h"
 
 #include "compose/ConversionOptions.h"
+#include "compose/SafeNames.h"
 #include "core/FaxImage.h"
 #include "core/Globals.h"
 #include "core/Message.h"
@@ -104,10 +105,7 @@ bool Composer::Form_QueryUnload()
 {
     if (conversion.Shown().bVisible || conversion.IsRunning())
         return false;
-    // Enabled again even when the user then stays: what disabled it was this window's opening.
-    if (IsOnlyWindow() || bDisabledMain)
-        parts.mainWindow.SetEnabled(true);
-    bDisabledMain = false;
+    EnableMain(); // even when the user then stays: what disabled it was this window's opening
     if (!bChanged)
         return true;
     const long answer =
@@ -116,6 +114,13 @@ bool Composer::Form_QueryUnload()
     const bool isSaved = answer != mbAnswerYes || SaveFax(false);
     draft.RemoveLeftover();
     return answer != mbAnswerCancel && isSaved;
+}
+
+void Composer::EnableMain()
+{
+    if (IsOnlyWindow() || bDisabledMain)
+        parts.mainWindow.SetEnabled(true);
+    bDisabledMain = false;
 }
 
 void Composer::ChangeFiles(bool dropRendered)
@@ -201,10 +206,11 @@ int Composer::RenderedPages() const
 
 bool Composer::PrintFile()
 {
+    SafeNames names;
     const DraftFields fields = window.Fields();
     const ConversionOptions options = ConversionOptions::Choose(
         draft.strSendOption, ReadyResolution(files.aFiles), FaxDefaults::FromSettings());
-    return conversion.PrintFile({.aFiles = files.aFiles,
+    return conversion.PrintFile({.aFiles = names.Replace(files.aFiles),
                                  .strUserFolder = Global().strUserFolder,
                                  .strHeader = fields.strHeader,
                                  .strCompanyName = Global().Company,
@@ -273,6 +279,7 @@ void Composer::btnSend_Click()
         return;
     }
     SendNow();
+    EnableMain();
     window.Unload();
 }
 

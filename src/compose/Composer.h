@@ -105,6 +105,7 @@ public:
 private:
     void LoadDraft(DraftFields &fields);
     void StartNew(const ComposerStart &start, DraftFields &fields);
+    void EnableMain();
     void ChangeFiles(bool dropRendered);
     void MoveFile(int step);
     bool NeedsConversion() const;

@@ -170,7 +170,7 @@ private slots:
         QCOMPARE(Bench::Outbox(), {id + ".tif"});
         QCOMPARE(bench->desktop.mailbox.aCalls.value(0), "saved 1 new ");
         QCOMPARE(bench->upload.aSent, {id + ';'});
-        QVERIFY(bench->window->bHidden && bench->window->bUnloaded);
+        QVERIFY(bench->window->bHidden && bench->window->bUnloaded && bench->desktop.mainWindow.bEnabled);
     }
 
     void draftComesBackAsItWas()
@@ -332,6 +332,22 @@ private slots:
         files.RemoveSelected();
         QCOMPARE(files.aFiles.join(""), "cd");
         QCOMPARE(files.aSelected, QList<int>({0}));
+    }
+
+    void separatorsInNamesReachTheToolAsLinks()
+    {
+        const QString path = bench->profile.Root() + "/a|b\nc.pdf";
+        QVERIFY(WriteTestFile(path, "contents"));
+        bench->Open();
+        bench->composer->AddFiles({path, bench->strDocument});
+        QByteArray seen;
+        bench->ports.pump.Then(
+            [&] { seen = ReadTestFile(PrintRequest::Parse(bench->tool.Item()).aFiles.value(0)); });
+        bench->LetToolMake(1);
+        bench->composer->btnPreview_Click();
+        QCOMPARE(seen, "contents");
+        QCOMPARE(PrintRequest::Parse(bench->strRequest).aFiles.value(1), bench->strDocument);
+        QVERIFY(!QFile::exists(PrintRequest::Parse(bench->strRequest).aFiles.value(0))); // the link is gone
     }
 
     void readyFaxFixesTheResolution()

@@ -1,6 +1,5 @@
 #include "programs/client/ClientProgram.h"
 
-#include "core/Message.h"
 #include "core/ports/Ports.h"
 #include "platform/QtEventPump.h"
 #include "programs/client/MainStage.h"
@@ -94,12 +93,14 @@ bool ClientProgram::LoginFromMainWindow()
 
 void ClientProgram::OpenComposer(const QString &faxFile)
 {
-    ports.message.ShowMessage(
-        tr("Faxes cannot be composed yet. The file stays where it is:\n%1").arg(faxFile), mbInformation);
+    ComposerStart start;
+    start.strOutsideFile = faxFile;
+    LoadMainStage().Compose(start);
 }
 
-void ClientProgram::EditDraft(const QString &)
+void ClientProgram::EditDraft(const QString &faxID)
 {
-    ports.message.ShowMessage(tr("Faxes cannot be composed yet. The draft stays where it is."),
-                              mbInformation);
+    ComposerStart start;
+    start.strFaxID = faxID;
+    LoadMainStage().Compose(start);
 }

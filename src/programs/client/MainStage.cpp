@@ -25,6 +25,7 @@ MainStage::MainStage(Ports &ports, Forms &forms, std::function<void()> ended)
     , server(ports, window, mailbox, forms,
              [this, &forms] { return outsideFile ? outsideFile->Take(forms.Count()) : QString(); })
     , progressWindow(server.progress, &window)
+    , composers(ports, forms, mailbox, window, server)
 {
     QObject::connect(&ports.instance, &Instance::RaiseRequested, &window, [this] { window.Raise(); });
     window.SetSessionState([this] {
@@ -62,6 +63,7 @@ void MainStage::ConnectCommands()
     window.SetCommand("mnuSyncAddressBook", [this] { server.runs.mnuSyncAddressBook(); });
     window.SetCommand("mnuLoginServer", [this] { server.runs.mnuLoginServer(); });
     window.SetCommand("mnuLogoutServer", [this] { server.runs.mnuLogoutServer(); });
+    window.SetCommand("mnuNewFax", [this] { Compose({}); });
     window.SetCommand("mnuInterResend", [this] { ForwardFaxes(); });
     window.SetCommand("mnuViewFax", [this] { faxViewer.mnuViewFax(); });
     window.SetCommand("mnuSetPwd", [this] { SetPassword(); });
@@ -78,6 +80,14 @@ void MainStage::Show()
     ports.message.RunGuarded("error in frmMain Load",
                              [this] { outsideFile.emplace(ports.blocks, ports.instance); });
     window.Load();
+}
+
+bool MainStage::Close()
+{
+    if (!composers.Close())
+        return false;
+    window.Unload();
+    return true;
 }
 
 void MainStage::LogOff()

@@ -5,6 +5,7 @@
 #include "desktop/forms/frmMain.h"
 #include "mailbox/FaxViewer.h"
 #include "mailbox/ShownMailbox.h"
+#include "programs/client/Composers.h"
 #include "programs/client/ServerParts.h"
 #include "server/forms/frmProcess.h"
 
@@ -27,7 +28,9 @@ public:
     /// Loads the folders and shows the window.
     void Show();
     bool IsLoaded() const { return bLoaded; }
-    void Close() { window.Unload(); }
+    /// False when a composer stays open, and with it the program.
+    bool Close();
+    void Compose(const ComposerStart &start) { composers.Open(start); }
 
 private:
     void ConnectCommands();
@@ -46,5 +49,6 @@ private:
     std::optional<OutsideFile> outsideFile; ///< unset where the system refuses it: the rest works without
     ServerParts server;
     frmProcess progressWindow;
+    Composers composers;
     bool bLoaded = false;
 };
