@@ -6,8 +6,8 @@
 #include "SheetPlace.h"
 #include "TargetFile.h"
 
-#include <QCoreApplication>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QPageLayout>
 #include <QPageSize>
 #include <QPainter>
@@ -33,7 +33,7 @@ void WritePdf(TargetFile &target, const FaxDocument &fax, const QList<int> &page
 {
     QPdfWriter writer(&target.File());
     writer.setTitle(QFileInfo(fax.Path()).completeBaseName());
-    writer.setCreator(QCoreApplication::applicationName());
+    writer.setCreator(QGuiApplication::applicationDisplayName());
     QPainter painter;
     int pagesDone = 0;
     for (const int page : pages) {

@@ -75,9 +75,10 @@ std::unique_ptr<QPrinter> MakePrinter(const FaxDocument &fax)
 {
     auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
     printer->setDocName(QFileInfo(fax.Path()).completeBaseName());
-    printer->setPageOrientation(UsualOrientation(fax));
-    // A page of a fax is as large as the paper: none of it shall be given away.
-    printer->setPageMargins(printer->pageLayout().minimumMargins());
+    QPageLayout layout = printer->pageLayout();
+    layout.setOrientation(UsualOrientation(fax));
+    layout.setMargins(layout.minimumMargins()); // a page of a fax is as large as the paper
+    printer->setPageLayout(layout);
     // Without these bounds the dialog refuses every list of pages.
     printer->setFromTo(1, fax.PageCount());
     printer->setPrintRange(QPrinter::AllPages);

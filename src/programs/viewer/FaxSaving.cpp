@@ -3,7 +3,6 @@
 #include "FaxDocument.h"
 #include "FaxExport.h"
 #include "ProgressRun.h"
-#include "controls/BusyPointer.h"
 
 #include <QClipboard>
 #include <QCoreApplication>
@@ -28,33 +27,39 @@ void Warn(QWidget *parent, const QString &title, const QString &problem)
     box.exec();
 }
 
-/// The last one of this session; the fax itself lies among files that are not the user's own.
-QString &LastFolder()
+/// What the user chose last in this session.
+struct LastChoice
 {
-    static QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    return folder;
+    /// The fax itself lies among files that are not the user's own.
+    QString strFolder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    QString strFilter;
+};
+
+LastChoice &Last()
+{
+    static LastChoice last;
+    return last;
 }
 
-bool IsPdf(const QString &pathOrFilter)
+QString SuffixOf(const QString &filter)
 {
-    return pathOrFilter.contains(QStringLiteral(".pdf"), Qt::CaseInsensitive);
+    return filter.contains(QStringLiteral(".pdf")) ? QStringLiteral("pdf") : QStringLiteral("tif");
 }
 
 /// Empty when the user did not choose one.
 QString AskForPath(const FaxDocument &fax, QWidget *parent)
 {
-    QFileDialog dialog(parent, Tr("Save a Copy"), LastFolder());
+    QFileDialog dialog(parent, Tr("Save a Copy"), Last().strFolder);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setNameFilters({Tr("Fax files (*.tif *.tiff)"), Tr("PDF documents (*.pdf)")});
-    const auto useSuffixOf = [&dialog](const QString &filter) {
-        dialog.setDefaultSuffix(IsPdf(filter) ? QStringLiteral("pdf") : QStringLiteral("tif"));
-    };
-    useSuffixOf(dialog.selectedNameFilter());
-    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, useSuffixOf);
+    dialog.selectNameFilter(Last().strFilter);
+    dialog.setDefaultSuffix(SuffixOf(dialog.selectedNameFilter()));
+    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog,
+                     [&dialog](const QString &filter) { dialog.setDefaultSuffix(SuffixOf(filter)); });
     dialog.selectFile(QFileInfo(fax.Path()).completeBaseName());
     if (dialog.exec() != QDialog::Accepted)
         return {};
-    LastFolder() = dialog.directory().path();
+    Last() = {dialog.directory().path(), dialog.selectedNameFilter()};
     return dialog.selectedFiles().value(0);
 }
 
@@ -79,10 +84,13 @@ void FaxSaving::SaveCopy(const FaxDocument &fax, QWidget *parent)
 
 void FaxSaving::CopyPage(const FaxDocument &fax, int page, QWidget *parent)
 {
-    const BusyPointer busy;
-    const QImage image = FaxExport::PageImage(fax, page);
-    if (image.isNull())
+    const std::shared_ptr<const FaxDocument> shown = fax.Copy();
+    const auto image = std::make_shared<QImage>();
+    const bool ended = RunWithProgress(parent, Tr("Copying the page..."), 0, [=](const PageProgress &) {
+        *image = FaxExport::PageImage(*shown, page);
+    });
+    if (ended && image->isNull())
         Warn(parent, Tr("Copy Page"), Tr("Page %1 can no longer be read.").arg(page + 1));
-    else
-        QGuiApplication::clipboard()->setImage(image);
+    else if (ended)
+        QGuiApplication::clipboard()->setImage(*image);
 }
