@@ -1,113 +1,31 @@
 #include "ToneMap.h"
 
+#include "ToneBlocks.h"
+
 #include <algorithm>
-#include <array>
-#include <cstdlib>
-#include <numeric>
+#include <utility>
 
 namespace {
 
-/// What is neither as good as black nor as good as white. Darker ones count only beside a photograph: in a
-/// scanned text they are ink.
-constexpr int darkestTone = 48, lightestTone = 231, darkestShade = 7;
-constexpr int paper = 240;
+constexpr int columns = SheetBlocks::Columns;
 
-/// By that much a text differs from what it stands on.
-constexpr int textContrast = 48;
-
+/// Less ink on an area is no text.
 constexpr int leastTextPixels = 48;
-
-/// Neighbours in a photograph differ less, on the average; the soft edges of text differ more.
-constexpr int smoothest = 24;
-
-/// Photographs begin at that threshold, also where the user's own is lower.
-constexpr int leastThreshold = 160;
-
-enum BlockKind : uchar { noTone, filled, photographed, shaded };
-
-struct Block
-{
-    BlockKind kind = noTone;
-    uchar lLevel = 0; ///< of a filled block
-    uchar lTones = 0; ///< pixels that are neither black nor white
-    uchar lLighter = 0, lDarker = 0;
-    bool bFound = false; ///< belongs to a region
-};
-
-/// The pixels of one block.
-struct BlockPixels
-{
-    const QImage &gray;
-    int lLeft, lTop, lEnd;
-
-    int Count() const { return (lEnd - lTop) * SheetBlocks::Width; }
-    const uchar *Row(int row) const { return gray.constScanLine(row) + lLeft; }
-    template <typename Visit>
-    void ForEach(const Visit &visit) const
-    {
-        for (int row = lTop; row < lEnd; ++row)
-            std::for_each(Row(row), Row(row) + SheetBlocks::Width, visit);
-    }
-};
-
-/// True when half of the block is of one level exactly, as what a program fills is.
-bool FindFill(const BlockPixels &pixels, Block &block)
-{
-    std::array<uchar, 256> counts{};
-    pixels.ForEach([&](uchar level) { ++counts[level]; });
-    const auto mode = std::max_element(counts.begin() + darkestTone, counts.begin() + lightestTone + 1);
-    if (*mode * 2 < pixels.Count())
-        return false;
-    block.kind = filled;
-    block.lLevel = static_cast<uchar>(mode - counts.begin());
-    pixels.ForEach([&](uchar level) {
-        block.lLighter += level >= block.lLevel + textContrast;
-        block.lDarker += level + textContrast <= block.lLevel;
-    });
-    return true;
-}
-
-/// Sum of the differences between neighbours, in both directions.
-int Roughness(const BlockPixels &pixels)
-{
-    int sum = 0;
-    for (int row = pixels.lTop; row < pixels.lEnd; ++row) {
-        const uchar *line = pixels.Row(row), *above = pixels.Row(std::max(pixels.lTop, row - 1));
-        for (int x = 0; x < SheetBlocks::Width; ++x)
-            sum += std::abs(line[x] - above[x]) + std::abs(line[x] - line[std::max(0, x - 1)]);
-    }
-    return sum;
-}
-
-BlockKind FindPhotograph(const BlockPixels &pixels, int threshold)
-{
-    int tones = 0, shades = 0, white = 0;
-    pixels.ForEach([&](uchar level) {
-        tones += level >= darkestTone && level < threshold;
-        shades += level >= darkestShade && level < darkestTone;
-        white += level >= paper;
-    });
-    const int half = pixels.Count() / 2;
-    if (tones + shades < half || white * 10 > pixels.Count() ||
-        Roughness(pixels) > smoothest * 2 * pixels.Count())
-        return noTone;
-    return tones >= half ? photographed : shaded;
-}
 
 /// Blocks of one kind that touch each other; filled ones are of one level.
 struct Region
 {
-    BlockKind kind = noTone;
+    ToneBlock::Kind kind = ToneBlock::noTone;
     uchar lLevel = 0;
     std::vector<std::size_t> aBlocks;
-    int lLeft = SheetBlocks::Columns, lTop = 0, lRight = 0, lBottom = 0;
+    int lLeft = columns, lTop = 0, lRight = 0, lBottom = 0;
     int lLighter = 0, lDarker = 0; ///< pixels that stand out from a filled area
 
     int Columns() const { return lRight - lLeft + 1; }
     int Area() const { return Columns() * (lBottom - lTop + 1); }
     bool IsLargeEnough() const
     {
-        const int least = kind == filled ? 3 : 5;
+        const int least = kind == ToneBlock::filled ? 3 : 5;
         return Columns() >= least && lBottom - lTop + 1 >= least && int(aBlocks.size()) >= least * least;
     }
     /// Its holes belong to it then.
@@ -117,35 +35,31 @@ struct Region
 
 uchar Region::Mark(int threshold) const
 {
-    if (kind == photographed)
+    if (kind == ToneBlock::photographed)
         return ToneMap::Dots;
     // Light text reads best when the threshold makes the area black.
     if (lLevel >= threshold || lLighter > lDarker)
         return ToneMap::Threshold;
     const bool hasText = lDarker >= std::max(leastTextPixels, int(aBlocks.size()) / 4);
-    return hasText ? static_cast<uchar>(lLevel - textContrast / 2) : ToneMap::Dots;
+    return hasText ? static_cast<uchar>(lLevel - ToneBlock::TextContrast / 2) : ToneMap::Dots;
 }
 
-class ToneFinder
+class MapMaker
 {
 public:
-    ToneFinder(const QImage &graySheet, const SheetBlocks &sheetBlocks, int threshold)
+    MapMaker(const QImage &graySheet, const SheetBlocks &sheetBlocks, int threshold)
         : gray(graySheet)
         , layout(sheetBlocks)
         , lThreshold(threshold)
-        , blocks(layout.Count())
-        , marks(layout.Count())
+        , blocks(FindToneBlocks(gray, layout, threshold))
+        , found(blocks.size())
+        , marks(blocks.size())
     {
     }
 
     /// Nothing when the threshold does for all blocks.
-    std::vector<uchar> Find()
+    std::vector<uchar> Make()
     {
-        bool hasTones = false;
-        for (int row = 0; row < layout.lRows; ++row)
-            hasTones |= LookAtRow(row);
-        if (!hasTones)
-            return {};
         std::vector<Region> regions = FindRegions();
         std::sort(regions.begin(), regions.end(),
                   [](const Region &one, const Region &other) { return one.Area() > other.Area(); });
@@ -158,14 +72,9 @@ public:
     }
 
 private:
-    bool LookAtRow(int row);
-    BlockPixels PixelsOf(std::size_t block) const
-    {
-        const int row = int(block) / SheetBlocks::Columns, column = int(block) % SheetBlocks::Columns;
-        return {gray, column * SheetBlocks::Width, layout.Top(row), layout.End(row)};
-    }
     std::vector<Region> FindRegions();
     Region Gather(std::size_t seed);
+    bool BelongsTo(const Region &region, const ToneBlock &block) const;
     void Include(std::size_t block, Region &region) const;
     void MarkRegion(const Region &region);
     void GrowRegion(const Region &region);
@@ -174,41 +83,17 @@ private:
     const QImage &gray;
     const SheetBlocks &layout;
     const int lThreshold;
-    std::vector<Block> blocks;
+    std::vector<ToneBlock> blocks;
+    std::vector<bool> found; ///< blocks that belong to a region
     std::vector<uchar> marks;
 };
 
-/// Most pages have no tones at all: these are counted by whole scan lines, and only what has some is looked
-/// at further. True when a block has tones.
-bool ToneFinder::LookAtRow(int row)
-{
-    std::array<uchar, SheetFormat::Width> counts{};
-    for (int y = layout.Top(row); y < layout.End(row); ++y) {
-        const uchar *line = gray.constScanLine(y);
-        for (std::size_t x = 0; x < counts.size(); ++x)
-            counts[x] += static_cast<uchar>(line[x] - darkestShade) <= lightestTone - darkestShade;
-    }
-    bool hasTones = false;
-    const std::size_t first = std::size_t(row) * SheetBlocks::Columns;
-    for (std::size_t column = 0; column < SheetBlocks::Columns; ++column) {
-        Block &block = blocks[first + column];
-        const auto count = counts.begin() + column * SheetBlocks::Width;
-        block.lTones = std::accumulate(count, count + SheetBlocks::Width, uchar(0));
-        const BlockPixels pixels = PixelsOf(first + column);
-        if (block.lTones * 2 < pixels.Count())
-            continue;
-        if (!FindFill(pixels, block))
-            block.kind = FindPhotograph(pixels, std::max(lThreshold, leastThreshold));
-        hasTones |= block.kind != noTone;
-    }
-    return hasTones;
-}
-
-std::vector<Region> ToneFinder::FindRegions()
+std::vector<Region> MapMaker::FindRegions()
 {
     std::vector<Region> regions;
     for (std::size_t seed = 0; seed < blocks.size(); ++seed) {
-        if (blocks[seed].bFound || (blocks[seed].kind != filled && blocks[seed].kind != photographed))
+        const ToneBlock::Kind kind = blocks[seed].kind;
+        if (found[seed] || (kind != ToneBlock::filled && kind != ToneBlock::photographed))
             continue;
         Region region = Gather(seed);
         if (region.IsLargeEnough())
@@ -217,30 +102,33 @@ std::vector<Region> ToneFinder::FindRegions()
     return regions;
 }
 
-Region ToneFinder::Gather(std::size_t seed)
+Region MapMaker::Gather(std::size_t seed)
 {
-    const BlockKind kind = blocks[seed].kind;
-    const uchar level = blocks[seed].lLevel;
-    Region region{kind, level, {seed}};
-    region.lTop = int(seed) / SheetBlocks::Columns;
-    blocks[seed].bFound = true;
+    Region region{blocks[seed].kind, blocks[seed].lLevel, {seed}};
+    region.lTop = int(seed) / columns;
+    found[seed] = true;
     for (std::size_t next = 0; next < region.aBlocks.size(); ++next) {
         Include(region.aBlocks[next], region);
         layout.ForNeighbours(region.aBlocks[next], [&](std::size_t other) {
-            Block &block = blocks[other];
-            const bool same = block.kind == kind && block.lLevel == level;
-            if (block.bFound || !(same || (kind == photographed && block.kind == shaded)))
+            if (found[other] || !BelongsTo(region, blocks[other]))
                 return;
-            block.bFound = true;
+            found[other] = true;
             region.aBlocks.push_back(other);
         });
     }
     return region;
 }
 
-void ToneFinder::Include(std::size_t block, Region &region) const
+bool MapMaker::BelongsTo(const Region &region, const ToneBlock &block) const
 {
-    const int row = int(block) / SheetBlocks::Columns, column = int(block) % SheetBlocks::Columns;
+    if (region.kind == ToneBlock::photographed)
+        return block.kind == ToneBlock::photographed || block.kind == ToneBlock::shaded;
+    return block.kind == ToneBlock::filled && block.lLevel == region.lLevel;
+}
+
+void MapMaker::Include(std::size_t block, Region &region) const
+{
+    const int row = int(block) / columns, column = int(block) % columns;
     region.lLeft = std::min(region.lLeft, column);
     region.lRight = std::max(region.lRight, column);
     region.lBottom = std::max(region.lBottom, row);
@@ -254,28 +142,28 @@ void ToneFinder::Include(std::size_t block, Region &region) const
 }
 
 /// The larger ones come first: what lies in an area decides for itself, but not what lies in a photograph.
-void ToneFinder::MarkRegion(const Region &region)
+void MapMaker::MarkRegion(const Region &region)
 {
-    const std::size_t first = region.aBlocks.front();
-    if (region.kind == filled && blocks[first].kind == photographed)
+    const bool isPhotograph = region.kind == ToneBlock::photographed;
+    if (!isPhotograph && blocks[region.aBlocks.front()].kind == ToneBlock::photographed)
         return;
     const uchar mark = region.Mark(lThreshold);
+    const auto markBlock = [&](std::size_t block) {
+        marks[block] = mark;
+        if (isPhotograph)
+            blocks[block].kind = ToneBlock::photographed;
+    };
     if (!region.IsSolid()) {
-        for (const std::size_t block : region.aBlocks)
-            marks[block] = mark;
+        std::for_each(region.aBlocks.begin(), region.aBlocks.end(), markBlock);
         return;
     }
-    for (int row = region.lTop; row <= region.lBottom; ++row) {
-        const std::size_t left = std::size_t(row) * SheetBlocks::Columns + std::size_t(region.lLeft);
-        std::fill_n(marks.begin() + std::ptrdiff_t(left), region.Columns(), mark);
-        if (region.kind == photographed)
-            std::for_each_n(blocks.begin() + std::ptrdiff_t(left), region.Columns(),
-                            [](Block &block) { block.kind = photographed; });
-    }
+    for (int row = region.lTop; row <= region.lBottom; ++row)
+        for (int column = region.lLeft; column <= region.lRight; ++column)
+            markBlock(std::size_t(row) * columns + std::size_t(column));
 }
 
 /// Edges lie within blocks.
-void ToneFinder::GrowRegion(const Region &region)
+void MapMaker::GrowRegion(const Region &region)
 {
     const uchar mark = marks[region.aBlocks.front()];
     if (mark == ToneMap::Threshold)
@@ -289,14 +177,16 @@ void ToneFinder::GrowRegion(const Region &region)
 }
 
 /// What lies beside a filled area can be text as well.
-bool ToneFinder::IsEdgeOf(const Region &region, std::size_t block) const
+bool MapMaker::IsEdgeOf(const Region &region, std::size_t block) const
 {
-    if (blocks[block].kind == filled)
-        return false;
-    if (region.kind == photographed)
-        return true;
-    int ofArea = 0;
-    PixelsOf(block).ForEach([&](uchar level) { ofArea += level == region.lLevel; });
+    if (blocks[block].kind == ToneBlock::filled || region.kind == ToneBlock::photographed)
+        return blocks[block].kind != ToneBlock::filled;
+    const int row = int(block) / columns, left = int(block) % columns * SheetBlocks::Width;
+    std::ptrdiff_t ofArea = 0;
+    for (int y = layout.Top(row); y < layout.End(row); ++y) {
+        const uchar *line = gray.constScanLine(y) + left;
+        ofArea += std::count(line, line + SheetBlocks::Width, region.lLevel);
+    }
     return ofArea >= SheetBlocks::Width / 2;
 }
 
@@ -304,6 +194,6 @@ bool ToneFinder::IsEdgeOf(const Region &region, std::size_t block) const
 
 ToneMap::ToneMap(const QImage &gray, int threshold, int dotsPerInchY)
     : blocks(gray.height(), dotsPerInchY)
-    , marks(ToneFinder(gray, blocks, threshold).Find())
+    , marks(MapMaker(gray, blocks, threshold).Make())
 {
 }

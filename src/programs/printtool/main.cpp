@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <exception>
 
+#include <malloc.h>
 #include <unistd.h>
 
 namespace {
@@ -17,6 +18,15 @@ void KeepQuiet(QtMsgType type, const QMessageLogContext &, const QString &messag
 {
     if (type == QtCriticalMsg || type == QtFatalMsg)
         std::fprintf(stderr, "ZemPrint: %s\n", message.toLocal8Bit().constData());
+}
+
+/// Each page takes the same few large blocks. What the allocator gives back to the system meanwhile would
+/// have to be cleared again.
+void KeepMemoryOfPages()
+{
+    constexpr int largestBlock = 32 << 20, keptAtMost = 128 << 20;
+    mallopt(M_MMAP_THRESHOLD, largestBlock);
+    mallopt(M_TRIM_THRESHOLD, keptAtMost);
 }
 
 int Run(const QStringList &arguments, WatchedRun &run)
@@ -34,6 +44,7 @@ int Run(const QStringList &arguments, WatchedRun &run)
 int main(int argc, char *argv[])
 {
     qInstallMessageHandler(KeepQuiet);
+    KeepMemoryOfPages();
     qputenv("QT_QPA_PLATFORM", "offscreen"); // fonts need an application with a platform, never with a screen
     const QGuiApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("ZemPrint"));
