@@ -11,7 +11,7 @@ namespace {
 
 constexpr SheetFormat fine{true}, standard{false};
 
-QString Tell(const char *text)
+QString Translate(const char *text)
 {
     return QCoreApplication::translate("FaxFileSource", text);
 }
@@ -53,7 +53,7 @@ FaxFileSource::FaxFileSource(const QString &path)
     : pages(path)
 {
     if (pages.Count() == 0)
-        throw ConversionError(Tell("The fax file is damaged."));
+        throw ConversionError(Translate("The fax file is damaged."));
 }
 
 QSizeF FaxFileSource::PageSize(int page)
@@ -66,7 +66,7 @@ PageBits FaxFileSource::Load(int page, int rotation) const
 {
     PageBits bits = pages.Load(page, -rotation);
     if (bits.IsEmpty())
-        throw ConversionError(Tell("Page %1 cannot be read.").arg(page + 1));
+        throw ConversionError(Translate("Page %1 cannot be read.").arg(page + 1));
     return bits;
 }
 

@@ -8,6 +8,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 
 #include <tiffio.h>
@@ -15,7 +16,7 @@
 
 namespace {
 
-QString Tell(const char *text)
+QString Translate(const char *text)
 {
     return QCoreApplication::translate("FaxTiffWriter", text);
 }
@@ -80,6 +81,13 @@ int LeaveOpen(thandle_t)
     return 0;
 }
 
+/// Says why, as the system told it last.
+[[noreturn]] void RaiseUnwritten()
+{
+    const QString reason = errno != 0 ? qt_error_string(errno) : Translate("The disk may be full");
+    throw ConversionError(Translate("The fax file cannot be written: %1.").arg(reason));
+}
+
 void SetShape(TIFF *file, int width, int height)
 {
     TIFFSetField(file, TIFFTAG_IMAGEWIDTH, width);
@@ -112,10 +120,10 @@ EncodedPage FaxTiffWriter::Encode(const QImage &sheet)
     const std::unique_ptr<tiff, Closer> encoder(
         TIFFClientOpen("page", "w", &memory, ReadFrom, WriteTo, SeekIn, LeaveOpen, SizeOf, nullptr, nullptr));
     if (!encoder)
-        throw ConversionError(Tell("A page cannot be compressed."));
+        throw ConversionError(Translate("A page cannot be compressed."));
     SetShape(encoder.get(), sheet.width(), sheet.height());
     if (TIFFWriteEncodedStrip(encoder.get(), 0, rows.data(), rows.size()) != rows.size())
-        throw ConversionError(Tell("A page cannot be compressed."));
+        throw ConversionError(Translate("A page cannot be compressed."));
     EncodedPage page;
     page.lWidth = sheet.width();
     page.lHeight = sheet.height();
@@ -127,12 +135,12 @@ EncodedPage FaxTiffWriter::Encode(const QImage &sheet)
 
 FaxTiffWriter::FaxTiffWriter(const QString &path, int pageCount)
     : strPath(path)
-    , file(TIFFOpen(QFile::encodeName(path).constData(), "w"))
     , lPageCount(pageCount)
 {
     KeepQuiet();
+    file.reset(TIFFOpen(QFile::encodeName(path).constData(), "w"));
     if (!file)
-        throw ConversionError(Tell("The fax file cannot be written."));
+        throw ConversionError(Translate("The fax file cannot be created: %1.").arg(qt_error_string(errno)));
 }
 
 FaxTiffWriter::~FaxTiffWriter()
@@ -155,19 +163,21 @@ void FaxTiffWriter::SetFields(const EncodedPage &page)
 void FaxTiffWriter::Append(const EncodedPage &page)
 {
     if (lPages == MostPages)
-        throw ConversionError(Tell("A fax has %1 pages at the most.").arg(MostPages));
+        throw ConversionError(Translate("A fax has %1 pages at the most.").arg(MostPages));
     SetFields(page);
     QByteArray data = page.abData;
+    errno = 0;
     if (TIFFWriteRawStrip(file.get(), 0, data.data(), data.size()) != data.size() ||
         TIFFWriteDirectory(file.get()) != 1)
-        throw ConversionError(Tell("The fax file cannot be written. The disk may be full."));
+        RaiseUnwritten();
     ++lPages;
 }
 
 void FaxTiffWriter::Finish()
 {
+    errno = 0;
     if (TIFFFlush(file.get()) != 1 || fsync(TIFFFileno(file.get())) != 0)
-        throw ConversionError(Tell("The fax file cannot be written. The disk may be full."));
+        RaiseUnwritten();
     file.reset();
     bFinished = true;
 }

@@ -25,6 +25,14 @@ void FindDark(const uchar *grays, uchar limit, Flags &flags)
         flags[x] = grays[x] < limit;
 }
 
+bool HasGrays(const uchar *grays)
+{
+    uchar found = 0;
+    for (int x = 0; x < width; ++x)
+        found |= static_cast<uchar>(grays[x] + 1) > 1;
+    return found != 0;
+}
+
 /// Eight flags make a byte, the first one its highest bit.
 void Pack(const Flags &flags, uchar *line)
 {
@@ -192,12 +200,19 @@ QImage Monochrome::ByThreshold(const QImage &gray, int threshold, int dotsPerInc
 
 QImage Monochrome::WithTones(const QImage &gray, int threshold, int dotsPerInchY)
 {
+    bool hasGrays = false;
+    const QImage ink = MakeInk(gray, threshold, dotsPerInchY, [&](int, const uchar *grays, Flags &) {
+        hasGrays = hasGrays || HasGrays(grays);
+    });
+    if (!hasGrays)
+        return ink;
     const ToneMap tones(gray, threshold, dotsPerInchY);
     const LightInk lightInk(gray, LimitOf(threshold), dotsPerInchY);
+    if (tones.IsEmpty() && lightInk.IsEmpty())
+        return ink;
     Diffusion diffusion(tones, dotsPerInchY);
     return MakeInk(gray, threshold, dotsPerInchY, [&](int row, const uchar *grays, Flags &flags) {
-        if (!lightInk.IsEmpty())
-            lightInk.AddTo(row, grays, flags.data());
+        lightInk.AddTo(row, grays, flags.data());
         if (!tones.IsEmpty())
             diffusion.Diffuse(row, grays, flags);
     });

@@ -16,7 +16,7 @@ namespace {
 
 constexpr double pointsPerInch = 72;
 
-QString Tell(const char *text)
+QString Translate(const char *text)
 {
     return QCoreApplication::translate("PdfSource", text);
 }
@@ -33,15 +33,15 @@ std::unique_ptr<poppler::document> Open(const QString &path)
 {
     KeepQuiet();
     if (!QFile(path).open(QIODevice::ReadOnly))
-        throw ConversionError(Tell("The document cannot be opened."));
+        throw ConversionError(Translate("The document cannot be opened."));
     std::unique_ptr<poppler::document> document(
         poppler::document::load_from_file(QFile::encodeName(path).toStdString()));
     if (!document)
-        throw ConversionError(Tell("The document is damaged, or no PDF."));
+        throw ConversionError(Translate("The document is damaged, or no PDF."));
     if (document->is_locked())
-        throw ConversionError(Tell("The document is protected by a password."));
+        throw ConversionError(Translate("The document is protected by a password."));
     if (document->pages() < 1)
-        throw ConversionError(Tell("The document has no pages."));
+        throw ConversionError(Translate("The document has no pages."));
     return document;
 }
 
@@ -78,7 +78,7 @@ const poppler::page &PdfSource::Page(int page)
         lLastPage = page;
     }
     if (!lastPage)
-        throw ConversionError(Tell("Page %1 is damaged.").arg(page + 1));
+        throw ConversionError(Translate("Page %1 is damaged.").arg(page + 1));
     return *lastPage;
 }
 
@@ -94,13 +94,15 @@ QSizeF PdfSource::PageSize(int page)
 QImage PdfSource::Render(int page, const QSize &size, int rotation)
 {
     const QSizeF paper = rotation % 180 == 0 ? PageSize(page) : PageSize(page).transposed();
+    // A page without a height or width shows nothing, at any resolution.
+    const double dotsPerInchX = paper.isEmpty() ? pointsPerInch : size.width() / paper.width();
+    const double dotsPerInchY = paper.isEmpty() ? pointsPerInch : size.height() / paper.height();
     poppler::page_renderer renderer;
     renderer.set_image_format(poppler::image::format_gray8);
-    auto image = std::make_unique<poppler::image>(
-        renderer.render_page(&Page(page), size.width() / paper.width(), size.height() / paper.height(), 0, 0,
-                             size.width(), size.height(), ToRotation(rotation)));
+    auto image = std::make_unique<poppler::image>(renderer.render_page(
+        &Page(page), dotsPerInchX, dotsPerInchY, 0, 0, size.width(), size.height(), ToRotation(rotation)));
     if (!image->is_valid() || image->width() != size.width() || image->height() != size.height())
-        throw ConversionError(Tell("Page %1 cannot be drawn.").arg(page + 1));
+        throw ConversionError(Translate("Page %1 cannot be drawn.").arg(page + 1));
     const auto *grays = reinterpret_cast<const uchar *>(image->const_data());
     const int rowBytes = image->bytes_per_row();
     return QImage(

@@ -9,6 +9,9 @@ constexpr double sheetWidth = double(SheetFormat::Width) / SheetFormat::DotsPerI
 /// Heights in inches. A Letter page counts as one also after it was reduced to the sheet's width.
 constexpr double letter = 10.9, legal = 14;
 
+/// Paper of nearly that height counts as A4: its sizes are rounded to whole points or millimetres.
+constexpr double nearlyA4 = 0.05;
+
 /// A page counts as larger when one sees it.
 constexpr double visiblyLarger = 1.01;
 
@@ -33,7 +36,8 @@ SheetLayout Place(const QSizeF &size, double scaleX, double scaleY, const SheetF
     const int dots = int(std::lround(size.width() * scaleX * SheetFormat::DotsPerInchX));
     const int width = std::clamp(dots, 1, int(SheetFormat::Width));
     SheetLayout layout;
-    layout.lSheetHeight = height < letter ? format.A4Height() : rows;
+    const bool isA4 = std::abs(height - A4Height(format)) < nearlyA4;
+    layout.lSheetHeight = height < letter || isA4 ? format.A4Height() : rows;
     layout.place = QRect((SheetFormat::Width - width) / 2, 0, width, rows);
     return layout;
 }
@@ -50,8 +54,8 @@ double DocumentScale(const QSizeF &size, const SheetFormat &format)
 {
     const double scale = std::min(1.0, ScaleToFit(size, sheetWidth, legal));
     const double height = size.height() * scale, a4 = A4Height(format);
-    const bool nearlyA4 = scale * visiblyLarger < 1 && height > a4 && height < a4 * slack;
-    return nearlyA4 ? a4 / size.height() : scale;
+    const bool fitsWithSlack = scale * visiblyLarger < 1 && height > a4 && height < a4 * slack;
+    return fitsWithSlack ? a4 / size.height() : scale;
 }
 
 /// Lays the page as it stands, or turned when `scaleOf` says that it shows larger so.
