@@ -14,6 +14,9 @@ constexpr int paper = 240;
 /// Neighbours in a photograph differ less, on the average; the soft edges of text differ more.
 constexpr int smoothest = 24;
 
+/// By that much the pixels of a flat block differ at most.
+constexpr int flatness = 8;
+
 /// Photographs begin at that threshold, also where the user's own is lower.
 constexpr int leastThreshold = 160;
 
@@ -91,6 +94,7 @@ private:
     }
     uchar MajorityOf(std::size_t column) const;
     bool FindFill(std::size_t column, ToneBlock &block) const;
+    bool IsFlat(std::size_t column, ToneBlock &block) const;
     ToneBlock::Kind KindOf(const Sums &sums, std::size_t column) const;
 
     const QImage &gray;
@@ -127,6 +131,10 @@ void BlockRow::FindKinds(ToneBlock *blocks, int threshold) const
         const bool mayBeFilled = SumOfBlock(sums.pairs, column) * 4 >= lSize;
         if (!mayBeFilled || !FindFill(column, block))
             block.kind = KindOf(sums, column);
+        const bool mayBeFlat =
+            block.kind == ToneBlock::photographed && SumOfBlock(sums.roughness, column) <= 2 * lSize;
+        if (mayBeFlat && IsFlat(column, block))
+            block.kind = ToneBlock::flat;
     }
 }
 
@@ -147,19 +155,24 @@ uchar BlockRow::MajorityOf(std::size_t column) const
 bool BlockRow::FindFill(std::size_t column, ToneBlock &block) const
 {
     const uchar fill = MajorityOf(column);
-    int count = 0, lighter = 0, darker = 0;
-    ForPixels(column, [&](uchar level) {
-        count += level == fill;
-        lighter += level >= fill + ToneBlock::TextContrast;
-        darker += level + ToneBlock::TextContrast <= fill;
-    });
+    int count = 0;
+    ForPixels(column, [&](uchar level) { count += level == fill; });
     if (count * 2 <= lSize || !IsBetween(fill, darkestTone, lightestTone + 1))
         return false;
     block.kind = ToneBlock::filled;
     block.lLevel = fill;
-    block.lLighter = static_cast<uchar>(lighter);
-    block.lDarker = static_cast<uchar>(darker);
     return true;
+}
+
+bool BlockRow::IsFlat(std::size_t column, ToneBlock &block) const
+{
+    uchar darkest = 255, lightest = 0;
+    ForPixels(column, [&](uchar level) {
+        darkest = std::min(darkest, level);
+        lightest = std::max(lightest, level);
+    });
+    block.lLevel = static_cast<uchar>((darkest + lightest) / 2);
+    return lightest - darkest <= flatness;
 }
 
 ToneBlock::Kind BlockRow::KindOf(const Sums &sums, std::size_t column) const

@@ -12,6 +12,7 @@ struct ToneBlock
     enum Kind : uchar {
         noTone,
         filled,       ///< more than half of it is of one level exactly, as what a program fills is
+        flat,         ///< nearly of one level, as part of a gradient is
         photographed, ///< smooth grays
         shaded,       ///< the same, nearly black: ink where it is not part of a photograph
     };
@@ -20,9 +21,8 @@ struct ToneBlock
     static constexpr int TextContrast = 48;
 
     Kind kind = noTone;
-    uchar lLevel = 0;                ///< of a filled block
-    uchar lTones = 0;                ///< pixels that are neither black nor white
-    uchar lLighter = 0, lDarker = 0; ///< pixels that stand out from the level
+    uchar lLevel = 0; ///< of a filled or flat block
+    uchar lTones = 0; ///< pixels that are neither black nor white
 };
 
 /// The blocks of a sheet of `Format_Grayscale8`, as wide as a fax; nothing when none has tones. A photograph

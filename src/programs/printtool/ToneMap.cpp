@@ -1,8 +1,10 @@
 #include "ToneMap.h"
 
+#include "LetterPixels.h"
 #include "ToneBlocks.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 namespace {
@@ -12,14 +14,22 @@ constexpr int columns = SheetBlocks::Columns;
 /// Less ink on an area is no text.
 constexpr int leastTextPixels = 48;
 
-/// Blocks of one kind that touch each other; filled ones are of one level.
+/// Blocks side by side that differ by no more are steps of a gradient.
+constexpr int largestStep = 8;
+
+bool IsOfArea(const ToneBlock &block)
+{
+    return block.kind == ToneBlock::filled || block.kind == ToneBlock::flat;
+}
+
+/// Blocks of one kind that touch each other; filled ones are of one level, or a gradient.
 struct Region
 {
     ToneBlock::Kind kind = ToneBlock::noTone;
-    uchar lLevel = 0;
+    uchar lDarkest = 255, lLightest = 0; ///< levels of filled blocks
     std::vector<std::size_t> aBlocks;
     int lLeft = columns, lTop = 0, lRight = 0, lBottom = 0;
-    int lLighter = 0, lDarker = 0; ///< pixels that stand out from a filled area
+    int lLighter = 0, lDarker = 0; ///< pixels of letters on a filled area
 
     int Columns() const { return lRight - lLeft + 1; }
     int Area() const { return Columns() * (lBottom - lTop + 1); }
@@ -30,6 +40,12 @@ struct Region
     }
     /// Its holes belong to it then.
     bool IsSolid() const { return int(aBlocks.size()) * 2 >= Area(); }
+    bool IsGradient() const { return lLightest - lDarkest >= ToneBlock::TextContrast / 2; }
+    int LeastText() const { return std::max(leastTextPixels, int(aBlocks.size()) / 4); }
+    bool HasLightText() const
+    {
+        return lLighter > lDarker && lLighter >= (IsGradient() ? LeastText() : leastTextPixels);
+    }
     uchar Mark(int threshold) const;
 };
 
@@ -38,10 +54,10 @@ uchar Region::Mark(int threshold) const
     if (kind == ToneBlock::photographed)
         return ToneMap::Dots;
     // Light text reads best when the threshold makes the area black.
-    if (lLevel >= threshold || lLighter > lDarker)
+    if (lDarkest >= threshold || (lLightest < threshold && HasLightText()))
         return ToneMap::Threshold;
-    const bool hasText = lDarker >= std::max(leastTextPixels, int(aBlocks.size()) / 4);
-    return hasText ? static_cast<uchar>(lLevel - ToneBlock::TextContrast / 2) : ToneMap::Dots;
+    const bool hasText = lDarker >= LeastText() && !IsGradient();
+    return hasText ? static_cast<uchar>(lDarkest - ToneBlock::TextContrast / 2) : ToneMap::Dots;
 }
 
 class MapMaker
@@ -73,8 +89,10 @@ public:
 
 private:
     std::vector<Region> FindRegions();
-    Region Gather(std::size_t seed);
-    bool BelongsTo(const Region &region, const ToneBlock &block) const;
+    Region Gather(std::size_t seed, ToneBlock::Kind kind);
+    void FindAreas(std::vector<Region> &regions);
+    void FindPhotographs(std::vector<Region> &regions);
+    static bool BelongTogether(ToneBlock::Kind kind, const ToneBlock &block, const ToneBlock &other);
     void Include(std::size_t block, Region &region) const;
     void MarkRegion(const Region &region);
     void GrowRegion(const Region &region);
@@ -91,26 +109,51 @@ private:
 std::vector<Region> MapMaker::FindRegions()
 {
     std::vector<Region> regions;
-    for (std::size_t seed = 0; seed < blocks.size(); ++seed) {
-        const ToneBlock::Kind kind = blocks[seed].kind;
-        if (found[seed] || (kind != ToneBlock::filled && kind != ToneBlock::photographed))
-            continue;
-        Region region = Gather(seed);
-        if (region.IsLargeEnough())
-            regions.push_back(std::move(region));
-    }
+    FindAreas(regions);
+    FindPhotographs(regions);
     return regions;
 }
 
-Region MapMaker::Gather(std::size_t seed)
+/// Few flat blocks are no area, but may be part of a photograph.
+void MapMaker::FindAreas(std::vector<Region> &regions)
 {
-    Region region{blocks[seed].kind, blocks[seed].lLevel, {seed}};
+    std::vector<std::size_t> left;
+    for (std::size_t seed = 0; seed < blocks.size(); ++seed) {
+        if (found[seed] || !IsOfArea(blocks[seed]))
+            continue;
+        Region region = Gather(seed, ToneBlock::filled);
+        if (region.IsLargeEnough())
+            regions.push_back(std::move(region));
+        else
+            left.insert(left.end(), region.aBlocks.begin(), region.aBlocks.end());
+    }
+    for (const std::size_t block : left)
+        found[block] = blocks[block].kind == ToneBlock::filled;
+}
+
+void MapMaker::FindPhotographs(std::vector<Region> &regions)
+{
+    for (std::size_t seed = 0; seed < blocks.size(); ++seed) {
+        if (found[seed] || blocks[seed].kind != ToneBlock::photographed)
+            continue;
+        Region region = Gather(seed, ToneBlock::photographed);
+        if (region.IsLargeEnough())
+            regions.push_back(std::move(region));
+    }
+}
+
+Region MapMaker::Gather(std::size_t seed, ToneBlock::Kind kind)
+{
+    Region region;
+    region.kind = kind;
+    region.aBlocks = {seed};
     region.lTop = int(seed) / columns;
     found[seed] = true;
     for (std::size_t next = 0; next < region.aBlocks.size(); ++next) {
-        Include(region.aBlocks[next], region);
-        layout.ForNeighbours(region.aBlocks[next], [&](std::size_t other) {
-            if (found[other] || !BelongsTo(region, blocks[other]))
+        const std::size_t block = region.aBlocks[next];
+        Include(block, region);
+        layout.ForNeighbours(block, [&](std::size_t other) {
+            if (found[other] || !BelongTogether(kind, blocks[block], blocks[other]))
                 return;
             found[other] = true;
             region.aBlocks.push_back(other);
@@ -119,11 +162,12 @@ Region MapMaker::Gather(std::size_t seed)
     return region;
 }
 
-bool MapMaker::BelongsTo(const Region &region, const ToneBlock &block) const
+bool MapMaker::BelongTogether(ToneBlock::Kind kind, const ToneBlock &block, const ToneBlock &other)
 {
-    if (region.kind == ToneBlock::photographed)
-        return block.kind == ToneBlock::photographed || block.kind == ToneBlock::shaded;
-    return block.kind == ToneBlock::filled && block.lLevel == region.lLevel;
+    if (kind == ToneBlock::filled)
+        return IsOfArea(other) && std::abs(block.lLevel - other.lLevel) <= largestStep;
+    return other.kind == ToneBlock::photographed || other.kind == ToneBlock::shaded ||
+           other.kind == ToneBlock::flat;
 }
 
 void MapMaker::Include(std::size_t block, Region &region) const
@@ -132,13 +176,20 @@ void MapMaker::Include(std::size_t block, Region &region) const
     region.lLeft = std::min(region.lLeft, column);
     region.lRight = std::max(region.lRight, column);
     region.lBottom = std::max(region.lBottom, row);
+    if (region.kind != ToneBlock::filled)
+        return;
+    region.lDarkest = std::min(region.lDarkest, blocks[block].lLevel);
+    region.lLightest = std::max(region.lLightest, blocks[block].lLevel);
     // What stands out at the edge of an area belongs to what is around it.
     bool isEdge = false;
     layout.ForNeighbours(block, [&](std::size_t other) { isEdge |= blocks[other].lTones == 0; });
     if (isEdge)
         return;
-    region.lLighter += blocks[block].lLighter;
-    region.lDarker += blocks[block].lDarker;
+    const QRect part(QPoint(column * SheetBlocks::Width, layout.Top(row)),
+                     QPoint((column + 1) * SheetBlocks::Width - 1, layout.End(row) - 1));
+    const int level = blocks[block].lLevel;
+    region.lLighter += CountLetterPixels(gray, part, level + ToneBlock::TextContrast, 255);
+    region.lDarker += CountLetterPixels(gray, part, 0, level - ToneBlock::TextContrast);
 }
 
 /// The larger ones come first: what lies in an area decides for itself, but not what lies in a photograph.
@@ -179,13 +230,15 @@ void MapMaker::GrowRegion(const Region &region)
 /// What lies beside a filled area can be text as well.
 bool MapMaker::IsEdgeOf(const Region &region, std::size_t block) const
 {
-    if (blocks[block].kind == ToneBlock::filled || region.kind == ToneBlock::photographed)
-        return blocks[block].kind != ToneBlock::filled;
+    if (IsOfArea(blocks[block]) || region.kind == ToneBlock::photographed)
+        return !IsOfArea(blocks[block]);
     const int row = int(block) / columns, left = int(block) % columns * SheetBlocks::Width;
     std::ptrdiff_t ofArea = 0;
     for (int y = layout.Top(row); y < layout.End(row); ++y) {
         const uchar *line = gray.constScanLine(y) + left;
-        ofArea += std::count(line, line + SheetBlocks::Width, region.lLevel);
+        ofArea += std::count_if(line, line + SheetBlocks::Width, [&](uchar level) {
+            return level >= region.lDarkest - largestStep && level <= region.lLightest + largestStep;
+        });
     }
     return ofArea >= SheetBlocks::Width / 2;
 }
