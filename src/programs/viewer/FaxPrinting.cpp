@@ -1,12 +1,12 @@
 #include "FaxPrinting.h"
 
 #include "FaxDocument.h"
+#include "PreviewPages.h"
 #include "PrintJob.h"
 #include "PrinterSearch.h"
 #include "ProgressRun.h"
 #include "SaveError.h"
 #include "SheetPlace.h"
-#include "controls/PageScaler.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -97,45 +97,24 @@ void Run(const PrintJob &job, const std::shared_ptr<const FaxDocument> &fax, QWi
         Warn(parent, *problem);
 }
 
-/// A page at screen size for the preview, of which the toolkit keeps all pages in memory.
-QImage PreviewImage(const FaxDocument &fax, int page)
+/// None when a page cannot be read, which is told, or after a cancel.
+QList<QImage> LoadPreview(const std::shared_ptr<const FaxDocument> &fax, QWidget *parent)
 {
-    constexpr int dotsPerInch = 100;
-    const PageBits bits = fax.LoadPage(page);
-    if (bits.IsEmpty())
-        RaiseUnreadable(fax, page);
-    const QSize wanted = (fax.PageSize(page) * dotsPerInch).toSize().expandedTo({1, 1});
-    const QSize size = wanted.boundedTo({bits.lWidth, bits.lHeight});
-    const QImage image = PageScaler::Shrink(bits, size, QRect(QPoint(), size));
-    return image.allGray() ? image.convertToFormat(QImage::Format_Grayscale8) : image;
-}
-
-/// As many pages, from the first on, as fit into the memory that a preview may take. None when a page cannot
-/// be read, which is told, or after a cancel.
-QList<QImage> LoadForPreview(const std::shared_ptr<const FaxDocument> &fax, QWidget *parent)
-{
-    constexpr qsizetype mostBytes = 256 * 1024 * 1024;
-    const int count = fax->PageCount();
+    const PreviewPages preview(*fax);
     const auto images = std::make_shared<QList<QImage>>();
     const auto problem = std::make_shared<QString>();
-    const auto isComplete = std::make_shared<bool>(false);
     const auto load = [=](const PageProgress &progress) {
         try {
-            qsizetype bytes = 0;
-            for (int page = 0; page < count && bytes < mostBytes && progress(page); ++page) {
-                images->append(PreviewImage(*fax, page));
-                bytes += images->last().sizeInBytes();
-            }
-            *isComplete = images->size() == count || bytes >= mostBytes;
+            *images = preview.Load(*fax, progress);
         } catch (const SaveError &error) {
             *problem = error.strProblem;
         }
     };
-    if (!RunWithProgress(parent, Tr("Preparing the preview..."), count, load))
+    if (!RunWithProgress(parent, Tr("Preparing the preview..."), preview.Count(), load))
         return {};
     if (!problem->isEmpty())
         Warn(parent, *problem);
-    return *isComplete ? *images : QList<QImage>();
+    return *images;
 }
 
 void PaintPreview(const FaxDocument &fax, const QList<QImage> &images, QPrinter &printer)
@@ -190,7 +169,7 @@ void FaxPrinting::Preview(FaxDocument &fax, QWidget *parent, int currentPage)
     if (!MayPrint(parent))
         return;
     const std::shared_ptr<const FaxDocument> shown = fax.Copy();
-    const QList<QImage> images = LoadForPreview(shown, parent);
+    const QList<QImage> images = LoadPreview(shown, parent);
     if (images.isEmpty())
         return;
     const std::unique_ptr<QPrinter> printer = MakePrinter(*shown);
