@@ -38,13 +38,20 @@ int ContactTableModel::columnCount(const QModelIndex &parent) const
     return parent.isValid() ? 0 : ContactTable::colCount;
 }
 
+/// A blank keeps the icon of a contact without a name where those of the others stand.
+QString ContactTableModel::ShownText(int row, int column) const
+{
+    const QString text = ToListText(table.Cell(row, column));
+    return text.isEmpty() && column == ContactTable::colContact ? QStringLiteral(" ") : text;
+}
+
 QVariant ContactTableModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return {};
     switch (role) {
     case Qt::DisplayRole:
-        return ToListText(table.Cell(index.row(), index.column()));
+        return ShownText(index.row(), index.column());
     case KeyRole:
         return table.Cell(index.row(), ContactTable::colID);
     case ImageKeyRole:

@@ -25,6 +25,8 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 private:
+    QString ShownText(int row, int column) const;
+
     ContactTable table;
 };
 

@@ -24,7 +24,8 @@ public:
     void Restore()
     {
         const QSize stored(Read("_Width"), Read("_Height"));
-        const QSize size = stored.isEmpty() ? window.sizeHint() : stored;
+        const QSize designed = window.testAttribute(Qt::WA_Resized) ? window.size() : window.sizeHint();
+        const QSize size = stored.isEmpty() ? designed : stored;
         window.resize(size.boundedTo(window.screen()->availableSize() - frameSize)
                           .expandedTo(window.minimumSizeHint()));
     }

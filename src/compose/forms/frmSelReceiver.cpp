@@ -219,6 +219,7 @@ bool frmSelReceiver::PressKey(const QObject *widget, const QKeyEvent &key)
     }
     if (IsEnter(key)) {
         AddSelected();
+        ui->txtFind->selectAll(); // the next name takes its place
         return true;
     }
     return widget == ui->txtFind ? PressKeyInFind(key) : TypeIntoFind(key);

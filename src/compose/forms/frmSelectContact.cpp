@@ -1,5 +1,6 @@
 #include "compose/forms/frmSelectContact.h"
 
+#include "controls/MarkedDelegate.h"
 #include "controls/RememberedSize.h"
 #include "core/Message.h"
 #include "mailbox/ShownText.h"
@@ -17,6 +18,7 @@ frmSelectContact::frmSelectContact(const ContactChoice &choice, Message &message
     if (choice.lKind == ContactChoice::chUser)
         setWindowTitle(tr("Choose a user"));
     ui->labContact->setText(tr("Several match \"%1\". Who is meant?").arg(ToListText(choice.strKeyword)));
+    ui->lstContact->setItemDelegate(new MarkedDelegate(ui->lstContact));
     message.RunGuarded("error in Form_Load", [&] { Fill(choice); });
     connect(ui->lstContact, &QAbstractItemView::doubleClicked, this, &frmSelectContact::ClickOK);
     connect(ui->btnOK, &QPushButton::clicked, this, &frmSelectContact::ClickOK);
