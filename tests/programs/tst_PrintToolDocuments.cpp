@@ -226,6 +226,7 @@ void tst_PrintToolDocuments::filesAreKnownByTheirContents_data()
     row("text of unknown ending", "a.log", "Hello", "3 txt");
     row("text without ending", "read, me", "Gr\xfc\xdf", "3 txt");
     row("text in UTF-16", "a.txt", "\xff\xfe" + Utf16("Hello"), "3 txt");
+    row("text like a picture", "a.txt", "BMW, an offer", "3 txt");
     row("HTML", "a.HTM", "<p>Hello", "3 html");
     row("HTML by another name", "a.doc", "\n<!DOCTYPE html><p>Hello", "3 html");
     row("HTML as text", "a.txt", "<html>", "3 txt");

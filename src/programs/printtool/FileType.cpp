@@ -51,11 +51,19 @@ bool IsTiff(const QByteArray &head, const QString &path)
            FaxImage::HasSizePrefix(path);
 }
 
+/// Two letters alone may begin a text.
+bool IsBitmap(const QByteArray &head)
+{
+    constexpr qsizetype reservedAt = 6, reservedSize = 4;
+    return head.startsWith("BM") && head.mid(reservedAt, reservedSize) == QByteArray(reservedSize, '\0');
+}
+
 bool IsPicture(const QByteArray &head)
 {
-    static constexpr QByteArrayView signatures[] = {"BM",     "\xff\xd8\xff", "\x89PNG\r\n\x1a\n",
-                                                    "GIF87a", "GIF89a",       "8BPS"};
-    return std::any_of(std::begin(signatures), std::end(signatures),
+    static constexpr QByteArrayView signatures[] = {"\xff\xd8\xff", "\x89PNG\r\n\x1a\n", "GIF87a", "GIF89a",
+                                                    "8BPS"};
+    return IsBitmap(head) ||
+           std::any_of(std::begin(signatures), std::end(signatures),
                        [&](QByteArrayView signature) { return head.startsWith(signature); });
 }
 

@@ -33,16 +33,17 @@ QString BehindStarter(const QString &starter)
 QProcessEnvironment EnvironmentFor(const QString &workFolder)
 {
     const QProcessEnvironment system = QProcessEnvironment::systemEnvironment();
+    const QString all = system.value(QStringLiteral("LC_ALL")); // it would outdo the paper
     QProcessEnvironment environment;
     for (const char *kept :
          {"PATH", "HOME", "TZ", "LANG", "LANGUAGE", "LC_CTYPE", "LC_NUMERIC", "LC_TIME", "LC_MONETARY",
           "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "FONTCONFIG_FILE", "FONTCONFIG_PATH"}) {
         const QString name = QLatin1String(kept);
-        if (system.contains(name))
+        if (system.contains(name) && (all.isEmpty() || !name.startsWith(QLatin1String("LC_"))))
             environment.insert(name, system.value(name));
     }
-    if (system.contains(QStringLiteral("LC_ALL"))) // it would outdo the paper
-        environment.insert(QStringLiteral("LANG"), system.value(QStringLiteral("LC_ALL")));
+    if (!all.isEmpty())
+        environment.insert(QStringLiteral("LANG"), all);
     environment.insert(QStringLiteral("LC_PAPER"), QStringLiteral("C"));
     environment.insert(QStringLiteral("PAPERSIZE"), QStringLiteral("a4"));
     environment.insert(QStringLiteral("SAL_USE_VCLPLUGIN"), QStringLiteral("svp"));
