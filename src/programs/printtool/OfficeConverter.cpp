@@ -3,6 +3,7 @@
 #include "ConversionError.h"
 #include "OfficeContents.h"
 #include "OfficeProfile.h"
+#include "StatusTexts.h"
 #include "WorkFolder.h"
 
 #include <QCoreApplication>
@@ -172,7 +173,7 @@ void OfficeConverter::TellProgress(const QList<OfficeJob *> &open)
     if (now == told)
         return;
     told = now;
-    tell(Translate("Reading %1").arg(now->strName));
+    tell(Translate("Reading %1").arg(StatusTexts::ShownName(now->strName)));
 }
 
 void OfficeConverter::TakeResults(const QList<OfficeJob *> &open) const
