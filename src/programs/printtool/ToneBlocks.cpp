@@ -131,10 +131,10 @@ void BlockRow::FindKinds(ToneBlock *blocks, int threshold) const
         const bool mayBeFilled = SumOfBlock(sums.pairs, column) * 4 >= lSize;
         if (!mayBeFilled || !FindFill(column, block))
             block.kind = KindOf(sums, column);
-        const bool mayBeFlat =
-            block.kind == ToneBlock::photographed && SumOfBlock(sums.roughness, column) <= 2 * lSize;
+        const bool isSmooth = block.kind == ToneBlock::photographed || block.kind == ToneBlock::shaded;
+        const bool mayBeFlat = isSmooth && SumOfBlock(sums.roughness, column) <= 2 * lSize;
         if (mayBeFlat && IsFlat(column, block))
-            block.kind = ToneBlock::flat;
+            block.kind = block.kind == ToneBlock::shaded ? ToneBlock::flatShade : ToneBlock::flat;
     }
 }
 

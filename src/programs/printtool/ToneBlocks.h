@@ -15,13 +15,14 @@ struct ToneBlock
         flat,         ///< nearly of one level, as part of a gradient is
         photographed, ///< smooth grays
         shaded,       ///< the same, nearly black: ink where it is not part of a photograph
+        flatShade,    ///< the same for a gradient
     };
 
     /// By that much a text differs from what it stands on.
     static constexpr int TextContrast = 48;
 
     Kind kind = noTone;
-    uchar lLevel = 0; ///< of a filled or flat block
+    uchar lLevel = 0; ///< of a filled or flat one
     uchar lTones = 0; ///< pixels that are neither black nor white
 };
 

@@ -30,6 +30,8 @@ struct Region
     std::vector<std::size_t> aBlocks;
     int lLeft = columns, lTop = 0, lRight = 0, lBottom = 0;
     int lLighter = 0, lDarker = 0; ///< pixels of letters on a filled area
+    int lInner = 0;                ///< blocks amid others of the region
+    uchar lMark = ToneMap::Threshold;
 
     int Columns() const { return lRight - lLeft + 1; }
     int Area() const { return Columns() * (lBottom - lTop + 1); }
@@ -40,6 +42,8 @@ struct Region
     }
     /// Its holes belong to it then.
     bool IsSolid() const { return int(aBlocks.size()) * 2 >= Area(); }
+    /// Large letters are not.
+    bool IsThick() const { return lInner * 5 >= int(aBlocks.size()) * 2; }
     bool IsGradient() const { return lLightest - lDarkest >= ToneBlock::TextContrast / 2; }
     int LeastText() const { return std::max(leastTextPixels, int(aBlocks.size()) / 4); }
     bool HasLightText() const
@@ -47,6 +51,7 @@ struct Region
         return lLighter > lDarker && lLighter >= (IsGradient() ? LeastText() : leastTextPixels);
     }
     uchar Mark(int threshold) const;
+    void FillHoles();
 };
 
 uchar Region::Mark(int threshold) const
@@ -57,7 +62,18 @@ uchar Region::Mark(int threshold) const
     if (lDarkest >= threshold || (lLightest < threshold && HasLightText()))
         return ToneMap::Threshold;
     const bool hasText = lDarker >= LeastText() && !IsGradient();
-    return hasText ? static_cast<uchar>(lDarkest - ToneBlock::TextContrast / 2) : ToneMap::Dots;
+    if (hasText)
+        return static_cast<uchar>(lDarkest - ToneBlock::TextContrast / 2);
+    return IsThick() ? ToneMap::Dots : ToneMap::Threshold;
+}
+
+void Region::FillHoles()
+{
+    aBlocks.clear();
+    for (int row = lTop; row <= lBottom; ++row) {
+        for (int column = lLeft; column <= lRight; ++column)
+            aBlocks.push_back(std::size_t(row) * columns + std::size_t(column));
+    }
 }
 
 class MapMaker
@@ -79,7 +95,7 @@ public:
         std::vector<Region> regions = FindRegions();
         std::sort(regions.begin(), regions.end(),
                   [](const Region &one, const Region &other) { return one.Area() > other.Area(); });
-        for (const Region &region : regions)
+        for (Region &region : regions)
             MarkRegion(region);
         for (const Region &region : regions)
             GrowRegion(region);
@@ -94,7 +110,7 @@ private:
     void FindPhotographs(std::vector<Region> &regions);
     static bool BelongTogether(ToneBlock::Kind kind, const ToneBlock &block, const ToneBlock &other);
     void Include(std::size_t block, Region &region) const;
-    void MarkRegion(const Region &region);
+    void MarkRegion(Region &region);
     void GrowRegion(const Region &region);
     bool IsEdgeOf(const Region &region, std::size_t block) const;
 
@@ -127,8 +143,11 @@ void MapMaker::FindAreas(std::vector<Region> &regions)
         else
             left.insert(left.end(), region.aBlocks.begin(), region.aBlocks.end());
     }
-    for (const std::size_t block : left)
+    for (const std::size_t block : left) {
         found[block] = blocks[block].kind == ToneBlock::filled;
+        if (found[block])
+            blocks[block].kind = ToneBlock::noTone;
+    }
 }
 
 void MapMaker::FindPhotographs(std::vector<Region> &regions)
@@ -165,9 +184,9 @@ Region MapMaker::Gather(std::size_t seed, ToneBlock::Kind kind)
 bool MapMaker::BelongTogether(ToneBlock::Kind kind, const ToneBlock &block, const ToneBlock &other)
 {
     if (kind == ToneBlock::filled)
-        return IsOfArea(other) && std::abs(block.lLevel - other.lLevel) <= largestStep;
-    return other.kind == ToneBlock::photographed || other.kind == ToneBlock::shaded ||
-           other.kind == ToneBlock::flat;
+        return (IsOfArea(other) || other.kind == ToneBlock::flatShade) &&
+               std::abs(block.lLevel - other.lLevel) <= largestStep;
+    return other.kind != ToneBlock::noTone && other.kind != ToneBlock::filled;
 }
 
 void MapMaker::Include(std::size_t block, Region &region) const
@@ -181,8 +200,12 @@ void MapMaker::Include(std::size_t block, Region &region) const
     region.lDarkest = std::min(region.lDarkest, blocks[block].lLevel);
     region.lLightest = std::max(region.lLightest, blocks[block].lLevel);
     // What stands out at the edge of an area belongs to what is around it.
-    bool isEdge = false;
-    layout.ForNeighbours(block, [&](std::size_t other) { isEdge |= blocks[other].lTones == 0; });
+    bool isEdge = false, isInner = true;
+    layout.ForNeighbours(block, [&](std::size_t other) {
+        isEdge |= blocks[other].lTones == 0;
+        isInner &= BelongTogether(region.kind, blocks[block], blocks[other]);
+    });
+    region.lInner += isInner;
     if (isEdge)
         return;
     const QRect part(QPoint(column * SheetBlocks::Width, layout.Top(row)),
@@ -193,36 +216,30 @@ void MapMaker::Include(std::size_t block, Region &region) const
 }
 
 /// The larger ones come first: what lies in an area decides for itself, but not what lies in a photograph.
-void MapMaker::MarkRegion(const Region &region)
+void MapMaker::MarkRegion(Region &region)
 {
     const bool isPhotograph = region.kind == ToneBlock::photographed;
     if (!isPhotograph && blocks[region.aBlocks.front()].kind == ToneBlock::photographed)
         return;
-    const uchar mark = region.Mark(lThreshold);
-    const auto markBlock = [&](std::size_t block) {
-        marks[block] = mark;
+    region.lMark = region.Mark(lThreshold);
+    if (region.IsSolid())
+        region.FillHoles();
+    for (const std::size_t block : region.aBlocks) {
+        marks[block] = region.lMark;
         if (isPhotograph)
             blocks[block].kind = ToneBlock::photographed;
-    };
-    if (!region.IsSolid()) {
-        std::for_each(region.aBlocks.begin(), region.aBlocks.end(), markBlock);
-        return;
     }
-    for (int row = region.lTop; row <= region.lBottom; ++row)
-        for (int column = region.lLeft; column <= region.lRight; ++column)
-            markBlock(std::size_t(row) * columns + std::size_t(column));
 }
 
 /// Edges lie within blocks.
 void MapMaker::GrowRegion(const Region &region)
 {
-    const uchar mark = marks[region.aBlocks.front()];
-    if (mark == ToneMap::Threshold)
+    if (region.lMark == ToneMap::Threshold)
         return;
     for (const std::size_t block : region.aBlocks) {
         layout.ForNeighbours(block, [&](std::size_t other) {
             if (marks[other] == ToneMap::Threshold && IsEdgeOf(region, other))
-                marks[other] = mark;
+                marks[other] = region.lMark;
         });
     }
 }
