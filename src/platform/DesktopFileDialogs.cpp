@@ -6,15 +6,19 @@
 
 namespace {
 
-/// File names of other systems are written in any case, and "*.*" means every file there.
+/// The patterns mean what they mean where they come from: names are written in any case, "*.*" is every file,
+/// and an ending of three letters stands for those of four that begin with it, so that "*.doc" finds .docx.
 QStringList ToPatterns(const QString &patterns)
 {
     QStringList found;
     for (const QString &pattern : patterns.split(';', Qt::SkipEmptyParts)) {
-        if (pattern == "*.*")
+        if (pattern == "*.*") {
             found += "*";
-        else
-            found += {pattern.toLower(), pattern.toUpper()};
+            continue;
+        }
+        found += {pattern.toLower(), pattern.toUpper()};
+        if (pattern.size() == QString("*.doc").size())
+            found += {pattern.toLower() + '?', pattern.toUpper() + '?'};
     }
     found.removeDuplicates();
     return found;

@@ -78,7 +78,8 @@ private slots:
         QVERIFY(WriteTestFile(folder.filePath("Old.GNI"), "a") &&
                 WriteTestFile(folder.filePath("b.txt"), "b"));
         DesktopFileDialogs dialogs;
-        const FileDialogSetup setup{"Config file(*.gni)|*.gni;*.Ini|All files|*.*", folder.path(), "gni", {}};
+        const FileDialogSetup setup{
+            "Config file(*.gni)|*.gni;*.Info|All files|*.*", folder.path(), "gni", {}};
         QStringList filters;
         const auto type = [&](const QString &names) {
             WhenShown<QFileDialog>([&filters, names](QFileDialog *dialog) {
@@ -91,7 +92,8 @@ private slots:
         };
         type("Old");
         QCOMPARE(dialogs.ChooseTarget(setup), folder.filePath("Old.gni"));
-        QCOMPARE(filters, (QStringList{"Config file(*.gni) (*.gni *.GNI *.ini *.INI)", "All files (*)"}));
+        QCOMPARE(filters, (QStringList{"Config file(*.gni) (*.gni *.GNI *.gni? *.GNI? *.info *.INFO)",
+                                       "All files (*)"}));
         type("Old.GNI"); // replacing it is not asked here
         QCOMPARE(dialogs.ChooseTarget(setup), folder.filePath("Old.GNI"));
         type("\"Old.GNI\" \"b.txt\"");
