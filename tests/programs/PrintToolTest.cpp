@@ -3,6 +3,7 @@
 #include "core/PrinterProgress.h"
 #include "core/SettingsFile.h"
 #include "core/Utilities.h"
+#include "fixtures/PdfFile.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -49,18 +50,7 @@ QString PrintDesk::WriteFile(const QString &name, const QByteArray &bytes) const
 
 QString PrintDesk::WritePdf(const QString &name, int pages, const QByteArray &content) const
 {
-    QByteArray kids, objects;
-    for (int page = 0; page < pages; ++page) {
-        const QByteArray number = QByteArray::number(10 + page);
-        kids += number + " 0 R ";
-        objects += number + " 0 obj<</Type/Page/Parent 2 0 R/MediaBox[0 0 595 842]/Contents 3 0 R"
-                            "/Resources<</ExtGState<</G <</ca 0.5>>>>>>>>endobj\n";
-    }
-    return WriteFile(name, "%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n"
-                           "2 0 obj<</Type/Pages/Count " +
-                               QByteArray::number(pages) + "/Kids[" + kids + "]>>endobj\n3 0 obj<</Length " +
-                               QByteArray::number(content.size()) + ">>stream\n" + content +
-                               "\nendstream endobj\n" + objects + "trailer<</Root 1 0 R>>\n%%EOF\n");
+    return WriteFile(name, PdfOf(pages, content));
 }
 
 QString PrintDesk::WriteSlowPdf(const QString &name) const

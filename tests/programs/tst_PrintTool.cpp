@@ -30,21 +30,6 @@ int ActAsClient(const QStringList &arguments)
     return 0;
 }
 
-/// True when the rectangle of the zero-based page holds something black.
-bool HasInk(const QString &path, int page, const QRect &where)
-{
-    const PageBits bits = FaxImage::LoadPage(path, page, 0);
-    const bool zeroIsBlack = bits.aPalette.value(0) == 0xff000000;
-    for (int y = where.top(); y <= where.bottom() && y < bits.lHeight; ++y) {
-        for (int x = where.left(); x <= where.right() && x < bits.lWidth; ++x) {
-            const bool isSet = bits.abBits[qsizetype(y) * bits.lBytesPerLine + x / 8] & (0x80 >> x % 8);
-            if (isSet != zeroIsBlack)
-                return true;
-        }
-    }
-    return false;
-}
-
 /// True when every page is Group 4 with 1 for black, and of that size and resolution.
 bool ArePages(const QString &path, int count, const QSize &size, int dotsPerInchY)
 {
