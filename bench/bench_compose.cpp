@@ -1,21 +1,30 @@
 #include "compose/ForwardReceivers.h"
 #include "compose/ReceiverCompletion.h"
 #include "compose/Recipients.h"
+#include "compose/forms/frmNewFax.h"
 #include "compose/forms/frmSelReceiver.h"
 #include "compose/forms/frmSelectContact.h"
 #include "core/Globals.h"
+#include "desktop/forms/frmMain.h"
 #include "fakes/FakePorts.h"
 #include "fixtures/Profile.h"
+#include "platform/SystemPorts.h"
+#include "programs/client/ClientProgram.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QClipboard>
+#include <QKeyEvent>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QTreeView>
 
 #include <memory>
 
 #include <benchmark/benchmark.h>
 
-// Recipients with an address book of 50,000 contacts. To run it without a display: QT_QPA_PLATFORM=offscreen.
+// The composer and its recipients with an address book of 50,000 contacts. To run it without a display:
+// QT_QPA_PLATFORM=offscreen.
 
 namespace {
 
@@ -68,6 +77,99 @@ House &SharedHouse()
     static House house;
     return house;
 }
+
+/// The program behind its login, offline, whose user writes faxes.
+struct Desk
+{
+    Desk()
+    {
+        SharedHouse();
+        program.MarkOnline(false, false);
+        program.ShowMainWindow();
+        QApplication::processEvents();
+    }
+
+    template <typename Window>
+    static Window *Find()
+    {
+        for (QWidget *window : QApplication::topLevelWidgets()) {
+            auto *found = qobject_cast<Window *>(window);
+            if (found && found->isVisible())
+                return found;
+        }
+        return nullptr;
+    }
+
+    SystemPorts system;
+    ClientProgram program{system.Get(), system.Pump()};
+};
+
+/// Tells when a window of one kind has been painted.
+template <typename Window>
+class PaintWatch final : public QObject
+{
+public:
+    PaintWatch() { qApp->installEventFilter(this); }
+
+    void Wait()
+    {
+        while (!bPainted)
+            QApplication::processEvents();
+        bPainted = false;
+    }
+
+private:
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        bPainted = bPainted || (event->type() == QEvent::Paint && qobject_cast<Window *>(object));
+        return false;
+    }
+
+    bool bPainted = false;
+};
+
+/// From the command of the main window to the painted composer; the first one of the session, and others.
+void OpenComposer(benchmark::State &state)
+{
+    Desk desk;
+    PaintWatch<frmNewFax> painted;
+    auto *mnuNewFax = desk.Find<frmMain>()->findChild<QAction *>("mnuNewFax");
+    for (auto _ : state) {
+        mnuNewFax->trigger();
+        painted.Wait();
+        state.PauseTiming();
+        desk.Find<frmNewFax>()->close();
+        QApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(OpenComposer)->Name("OpenComposer/first")->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(OpenComposer)->Unit(benchmark::kMillisecond);
+
+/// A key typed behind so many recipients, or into one that never ends, to the painted text.
+void RecipientKey(benchmark::State &state, int receivers, int characters)
+{
+    Desk desk;
+    desk.Find<frmMain>()->findChild<QAction *>("mnuNewFax")->trigger();
+    auto *txtReceive = desk.Find<frmNewFax>()->findChild<QPlainTextEdit *>("txtReceive");
+    QString text(characters, '5');
+    for (int i = 0; i < receivers; ++i)
+        text += QString("Jonas Petersen %1 <01632 %1>;  ").arg(i);
+    QGuiApplication::clipboard()->setText(text);
+    txtReceive->paste();
+    txtReceive->moveCursor(QTextCursor::End);
+    QApplication::processEvents();
+    for (auto _ : state) {
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_5, Qt::NoModifier, "5");
+        QApplication::sendEvent(txtReceive, &key);
+        QApplication::processEvents();
+    }
+    txtReceive->document()->setModified(false);
+}
+BENCHMARK_CAPTURE(RecipientKey, few, 3, 0)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(RecipientKey, tenThousand, lReceivers, 0)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(RecipientKey, aMegabyte, 0, 1 << 20)->Unit(benchmark::kMillisecond);
 
 /// One press of ";" behind a name.
 void CompletionKey(benchmark::State &state, const QString &name, int megabytes)

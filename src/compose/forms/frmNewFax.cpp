@@ -157,9 +157,9 @@ DraftFields frmNewFax::Fields() const
 
 void frmNewFax::ShowFields(const DraftFields &fields)
 {
-    ui->txtReceive->setPlainText(fields.strReceive);
+    ui->txtReceive->SetText(fields.strReceive);
     ui->txtSubject->setText(fields.strSubject);
-    ui->txtMemo->setPlainText(fields.strMemo);
+    ui->txtMemo->SetText(fields.strMemo);
     ui->chkSend->setChecked(fields.bSend);
     SelectHeader(fields.strHeader);
     FocusReceivers();
@@ -167,7 +167,7 @@ void frmNewFax::ShowFields(const DraftFields &fields)
 
 void frmNewFax::ShowReceivers(const QString &receivers)
 {
-    ui->txtReceive->setPlainText(receivers);
+    ui->txtReceive->SetText(receivers);
     ui->txtReceive->moveCursor(QTextCursor::End);
 }
 

@@ -6,6 +6,7 @@
 #include "fakes/FakePorts.h"
 #include "fixtures/FaxFile.h"
 #include "fixtures/Profile.h"
+#include "fixtures/TestTable.h"
 #include "server/FaxUpload.h"
 
 #include <QCheckBox>
@@ -19,7 +20,9 @@
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
+#include <QTextBlock>
 #include <QUrl>
 
 #include <memory>
@@ -125,6 +128,37 @@ private slots:
         QTest::keyClicks(&txtReceive, "Ann;");
         QCOMPARE(bench->aAsked, {"Ann"});
         QCOMPARE(txtReceive.toPlainText(), "Anna(555);  77;Annika(556);  ");
+    }
+
+    void longTextsComeInShortLines_data()
+    {
+        QStringList receivers;
+        for (int i = 0; i < 10000; ++i)
+            receivers.append(QString("Jonas Petersen %1 <01632 %1>").arg(i));
+        const TestTable<QString, int> row{"text", "count"};
+        row("many recipients", receivers.join(";"), 10000);
+        row("a recipient without an end", QString(1 << 20, '5'), 1);
+        row("words without an end", QString("5555 ").repeated(1 << 18).trimmed(), 1);
+    }
+    void longTextsComeInShortLines()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, count);
+        bench->Open();
+        auto &txtReceive = bench->Get<QPlainTextEdit>("txtReceive");
+        QGuiApplication::clipboard()->setText(text);
+        QTest::keySequence(&txtReceive, QKeySequence::Paste);
+        QTest::keyClick(&txtReceive, '5');
+        text += '5';
+        for (QTextBlock line = txtReceive.document()->begin(); line.isValid(); line = line.next())
+            QVERIFY2(line.length() < 1100,
+                     qPrintable(QString::number(line.length()))); // laid out at each key
+        QString shown = txtReceive.toPlainText();
+        QVERIFY(shown.remove(QRegularExpression("\\s")) == text.remove(' '));
+        bench->Click("btnSave");
+        const QStringList saved = Profile::Value("Select TempReceiver from SendFax").split(';');
+        QCOMPARE(saved.size(), count + 1);
+        QVERIFY(count == 1 || saved.value(9) == "\"Jonas Petersen 9 \"<01632 9>");
     }
 
     void headersFollowTheirList()
