@@ -5,7 +5,8 @@
 #include "platform/SystemPorts.h"
 #include "server/wire/clsClient.h"
 
-#include <QDate>
+#include <QDateTime>
+#include <QDir>
 #include <QTcpSocket>
 #include <QTest>
 #include <QtEndian>
@@ -51,6 +52,16 @@ QByteArray PasswordRequest(const QByteArray &oldDigest)
 QByteArray History(const QByteArray &flags)
 {
     return Number(10) + "1900-01-01;" + QDate::currentDate().toString(Qt::ISODate).toLatin1() + '\0' + flags;
+}
+
+/// What a client tells of a fax that is to go to these people.
+QByteArray Header(const QByteArray &people, const QByteArray &time = "2020-01-01 00:00:00",
+                  const QByteArray &sender = {})
+{
+    const QByteArrayList fields = {
+        "",  "O~$@~Hara", "0123456789ABCDEF0123456789ABCDEF.tif", "2", "0", "soon", time, people, "0",
+        "0", sender};
+    return Counted(8, fields.join('\0'));
 }
 
 /// One client that speaks in bytes.
@@ -124,6 +135,18 @@ public:
         ids.removeAll(QByteArray());
         return ids;
     }
+
+    /// Sends a fax and returns the id that it got.
+    QByteArray Upload(const QByteArray &header, const QByteArray &file)
+    {
+        if (Ask(header) != abOk)
+            return {};
+        Send(Number(12) + Number(qint32(file.size())) + file.left(100));
+        return Ask(file.mid(100)).mid(4);
+    }
+
+    /// The status of a sent fax, or with 4 those of its calls.
+    QByteArray State(const QByteArray &id, int field = 1) { return Fields(Counted(9, id)).value(field); }
 
     /// The fields of a reply of one line behind "OK".
     QByteArrayList Fields(const QByteArray &request) { return Ask(request).mid(8).chopped(2).split('\0'); }
@@ -313,21 +336,12 @@ private slots:
 
     void uploadReachesTheOtherUserAndTheHistory()
     {
-        QVERIFY(server->AddUser("ben", "ben"));
-        QVERIFY(server->Start({}, {}, {"--line-seconds", "0"}));
+        StartWithBen("0");
         const QByteArray file = ReadTestFile(strFax);
         RawClient anna(*server);
         QCOMPARE(anna.LogIn("anna", abAnna), abOk);
-        QByteArray ben;
-        for (const QByteArray &line : anna.Ask(Number(13)).split('\n'))
-            ben = line.contains("ben") ? line.split('\0').first() : ben;
-        const QByteArray receivers = "Ben[" + ben + "];\"Shop\"<123>;";
-        const QByteArrayList header = {
-            "", "O~$@~Hara", "x.tif", "2", "0", "soon", "2020-01-01 00:00:00", receivers, "0", "0", ""};
-        QCOMPARE(anna.Ask(Counted(8, header.join('\0'))), abOk);
-        anna.Send(Number(12) + Number(qint32(file.size())) + file.left(100));
-        anna.Send(file.mid(100, 5000));
-        const QByteArray id = anna.Ask(file.mid(5100), 36).mid(4);
+        const QByteArray ben = IdOf(anna, "ben");
+        const QByteArray id = anna.Upload(Header("Ben; B.[" + ben + "];\"Shop\"<123>;"), file);
         QByteArrayList state = anna.Fields(Counted(9, id)).mid(1);
         state.remove(1);
         QCOMPARE(state, (QByteArrayList{"4", '[' + ben + "];", "4;4;", "\"Shop\"<123>;", ""}));
@@ -345,6 +359,125 @@ private slots:
         QCOMPARE(other.Ask(Counted(19, copy + ';')).mid(8), copy + ";\r\n");
         const QByteArray receipts = other.Ask(Counted(20, copy + ';')).mid(8);
         QVERIFY(receipts.startsWith(copy + '\1') && receipts.endsWith(",1;,0;\r\n"));
+        const QByteArray forwarded =
+            other.Upload(Header("Anna[" + IdOf(other, "anna") + "];", "", "Shop"), file);
+        QCOMPARE(forwarded.size(), 32);
+        const QByteArrayList mine = anna.Fields(FaxRequest(anna.List().value(0)));
+        QCOMPARE(mine.value(0), QByteArray("Shop"));
+        QCOMPARE(mine.value(10), ben);
+    }
+
+    void numberDecidesHowAFaxEnds()
+    {
+        StartWithBen("0");
+        RawClient anna(*server);
+        QCOMPARE(anna.LogIn("anna", abAnna), abOk);
+        struct Row
+        {
+            QByteArray abNumber;
+            QByteArray abCalls;
+            QByteArray abFax;
+            QByteArray abAnswer; ///< to a resend
+            QByteArray abAfter;  ///< the fax's state then
+        };
+        const QList<Row> rows = {{"123", "4;", "4", "0;", "4"},    {"555 901", "4;", "4", "0;", "4"},
+                                 {"902", "10;", "10", "1;", "10"}, {"(0)9-03", "10;", "10", "1;", "4"},
+                                 {"904", "2;", "2", "1;", "2"},    {"905", "4;", "4", "0;", "4"},
+                                 {"906", "2;", "2", "1;", "2"},    {"907", "5;", "5", "1;", "5"},
+                                 {"908", "11;", "11", "0;", "11"}, {"909", "3;", "2", "1;", "2"},
+                                 {"910", "7;", "7", "1;", "7"},    {"none", "2;", "2", "1;", "2"}};
+        for (const Row &row : rows) {
+            const QByteArray id = anna.Upload(Header("\"A\"<" + row.abNumber + ">;"), ReadTestFile(strFax));
+            QCOMPARE(anna.State(id, 4), row.abCalls);
+            QCOMPARE(anna.State(id), row.abFax);
+            QCOMPARE(anna.Ask(Counted(16, id + ';')).mid(8), row.abAnswer + "\r\n");
+            QCOMPARE(anna.State(id), row.abAfter);
+        }
+        const QByteArray noPicture = anna.Upload(Header("\"A\"<123>;"), QByteArray(500, 'x'));
+        QCOMPARE(anna.State(noPicture), QByteArray("6"));
+        const QByteArray both = anna.Upload(Header("\"A\"<902>;\"B\"<1>;X[FF];"), ReadTestFile(strFax));
+        QCOMPARE(anna.State(both, 4), QByteArray("2;10;4;"));
+        QCOMPARE(anna.State(anna.Upload(Header(""), ReadTestFile(strFax))), QByteArray("2")); // to nobody
+    }
+
+    void onlyItsOwnerTakesAFaxOffTheLine()
+    {
+        StartWithBen("3600");
+        RawClient anna(*server), ben(*server);
+        QCOMPARE(anna.LogIn("anna", abAnna), abOk);
+        QCOMPARE(ben.LogIn("ben", abBen), abOk);
+        const QByteArray soon =
+            QDateTime::currentDateTime().addSecs(2).toString("yyyy-MM-dd HH:mm:ss").toLatin1();
+        const QByteArray people = "Ben[" + IdOf(anna, "ben") + "];\"A\"<123>;";
+        const QByteArray id = anna.Upload(Header(people, soon), ReadTestFile(strFax));
+        const QByteArray never = anna.Upload(Header(people, "2990-01-01 00:00:00"), ReadTestFile(strFax));
+        QCOMPARE(ben.State(id), QByteArray("11"));
+        QCOMPARE(ben.Ask(Counted(16, id + ';')).mid(8), QByteArray("0;\r\n"));
+        ben.Ask(Counted(15, id + ';' + never + ';'));
+        QCOMPARE(anna.State(id), QByteArray("1"));
+        QCOMPARE(anna.State(id), QByteArray("3")); // nothing has moved since
+        QCOMPARE(anna.Ask(Counted(16, id + ';' + QByteArray(32, 'A') + ';')).mid(8), QByteArray("1;0;\r\n"));
+        QCOMPARE(ben.List().size(), 0);
+        QTRY_COMPARE(ben.List().size(), 1); // its time has come
+        QCOMPARE(anna.State(id), QByteArray("1"));
+        QCOMPARE(anna.State(id, 4), QByteArray("4;1;"));
+        QCOMPARE(anna.List(History("1;0;0;0")), (QByteArrayList{id, never}));
+        QCOMPARE(anna.Ask(Counted(15, id + ';' + never + ';')), abOk);
+        QCOMPARE(anna.State(id), QByteArray("11"));
+        QCOMPARE(anna.State(id, 4), QByteArray("4;11;"));
+        QCOMPARE(anna.List(History("0;0;1;0")), (QByteArrayList{id, never}));
+    }
+
+    void killedServerGoesOnWithWhatItAnsweredFor()
+    {
+        StartWithBen("3600");
+        QByteArray id;
+        {
+            RawClient anna(*server);
+            QCOMPARE(anna.LogIn("anna", abAnna), abOk);
+            id = anna.Upload(Header("Ben[" + IdOf(anna, "ben") + "];\"A\"<901>;"), ReadTestFile(strFax));
+            QCOMPARE(anna.State(id, 4), QByteArray("4;1;"));
+            QCOMPARE(anna.Ask(Header("\"A\"<1>;")), abOk);
+            anna.Send(Number(12) + Number(1000) + QByteArray(500, 'x'));
+            QVERIFY(WriteTestFile(server->DataFolder() + "/faxes/" + id + ".tif.abcdef", "half a file"));
+        }
+        server->Kill();
+        QVERIFY(server->Start({}, {}, {"--line-seconds", "0"}));
+        QCOMPARE(FaxFiles(), QStringList{id + ".tif"});
+        RawClient anna(*server), ben(*server);
+        QCOMPARE(anna.LogIn("anna", abAnna), abOk);
+        QCOMPARE(ben.LogIn("ben", abBen), abOk);
+        QCOMPARE(anna.State(id, 4), QByteArray("4;4;"));
+        QCOMPARE(anna.List(History("1;1;1;0")), QByteArrayList{id});
+        QVERIFY(anna.Fetch(id) == ReadTestFile(strFax));
+        QCOMPARE(ben.List().size(), 1);
+        QCOMPARE(server->Run({"--data", server->DataFolder(), "--port", "0"}), 1); // one server a folder
+    }
+
+    void scriptKeepsTheIdOrRefusesTheFax()
+    {
+        QVERIFY(server->Start("on 8 #1 keep-id\non 8 #2 keep-id\non 12 #2 refuse 23"));
+        RawClient anna(*server);
+        QCOMPARE(anna.LogIn("anna", abAnna), abOk);
+        const QByteArray header = Header("\"A\"<1>;");
+        QCOMPARE(anna.Upload(header, ReadTestFile(strFax)), QByteArray("0123456789ABCDEF0123456789ABCDEF"));
+        QCOMPARE(anna.Ask(header), Refused(22)); // the id is taken
+        QCOMPARE(anna.Upload(header, ReadTestFile(strFax)), Refused(23).mid(4));
+        QCOMPARE(anna.List(History("1;1;1;1")).size(), 1);
+    }
+
+    void refusedHeaderLeavesTheConnection()
+    {
+        StartWithFaxes(0);
+        RawClient anna(*server);
+        QCOMPARE(anna.LogIn("anna", abAnna), abOk);
+        const QByteArray people = QByteArray("A[B];").repeated(2) + QByteArray("\"A\"<1>;").repeated(5000);
+        const QByteArrayList headers = {Counted(8, "1;"), Header("", "tomorrow"), Header(people),
+                                        Header("\"A\"<1>;", "", QByteArray(300000, 'x')),
+                                        Counted(8, QByteArray("';") + Header("").mid(8))};
+        for (const QByteArray &header : headers)
+            QCOMPARE(anna.Ask(header), Refused(22));
+        QCOMPARE(anna.List(History("1;1;1;1")).size(), 0);
     }
 
     void readingShowsInAllCopiesOfTheFax()
@@ -378,7 +511,7 @@ private slots:
                                        Number(9) + Number(-1),
                                        Number(9) + Number(0x7fffffff),
                                        Number(12) + Number(1000) + "abc",
-                                       Counted(8, "1;") + Number(12) + Number(-5),
+                                       Header("") + Number(12) + Number(-5),
                                        Number(1) + QByteArray(200000, 'a')};
         for (const QByteArray &bytes : inputs) {
             RawClient bad(*server);
@@ -428,6 +561,23 @@ private:
         QVERIFY2(count == 0 || server->Deliver("anna", {strFax}, count), qPrintable(server->Problem()));
         QVERIFY2(server->Start(), qPrintable(server->Problem()));
     }
+
+    void StartWithBen(const QString &lineSeconds)
+    {
+        QVERIFY(server->AddUser("ben", "ben"));
+        QVERIFY(server->Start({}, {}, {"--line-seconds", lineSeconds}));
+    }
+
+    static QByteArray IdOf(RawClient &client, const QByteArray &user)
+    {
+        for (const QByteArray &line : client.Ask(Number(13)).mid(8).split('\n')) {
+            if (line.split('\0').value(1) == user)
+                return line.split('\0').first();
+        }
+        return {};
+    }
+
+    QStringList FaxFiles() const { return QDir(server->DataFolder() + "/faxes").entryList(QDir::Files); }
 
     std::unique_ptr<TrialServer> server;
     QString strFax;

@@ -30,6 +30,12 @@ std::optional<Account> Accounts::Find(const QString &login) const
     return row.Next() ? std::optional<Account>(AccountOf(row)) : std::nullopt;
 }
 
+std::optional<QString> Accounts::NameOf(const QString &id) const
+{
+    Statement row = objDatabase.Query("SELECT Name FROM Account WHERE ID = ?", {id});
+    return row.Next() ? std::optional<QString>(row.Text(0)) : std::nullopt;
+}
+
 QList<Account> Accounts::All() const
 {
     Statement rows =

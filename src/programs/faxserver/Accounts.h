@@ -24,6 +24,8 @@ public:
     explicit Accounts(Database &database);
 
     std::optional<Account> Find(const QString &login) const;
+    /// The name of the account with this id; nothing for an unknown id.
+    std::optional<QString> NameOf(const QString &id) const;
     QList<Account> All() const;
     /// Adds an account, or replaces all but the id of the one of this login.
     void Save(const Account &account);

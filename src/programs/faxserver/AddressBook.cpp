@@ -9,6 +9,7 @@ namespace {
 /// The versions follow the rows by themselves, whoever writes them.
 constexpr const char *aStatements[] = {
     "CREATE TABLE IF NOT EXISTS Address (List INTEGER, Fields TEXT)",
+    "CREATE INDEX IF NOT EXISTS AddressByID ON Address (List, substr(Fields, 1, instr(Fields, char(9)) - 1))",
     "CREATE TABLE IF NOT EXISTS Version (List INTEGER PRIMARY KEY, Number INTEGER)",
     "INSERT OR IGNORE INTO Version (List, Number) SELECT 0, 1 + count(*) FROM Address WHERE List = 0",
     "INSERT OR IGNORE INTO Version (List, Number) SELECT 1, 1 + count(*) FROM Address WHERE List = 1",
@@ -71,4 +72,12 @@ int AddressBook::Version(List list) const
 {
     Statement row = objDatabase.Query("SELECT Number FROM Version WHERE List = ?", {int(list)});
     return row.Next() ? int(row.Number(0)) : 0;
+}
+
+QString AddressBook::FaxNumber(const QString &contact) const
+{
+    Statement row = objDatabase.Query(
+        "SELECT Fields FROM Address WHERE List = ? AND substr(Fields, 1, instr(Fields, char(9)) - 1) = ?",
+        {int(lstContacts), contact});
+    return row.Next() ? row.Text(0).split('\t').value(5) : QString();
 }

@@ -27,6 +27,8 @@ public:
     /// The lines of the reply.
     QByteArrayList Lines(List list) const;
     int Version(List list) const;
+    /// Of the public contact with this id; empty for an unknown one.
+    QString FaxNumber(const QString &contact) const;
 
 private:
     Database &objDatabase;

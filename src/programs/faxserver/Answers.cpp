@@ -1,28 +1,25 @@
 #include "Answers.h"
 
+#include "Lines.h"
 #include "Logins.h"
+#include "OutgoingFaxes.h"
 #include "Records.h"
+#include "ServerError.h"
+#include "ServerTime.h"
 #include "Store.h"
 #include "WireText.h"
 
-#include <QDateTime>
 #include <QFile>
 #include <QRegularExpression>
+
+#include <algorithm>
 
 using namespace Frames;
 using namespace WireText;
 
 namespace {
 
-const QString strTimeForm = "yyyy-MM-dd HH:mm:ss";
 const QString strCompany = "Northgate Joinery";
-const QByteArray abRetryInterval = "5"; ///< minutes
-const QByteArray abResends = "3";
-
-QString Now(int secondsAhead = 0)
-{
-    return QDateTime::currentDateTime().addSecs(secondsAhead).toString(strTimeForm);
-}
 
 QStringList IdsOf(const QByteArray &body, char separator)
 {
@@ -31,10 +28,11 @@ QStringList IdsOf(const QByteArray &body, char separator)
 
 } // namespace
 
-Answers::Answers(Store &store, Logins &logins, int lineSeconds)
+Answers::Answers(Store &store, Logins &logins, OutgoingFaxes &outgoing, Lines &lines)
     : objStore(store)
     , objLogins(logins)
-    , lLineSeconds(lineSeconds)
+    , objOutgoing(outgoing)
+    , objLines(lines)
 {
 }
 
@@ -97,7 +95,8 @@ QByteArray Answers::LogIn(const QByteArray &body, Session &session, QTcpSocket *
         return Refused(refLocked);
     if (const int refusal = objLogins.Enter(account->strID, socket))
         return Refused(refusal);
-    session = Session{account, {}, {}};
+    session = Session();
+    session.account = account;
     return Ok();
 }
 
@@ -121,7 +120,8 @@ QByteArray Answers::Versions() const
     };
     return Ok({Record({version(AddressBook::lstGroups), version(AddressBook::lstContacts),
                        version(AddressBook::lstUsers), version(AddressBook::lstDepartments),
-                       Field(strCompany), abRetryInterval, abResends, ToAnsi(objStore.ServerID())})});
+                       Field(strCompany), QByteArray::number(OutgoingFaxes::lServerInterval),
+                       QByteArray::number(OutgoingFaxes::lServerResends), ToAnsi(objStore.ServerID())})});
 }
 
 Answers::Reply Answers::Addresses(AddressBook::List list) const
@@ -154,7 +154,6 @@ QByteArray Answers::HistoryList(const QByteArray &body, Session &session)
     const std::optional<HistoryRange> range = Records::RangeOf(FromAnsi(body));
     if (!range)
         return Refused(refBadRequest);
-    objStore.mailboxes.SettleLine(Now());
     session.aListed.clear();
     session.unfinished.clear();
     QByteArrayList lines;
@@ -190,29 +189,57 @@ QByteArray Answers::TakeAcknowledgement(Session &session)
     return Ok();
 }
 
-QByteArray Answers::FaxStates(const QByteArray &body, const Session &session)
+QByteArray Answers::FaxStates(const QByteArray &body, Session &session)
 {
-    objStore.mailboxes.SettleLine(Now());
     QByteArrayList lines;
-    for (const QString &id : IdsOf(body, '\0')) {
-        const std::optional<Fax> fax = objStore.mailboxes.Find(session.account->strID, id);
-        lines.append(fax ? Records::OfState(*fax) : Records::OfUnknownState(id));
-    }
+    for (const QString &id : IdsOf(body, '\0'))
+        lines.append(FaxState(id, session));
     return Ok(lines);
+}
+
+QByteArray Answers::FaxState(const QString &id, Session &session)
+{
+    std::optional<Fax> fax = objStore.mailboxes.Find(session.account->strID, id);
+    if (!fax || fax->lKind == kindReceived)
+        return Records::OfUnknownState(id);
+    const QList<Call> calls = objStore.calls.OfFax(id);
+    QByteArray record = Records::OfState(*fax, calls);
+    if (fax->lKind == kindSending && std::exchange(session.told[id], record) == record) {
+        fax->lKind = kindUnchanged;
+        record = Records::OfState(*fax, calls);
+    }
+    return record;
+}
+
+/// All ids of a request; those of faxes that the account does not have are reported.
+QStringList Answers::FaxIds(const QByteArray &body, const Session &session) const
+{
+    const QStringList ids = IdsOf(body, ';');
+    const auto foreign = std::count_if(ids.begin(), ids.end(), [&](const QString &id) {
+        return !objStore.mailboxes.Find(session.account->strID, id);
+    });
+    if (foreign > 0)
+        Complain(ServerError(QString("%1: ids that are of no fax of this account: %2")
+                                 .arg(session.account->strLogin, QString::number(foreign))));
+    return ids;
 }
 
 QByteArray Answers::Cancel(const QByteArray &body, const Session &session)
 {
-    for (const QString &id : IdsOf(body, ';'))
-        objStore.mailboxes.CancelSending(session.account->strID, id, Now());
+    for (const QString &id : FaxIds(body, session)) {
+        if (objOutgoing.Cancel(session.account->strID, id))
+            objLines.HangUp(id);
+    }
+    objLines.Wake();
     return Ok();
 }
 
 QByteArray Answers::Resend(const QByteArray &body, const Session &session)
 {
     QByteArray accepted;
-    for (const QString &id : IdsOf(body, ';'))
-        accepted += objStore.mailboxes.Resend(session.account->strID, id, Now(lLineSeconds)) ? "1;" : "0;";
+    for (const QString &id : FaxIds(body, session))
+        accepted += objOutgoing.Resend(session.account->strID, id) ? "1;" : "0;";
+    objLines.Wake();
     return Ok({accepted});
 }
 
@@ -221,7 +248,7 @@ QByteArray Answers::TakeReceipts(const QByteArray &body, const Session &session)
 {
     QByteArray taken;
     for (const QString &id : IdsOf(body, ';')) {
-        objStore.mailboxes.MarkRead(session.account->strID, id, Now());
+        objStore.mailboxes.MarkRead(session.account->strID, id, ServerTime::Now());
         taken += Field(id) + ';';
     }
     return Ok({taken});

@@ -7,7 +7,9 @@
 #include <QByteArray>
 #include <QString>
 
+class Lines;
 class Logins;
+class OutgoingFaxes;
 class QTcpSocket;
 class Store;
 
@@ -23,8 +25,7 @@ public:
         bool bClose = false;
     };
 
-    /// `lineSeconds` is the time that the simulated line takes for a fax.
-    Answers(Store &store, Logins &logins, int lineSeconds);
+    Answers(Store &store, Logins &logins, OutgoingFaxes &outgoing, Lines &lines);
 
     /// Raises `ServerError` when the store fails.
     Reply To(const Requests::Request &request, Session &session, QTcpSocket *socket);
@@ -39,13 +40,17 @@ private:
     QByteArray HistoryList(const QByteArray &body, Session &session);
     Reply FaxFor(const QByteArray &body, Session &session);
     QByteArray TakeAcknowledgement(Session &session);
-    QByteArray FaxStates(const QByteArray &body, const Session &session);
+    QByteArray FaxStates(const QByteArray &body, Session &session);
+    QByteArray FaxState(const QString &id, Session &session);
     QByteArray Cancel(const QByteArray &body, const Session &session);
     QByteArray Resend(const QByteArray &body, const Session &session);
     QByteArray TakeReceipts(const QByteArray &body, const Session &session);
     QByteArray ReceiptStates(const QByteArray &body, const Session &session);
 
+    QStringList FaxIds(const QByteArray &body, const Session &session) const;
+
     Store &objStore;
     Logins &objLogins;
-    int lLineSeconds;
+    OutgoingFaxes &objOutgoing;
+    Lines &objLines;
 };

@@ -32,7 +32,9 @@ void AddOptions(QCommandLineParser &parser)
         {"seed", "Fills an empty data folder first: \"demo\" is a small office.", "name"},
         {"script", "Replaces single replies as the file says.", "file"},
         {"max-users", "How many users may be logged in; 0 for no limit.", "number", "0"},
-        {"line-seconds", "How long the simulated line takes for a fax.", "number", "3"},
+        {"lines", "How many faxes may go out at once.", "number", "2"},
+        {"line-seconds", "How long the simulated lines take for a page; 0 for no time at all.", "number",
+         "1"},
         {"deliver", "Puts the fax files into the mailboxes of the users and ends.", "user,user"},
         {"copies", "How many times to deliver each file.", "number", "1"},
         {"add-user", "Adds an account, or replaces its password, and ends.", "name"},
@@ -95,7 +97,8 @@ CommandLine CommandLine::Read(const QStringList &arguments)
     ReadTask(parser, line);
     line.settings.lPort = quint16(NumberOf(parser, "port", 65535));
     line.settings.lMostUsers = NumberOf(parser, "max-users", 1000);
-    line.settings.lLineSeconds = NumberOf(parser, "line-seconds", 86400);
+    line.settings.lines.lLines = NumberOf(parser, "lines", 100);
+    line.settings.lines.lPageSeconds = NumberOf(parser, "line-seconds", 86400);
     line.lCopies = NumberOf(parser, "copies", lMostCopies);
     line.bLock = parser.isSet("lock");
     line.strDataFolder = parser.value("data");

@@ -1,6 +1,7 @@
 #include "Connection.h"
 
 #include "Answers.h"
+#include "Lines.h"
 #include "ServerError.h"
 #include "Store.h"
 #include "Upload.h"
@@ -9,7 +10,6 @@
 #include <QTcpSocket>
 
 #include <algorithm>
-#include <cstdio>
 
 using namespace Frames;
 using Requests::Request;
@@ -18,11 +18,6 @@ namespace {
 
 constexpr int lLullMilliseconds = 50;
 constexpr qint64 lReadAtOnce = 4 * 1024 * 1024;
-
-void Complain(const ServerError &error)
-{
-    std::fprintf(stderr, "%s\n", error.what());
-}
 
 /// Each record of a reply cut to its first fields.
 QByteArray CutRecords(const QByteArray &text, int fields)
@@ -63,15 +58,22 @@ Connection::Connection(QTcpSocket *socket, const ServerParts &parts)
     connect(&objPlayer, &ScriptPlayer::Done, this, &Connection::TakeInput, Qt::QueuedConnection);
     connect(&objStream, &ReplyStream::Idle, this, &Connection::TakeInput, Qt::QueuedConnection);
     connect(&objStream, &ReplyStream::FileSent, this, [this] { session.unfinished.remove(strSending); });
-    Respond(Script::lGreeting, {}, [this](int) { objStream.SendShort("Welcome\r\n1.6 beta\r\n"); });
+    Respond(parts.objScript.Match(Script::lGreeting), 0,
+            [this](int) { objStream.SendShort("Welcome\r\n1.6 beta\r\n"); });
 }
 
-Connection::~Connection() = default;
+Connection::~Connection()
+{
+    if (objUpload && objUpload->HasBegun())
+        ReportUpload(ServerError(QString("%1 bytes of its file are missing").arg(objUpload->Missing())));
+}
 
 void Connection::TakeInput()
 {
     if (!objPlayer.IsBusy())
         abInput += sckClient->readAll();
+    if (bRefused)
+        abInput.clear();
     while (!abInput.isEmpty() && !IsBlocked() && TakeNext()) {
     }
 }
@@ -117,14 +119,15 @@ void Connection::OnRequest(const Request &request)
     else if (request.lCommand == cmdSendFaxFile && session.account)
         BeginUpload(request);
     else
-        Respond(request.lCommand, request, [this, request](int fields) { Answer(request, fields); });
+        Respond(objParts.objScript.Match(request.lCommand), request.lCommand,
+                [this, request](int fields) { Answer(request, fields); });
 }
 
-void Connection::Respond(int event, const Request &request, ScriptPlayer::Answer answer)
+void Connection::Respond(const Steps &steps, int command, ScriptPlayer::Answer answer)
 {
     objStream.BeginReply();
-    if (const std::optional<QList<ScriptAction>> actions = objParts.objScript.Match(event))
-        objPlayer.Play(*actions, Requests::HasLongReply(request.lCommand), std::move(answer));
+    if (steps)
+        objPlayer.Play(*steps, Requests::HasLongReply(command), std::move(answer));
     else
         answer(0);
 }
@@ -159,8 +162,20 @@ void Connection::Send(int command, const QByteArray &text)
 
 void Connection::BeginUpload(const Request &request)
 {
-    objUpload = std::make_unique<Upload>(objParts.objStore, *session.account, request.abBody);
-    Respond(request.lCommand, request, [this](int) { objStream.SendShort(WireText::Ok()); });
+    const Steps steps = objParts.objScript.Match(request.lCommand);
+    objUpload.reset();
+    try {
+        objUpload = std::make_unique<Upload>(objParts.objStore, *session.account, request.abBody);
+        if (steps && Script::Has(*steps, ScriptAction::actKeepID))
+            objUpload->KeepID();
+    } catch (const ServerError &error) {
+        ReportUpload(error);
+        objUpload.reset();
+        objStream.BeginReply();
+        objStream.SendShort(WireText::Refused(WireText::refBadRequest));
+        return;
+    }
+    Respond(steps, request.lCommand, [this](int) { objStream.SendShort(WireText::Ok()); });
 }
 
 void Connection::BeginUploadedFile(const Request &request)
@@ -171,7 +186,7 @@ void Connection::BeginUploadedFile(const Request &request)
     try {
         objUpload->Begin(request.lFileSize);
     } catch (const ServerError &error) {
-        Complain(error);
+        ReportUpload(error);
         return RefuseAndClose(WireText::refStoreFailed);
     }
     TakeUploadedBytes(request.abBody);
@@ -184,20 +199,33 @@ void Connection::TakeUploadedBytes(const QByteArray &bytes)
         if (objUpload->Missing() == 0)
             FinishUpload();
     } catch (const ServerError &error) {
-        Complain(error);
+        ReportUpload(error);
         RefuseAndClose(WireText::refStoreFailed);
     }
 }
 
+/// A fax that a script refuses is not kept.
 void Connection::FinishUpload()
 {
-    const QString id = objUpload->Finish(objParts.lLineSeconds);
-    objUpload.reset();
-    Respond(cmdFileHeader, {}, [this, id](int) { objStream.SendShort(id.toLatin1()); });
+    const Steps steps = objParts.objScript.Match(cmdFileHeader);
+    const std::unique_ptr<Upload> upload = std::move(objUpload);
+    QString id;
+    if (!steps || !Script::Has(*steps, ScriptAction::actRefuse))
+        id = upload->Finish(objParts.objOutgoing);
+    Respond(steps, cmdFileHeader, [this, id](int) { objStream.SendShort(id.toLatin1()); });
+    objParts.objLines.Wake();
+}
+
+void Connection::ReportUpload(const ServerError &error) const
+{
+    Complain(
+        ServerError(QString("%1: a fax is refused: %2").arg(session.account->strLogin, error.Description())));
 }
 
 void Connection::RefuseAndClose(int reason)
 {
+    bRefused = true;
+    objUpload.reset();
     abInput.clear();
     objStream.BeginReply();
     objStream.SendShort(WireText::Refused(reason));

@@ -11,7 +11,10 @@
 #include <memory>
 
 class Answers;
+class Lines;
+class OutgoingFaxes;
 class QTcpSocket;
+class ServerError;
 class Store;
 class Upload;
 
@@ -21,7 +24,8 @@ struct ServerParts
     Store &objStore;
     Answers &objAnswers;
     Script &objScript;
-    int lLineSeconds;
+    OutgoingFaxes &objOutgoing;
+    Lines &objLines;
 };
 
 /// One client: takes its requests in their order and has each answered before the next.
@@ -39,13 +43,16 @@ private:
     bool TakeNext();
     bool IsBlocked() const;
     void OnRequest(const Requests::Request &request);
-    void Respond(int event, const Requests::Request &request, ScriptPlayer::Answer answer);
+    using Steps = std::optional<QList<ScriptAction>>;
+
+    void Respond(const Steps &steps, int command, ScriptPlayer::Answer answer);
     void Answer(const Requests::Request &request, int fields);
     void BeginUpload(const Requests::Request &request);
     void BeginUploadedFile(const Requests::Request &request);
     void TakeUploadedBytes(const QByteArray &bytes);
     void FinishUpload();
     void Send(int command, const QByteArray &text);
+    void ReportUpload(const ServerError &error) const;
     void RefuseAndClose(int reason);
 
     QTcpSocket *sckClient;
@@ -57,5 +64,6 @@ private:
     QByteArray abInput;
     QTimer tmrLull; ///< runs behind a request that does not tell its length
     bool bAllCame = false;
-    QString strSending; ///< the fax whose file goes out
+    bool bRefused = false; ///< what still comes is not understood
+    QString strSending;    ///< the fax whose file goes out
 };

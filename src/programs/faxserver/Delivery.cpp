@@ -2,9 +2,9 @@
 
 #include "FaxFile.h"
 #include "ServerError.h"
+#include "ServerTime.h"
 #include "Store.h"
 
-#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 
@@ -35,7 +35,7 @@ Fax FaxOf(const QString &file, const QList<Account> &owners)
     fax.lSize = info.size();
     fax.strSender = "+44 20 7946 0018";
     fax.strTitle = info.completeBaseName();
-    fax.strTime = QDateTime::currentDateTime().toString("yyyy-MM-dd HH:mm:ss");
+    fax.strTime = ServerTime::Now();
     for (const Account &owner : owners) {
         fax.strUsers += owner.strID + ';';
         fax.strReceipts += ",0;";

@@ -1,7 +1,10 @@
 #include "DemoOffice.h"
 
 #include "DemoPages.h"
+#include "FaxHeader.h"
 #include "FaxWriter.h"
+#include "OutgoingFaxes.h"
+#include "ServerTime.h"
 #include "Store.h"
 
 #include <QDateTime>
@@ -10,8 +13,6 @@
 #include <functional>
 
 namespace {
-
-const QString strTimeForm = "yyyy-MM-dd HH:mm:ss";
 
 /// A document, who sent it, and when.
 struct Document
@@ -114,7 +115,7 @@ Fax MakeFax(const Store &store, const Document &document)
     fax.strTitle = document.strTitle;
     fax.lLevel = document.lLevel;
     fax.strRemark = document.strRemark;
-    fax.strTime = document.Time().toString(strTimeForm);
+    fax.strTime = ServerTime::TextOf(document.Time());
     return fax;
 }
 
@@ -135,8 +136,9 @@ private:
     QString AddAccount(const QString &login, const QString &name, const QString &department);
     QString AddContact(const QStringList &fields);
     void GiveTo(const QString &owner, Fax fax);
+    /// One that is still to be sent waits for tomorrow.
     void AddSentFax(const QString &owner, Fax fax, int kind, int daysAgo, const QString &title,
-                    const QString &contacts, const QString &typed);
+                    const QStringList &contacts, const QStringList &typed);
 
     Store &objStore;
     QString strAnna;
@@ -206,7 +208,7 @@ void Office::AddIncoming()
         if (isForBoth) {
             fax.strDistribution = Accounts::NewID();
             fax.strUsers += strBen + ';';
-            const QString read = document.Time().addSecs(5400).toString(strTimeForm);
+            const QString read = ServerTime::TextOf(document.Time().addSecs(5400));
             fax.strReceipts = document.strName == "pricelist" ? ",0;" + read + ",1;" : ",0;,0;";
             GiveTo(strBen, fax);
         }
@@ -225,18 +227,20 @@ void Office::AddIncoming()
 }
 
 void Office::AddSentFax(const QString &owner, Fax fax, int kind, int daysAgo, const QString &title,
-                        const QString &contacts, const QString &typed)
+                        const QStringList &contacts, const QStringList &typed)
 {
-    const QDateTime time(QDate::currentDate().addDays(-daysAgo), QTime(9, 40, 12));
+    const QDate today = QDate::currentDate();
+    const QDateTime time(today.addDays(-daysAgo), QTime(9, 40, 12));
     fax.strID = Accounts::NewID();
     fax.strOwner = owner;
     fax.lKind = kind;
     fax.strTitle = title;
-    fax.strContacts = contacts;
-    fax.strTyped = typed;
-    fax.strTime = time.toString(strTimeForm);
-    fax.strEndTime = kind == kindHeld ? QString() : time.addSecs(170).toString(strTimeForm);
-    objStore.mailboxes.Insert(fax);
+    fax.strTime = ServerTime::TextOf(time);
+    fax.strEndTime = kind == kindSending ? QString() : ServerTime::TextOf(time.addSecs(170));
+    FaxHeader header;
+    header.aContacts = contacts;
+    header.aTyped = typed;
+    OutgoingFaxes(objStore).Insert(fax, header, {today.addDays(1), QTime(8, 0)});
 }
 
 void Office::AddSent()
@@ -252,11 +256,11 @@ void Office::AddSent()
                          1,
                          OnePage(DemoPages::DrawReply)};
     const Fax fax = MakeFax(objStore, reply);
-    AddSentFax(strAnna, fax, kindSent, 24, "Delivery on the 14th", strHarbour + ';', {});
-    AddSentFax(strAnna, fax, kindSent, 10, "Complaint about lot 3", strKeller + ';', {});
-    AddSentFax(strAnna, fax, kindFailed, 6, "Offer for shelves", {}, "\"School\"<01632 960 999>;");
-    AddSentFax(strAnna, fax, kindHeld, 0, "Thursday suits us well", strHarbour + ';', {});
-    AddSentFax(strBen, fax, kindSent, 4, "Order of sanding discs", {}, "\"Brightwell\"<01632 960 240>;");
+    AddSentFax(strAnna, fax, kindSent, 24, "Delivery on the 14th", {strHarbour}, {});
+    AddSentFax(strAnna, fax, kindSent, 10, "Complaint about lot 3", {strKeller}, {});
+    AddSentFax(strAnna, fax, kindFailed, 6, "Offer for shelves", {}, {"\"School\"<01632 960 999>"});
+    AddSentFax(strAnna, fax, kindSending, 0, "Thursday suits us well", {strHarbour}, {});
+    AddSentFax(strBen, fax, kindSent, 4, "Order of sanding discs", {}, {"\"Brightwell\"<01632 960 240>"});
 }
 
 } // namespace

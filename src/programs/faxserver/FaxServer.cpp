@@ -13,8 +13,10 @@ constexpr qsizetype lMostConnections = 1000;
 FaxServer::FaxServer(Store &store, const ServerSettings &settings)
     : objSettings(settings)
     , objLogins(settings.lMostUsers)
-    , objAnswers(store, objLogins, settings.lLineSeconds)
-    , objParts{store, objAnswers, objSettings.script, settings.lLineSeconds}
+    , objOutgoing(store)
+    , objLines(store, objOutgoing, settings.lines)
+    , objAnswers(store, objLogins, objOutgoing, objLines)
+    , objParts{store, objAnswers, objSettings.script, objOutgoing, objLines}
 {
     connect(&objListener, &QTcpServer::newConnection, this, &FaxServer::Accept);
 }
@@ -30,6 +32,7 @@ quint16 FaxServer::Listen()
     if (!objListener.listen(QHostAddress::LocalHost, objSettings.lPort))
         throw ServerError(QString("Port %1 cannot be listened on: %2.")
                               .arg(QString::number(objSettings.lPort), objListener.errorString()));
+    objLines.Wake();
     return objListener.serverPort();
 }
 

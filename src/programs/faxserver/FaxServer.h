@@ -2,7 +2,9 @@
 
 #include "Answers.h"
 #include "Connection.h"
+#include "Lines.h"
 #include "Logins.h"
+#include "OutgoingFaxes.h"
 #include "Script.h"
 
 #include <QObject>
@@ -14,7 +16,7 @@ struct ServerSettings
 {
     quint16 lPort = 8750; ///< 0 for any
     int lMostUsers = 0;   ///< 0 for no limit
-    int lLineSeconds = 3; ///< how long the simulated line takes for a fax
+    LineSettings lines;
     Script script;
 };
 
@@ -27,7 +29,7 @@ public:
     FaxServer(Store &store, const ServerSettings &settings);
     ~FaxServer() override;
 
-    /// Begins to listen and returns the port. Raises `ServerError`.
+    /// Begins to listen and to dial, and returns the port. Raises `ServerError`.
     quint16 Listen();
 
 private:
@@ -35,6 +37,8 @@ private:
 
     ServerSettings objSettings;
     Logins objLogins;
+    OutgoingFaxes objOutgoing;
+    Lines objLines;
     Answers objAnswers;
     ServerParts objParts;
     QTcpServer objListener;

@@ -9,7 +9,7 @@ namespace {
 
 const QByteArray abColumns =
     "ID, Owner, Kind, IsWaiting, File, Size, Sender, Title, Pages, Level, Remark, FaxTime, Contacts, Users, "
-    "Typed, Resender, Receipts, EndTime, DueTime, Distribution";
+    "Typed, Resender, Receipts, EndTime, Distribution";
 
 Fax FaxOf(const Statement &row)
 {
@@ -32,8 +32,7 @@ Fax FaxOf(const Statement &row)
     fax.strResender = row.Text(15);
     fax.strReceipts = row.Text(16);
     fax.strEndTime = row.Text(17);
-    fax.strDueTime = row.Text(18);
-    fax.strDistribution = row.Text(19);
+    fax.strDistribution = row.Text(18);
     return fax;
 }
 
@@ -49,7 +48,7 @@ Mailboxes::Mailboxes(Database &database, const QString &filesFolder)
         "CREATE TABLE IF NOT EXISTS Fax (ID TEXT PRIMARY KEY, Owner TEXT, Kind INTEGER, IsWaiting INTEGER, "
         "File TEXT, Size INTEGER, Sender TEXT, Title TEXT, Pages INTEGER, Level INTEGER, Remark TEXT, "
         "FaxTime TEXT, Contacts TEXT, Users TEXT, Typed TEXT, Resender TEXT, Receipts TEXT, EndTime TEXT, "
-        "DueTime TEXT, Distribution TEXT)");
+        "Distribution TEXT)");
     AddDistribution();
     objDatabase.Run("CREATE INDEX IF NOT EXISTS FaxByOwner ON Fax (Owner, IsWaiting)");
 }
@@ -70,12 +69,11 @@ QString Mailboxes::PathOf(const QString &file) const
 void Mailboxes::Insert(const Fax &fax)
 {
     static const QByteArray sql = "INSERT INTO Fax (" + abColumns +
-                                  ") VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
-    objDatabase.Run(sql.constData(), {fax.strID,       fax.strOwner,   fax.lKind,      int(fax.bWaiting),
-                                      fax.strFile,     fax.lSize,      fax.strSender,  fax.strTitle,
-                                      fax.lPages,      fax.lLevel,     fax.strRemark,  fax.strTime,
-                                      fax.strContacts, fax.strUsers,   fax.strTyped,   fax.strResender,
-                                      fax.strReceipts, fax.strEndTime, fax.strDueTime, fax.strDistribution});
+                                  ") VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
+    objDatabase.Run(sql.constData(), {fax.strID, fax.strOwner, fax.lKind, int(fax.bWaiting), fax.strFile,
+                                      fax.lSize, fax.strSender, fax.strTitle, fax.lPages, fax.lLevel,
+                                      fax.strRemark, fax.strTime, fax.strContacts, fax.strUsers, fax.strTyped,
+                                      fax.strResender, fax.strReceipts, fax.strEndTime, fax.strDistribution});
 }
 
 QList<Fax> Mailboxes::Select(const QByteArray &condition, const QVariantList &values) const
@@ -86,6 +84,12 @@ QList<Fax> Mailboxes::Select(const QByteArray &condition, const QVariantList &va
     while (rows.Next())
         found.append(FaxOf(rows));
     return found;
+}
+
+std::optional<Fax> Mailboxes::Find(const QString &id) const
+{
+    const QList<Fax> found = Select("ID = ?", {id});
+    return found.isEmpty() ? std::nullopt : std::optional<Fax>(found.first());
 }
 
 std::optional<Fax> Mailboxes::Find(const QString &owner, const QString &id) const
@@ -101,7 +105,7 @@ QList<Fax> Mailboxes::Waiting(const QString &owner) const
 
 QList<Fax> Mailboxes::History(const QString &owner, const HistoryRange &range) const
 {
-    return Select("Owner = ? AND substr(FaxTime, 1, 10) BETWEEN ? AND ? AND CASE WHEN Kind IN (1, 3) THEN ? "
+    return Select("Owner = ? AND substr(FaxTime, 1, 10) BETWEEN ? AND ? AND CASE WHEN Kind = 1 THEN ? "
                   "WHEN Kind = 4 THEN ? WHEN Kind = 9 THEN ? ELSE ? END ORDER BY FaxTime, rowid",
                   {owner, range.strFrom, range.strTo, int(range.bSending), int(range.bSent),
                    int(range.bReceived), int(range.bFailed)});
@@ -130,24 +134,7 @@ void Mailboxes::MarkRead(const QString &owner, const QString &id, const QString 
                     {entries.join(';'), id, fax->strDistribution});
 }
 
-void Mailboxes::SettleLine(const QString &now)
+void Mailboxes::SetState(const QString &id, int kind, const QString &endTime)
 {
-    objDatabase.Run(
-        "UPDATE Fax SET Kind = 4, EndTime = DueTime WHERE Kind = 1 AND DueTime <> '' AND DueTime <= ?",
-        {now});
-}
-
-bool Mailboxes::CancelSending(const QString &owner, const QString &id, const QString &now)
-{
-    return objDatabase.Run(
-               "UPDATE Fax SET Kind = 11, EndTime = ? WHERE ID = ? AND Owner = ? AND Kind IN (1, 3)",
-               {now, id, owner}) > 0;
-}
-
-bool Mailboxes::Resend(const QString &owner, const QString &id, const QString &due)
-{
-    return objDatabase.Run(
-               "UPDATE Fax SET Kind = 1, EndTime = '', DueTime = ? WHERE ID = ? AND Owner = ? AND "
-               "Kind NOT IN (1, 4, 9)",
-               {due, id, owner}) > 0;
+    objDatabase.Run("UPDATE Fax SET Kind = ?, EndTime = ? WHERE ID = ?", {kind, endTime, id});
 }

@@ -8,14 +8,17 @@
 
 class Database;
 
-/// States of a sent fax, and the mark of a received one in a history.
+/// States of a sent fax and of its calls, and the mark of a received one in a history.
 enum FaxKind {
     kindSending = 1,
     kindFailed = 2,
-    kindHeld = 3,
+    kindUnchanged = 3, ///< told for `kindSending` when nothing has moved; of a call: the operator ended it
     kindSent = 4,
+    kindBarred = 5,
     kindBadFile = 6,
+    kindUnheardOf = 7, ///< clients do not know it
     kindReceived = 9,
+    kindNoneLeft = 10, ///< no attempt is left
     kindRemoved = 11
 };
 
@@ -39,8 +42,7 @@ struct Fax
     QString strTyped;    ///< recipients typed in by hand, as they stand
     QString strResender; ///< id of the account that forwarded it
     QString strReceipts; ///< per recipient a read time, a comma and 1 or 0
-    QString strEndTime;  ///< when sending ended
-    QString strDueTime;  ///< when the simulated line will have sent it
+    QString strEndTime;  ///< when the last attempt to send it ended
     /// The same for all copies of a received fax that several accounts have got: who reads his copy shows in
     /// the receipts of all. Empty for the only one.
     QString strDistribution;
@@ -65,6 +67,7 @@ public:
 
     QString PathOf(const QString &file) const;
     void Insert(const Fax &fax);
+    std::optional<Fax> Find(const QString &id) const;
     std::optional<Fax> Find(const QString &owner, const QString &id) const;
     /// Oldest first.
     QList<Fax> Waiting(const QString &owner) const;
@@ -75,11 +78,7 @@ public:
     /// one that is still unread.
     void MarkRead(const QString &owner, const QString &id, const QString &time);
 
-    /// Sends what the simulated line has finished with by now.
-    void SettleLine(const QString &now);
-    bool CancelSending(const QString &owner, const QString &id, const QString &now);
-    /// Puts a failed fax on the line again. False when there is nothing to resend.
-    bool Resend(const QString &owner, const QString &id, const QString &due);
+    void SetState(const QString &id, int kind, const QString &endTime);
 
 private:
     void AddDistribution();

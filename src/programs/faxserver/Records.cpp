@@ -29,13 +29,13 @@ QByteArray Records::OfFax(const Fax &fax)
                    ToAnsi(fax.strReceipts)});
 }
 
-QByteArray Records::OfState(const Fax &fax)
+QByteArray Records::OfState(const Fax &fax, const QList<Call> &calls)
 {
-    const qsizetype recipients =
-        fax.strContacts.count(';') + fax.strUsers.count(';') + fax.strTyped.count(';');
-    const QByteArray kind = QByteArray::number(fax.lKind);
-    return Record({ToAnsi(fax.strID), kind, ToAnsi(fax.strEndTime), Marked(fax.strUsers, "[", "]"),
-                   (kind + ';').repeated(recipients), Field(fax.strTyped), ToAnsi(fax.strContacts)});
+    QByteArray statuses;
+    for (const Call &call : calls)
+        statuses += QByteArray::number(call.lStatus) + ';';
+    return Record({ToAnsi(fax.strID), QByteArray::number(fax.lKind), ToAnsi(fax.strEndTime),
+                   Marked(fax.strUsers, "[", "]"), statuses, Field(fax.strTyped), ToAnsi(fax.strContacts)});
 }
 
 QByteArray Records::OfUnknownState(const QString &id)

@@ -7,6 +7,8 @@
 #include <QHash>
 #include <QRegularExpression>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int lLastCommand = 20;
@@ -133,6 +135,7 @@ ScriptAction ParseAction(Words &words)
         {"stall-after", {ScriptAction::actStallAfter, shapeNumber}},
         {"declare", {ScriptAction::actDeclare, shapeDeclare}},
         {"fields", {ScriptAction::actFields, shapeNumber}},
+        {"keep-id", {ScriptAction::actKeepID, shapeBare}},
     };
     const QString name = words.Take("an action");
     const auto found = known.constFind(name);
@@ -170,6 +173,7 @@ bool MeansAnAnswer(const QList<ScriptAction> &actions)
         case ScriptAction::actDeclare:
         case ScriptAction::actDeclareBy:
         case ScriptAction::actFields:
+        case ScriptAction::actKeepID:
             break;
         default:
             return false;
@@ -244,4 +248,10 @@ std::optional<QList<ScriptAction>> Script::Match(int event)
             return rule.aActions;
     }
     return std::nullopt;
+}
+
+bool Script::Has(const QList<ScriptAction> &actions, ScriptAction::Kind kind)
+{
+    return std::any_of(actions.begin(), actions.end(),
+                       [kind](const ScriptAction &action) { return action.kind == kind; });
 }

@@ -24,7 +24,8 @@ struct ScriptAction
         actStallAfter, ///< what is behind `lFirst` bytes of the reply never leaves
         actDeclare,    ///< the size `lFirst` is told instead of the real one
         actDeclareBy,  ///< the size told is wrong by `lFirst`
-        actFields      ///< records of the answer end after `lFirst` fields
+        actFields,     ///< records of the answer end after `lFirst` fields
+        actKeepID      ///< the fax that comes keeps the id that its sender gave it
     };
 
     Kind kind = actAnswer;
@@ -45,6 +46,7 @@ public:
 
     /// Counts one more command (or greeting), and gives the steps of the first rule that takes it.
     std::optional<QList<ScriptAction>> Match(int event);
+    static bool Has(const QList<ScriptAction> &actions, ScriptAction::Kind kind);
 
 private:
     struct Rule

@@ -40,6 +40,7 @@ void ScriptPlayer::Perform(const ScriptAction &action)
         tmrDelay.start(int(action.lFirst));
         break;
     case ScriptAction::actSilence:
+    case ScriptAction::actKeepID:
         break;
     case ScriptAction::actClose:
         objStream.GetOutlet().Close();

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <cstdio>
 #include <stdexcept>
 
 /// What the server cannot do, in words for the person who started it.
@@ -15,3 +16,9 @@ public:
 
     QString Description() const { return QString::fromUtf8(what()); }
 };
+
+/// Tells the person who started the server, on its error output.
+inline void Complain(const ServerError &error)
+{
+    std::fprintf(stderr, "%s\n", error.what());
+}

@@ -20,6 +20,7 @@ Store::Store(const QString &dataFolder)
     , accounts(objDatabase)
     , addresses(objDatabase)
     , mailboxes(objDatabase, QDir(dataFolder).filePath("faxes"))
+    , calls(objDatabase)
 {
     objDatabase.Run("CREATE TABLE IF NOT EXISTS Server (ID TEXT)");
     objDatabase.Run("INSERT INTO Server (ID) SELECT ? WHERE NOT EXISTS (SELECT 1 FROM Server)",

@@ -2,6 +2,7 @@
 
 #include "Accounts.h"
 #include "AddressBook.h"
+#include "Calls.h"
 #include "Database.h"
 #include "Mailboxes.h"
 
@@ -26,4 +27,5 @@ public:
     Accounts accounts;
     AddressBook addresses;
     Mailboxes mailboxes;
+    Calls calls;
 };

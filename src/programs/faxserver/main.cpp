@@ -5,9 +5,12 @@
 #include "ServerError.h"
 #include "StopSignals.h"
 #include "Store.h"
+#include "Upload.h"
 
+#include <QDir>
 #include <QFile>
 #include <QGuiApplication>
+#include <QLockFile>
 
 #include <algorithm>
 #include <cstdio>
@@ -15,10 +18,15 @@
 
 namespace {
 
-int Serve(Store &store, const ServerSettings &settings)
+int Serve(Store &store, const CommandLine &line)
 {
+    QLockFile lock(QDir(line.strDataFolder).filePath("faxserver.lock"));
+    lock.setStaleLockTime(0);
+    if (!lock.tryLock()) // two would dial the same numbers
+        throw ServerError(QString("Another server serves the data folder %1.").arg(line.strDataFolder));
+    Upload::RemoveLeftovers(store);
     StopSignals signalsToEnd;
-    FaxServer server(store, settings);
+    FaxServer server(store, line.settings);
     std::printf("listening on 127.0.0.1:%d\n", int(server.Listen()));
     std::fflush(stdout);
     return QCoreApplication::exec();
@@ -67,7 +75,7 @@ int Run(const CommandLine &line)
     case CommandLine::taskServe:
         break;
     }
-    return Serve(store, line.settings);
+    return Serve(store, line);
 }
 
 /// Only painting needs more than the core, and no screen even then.
