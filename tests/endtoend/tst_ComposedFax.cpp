@@ -1,3 +1,4 @@
+#include "compose/forms/SourceFileView.h"
 #include "compose/forms/frmNewFax.h"
 #include "core/FaxImage.h"
 #include "core/Globals.h"
@@ -9,6 +10,7 @@
 #include "fixtures/FaxFile.h"
 #include "fixtures/PdfFile.h"
 #include "fixtures/Profile.h"
+#include "fixtures/TestTable.h"
 #include "platform/DesktopShell.h"
 #include "platform/QtEventPump.h"
 #include "platform/SystemIds.h"
@@ -29,12 +31,15 @@
 #include <QTimer>
 #include <QTreeView>
 
+#include <csignal>
 #include <optional>
 
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 namespace {
 
+const QByteArray realTool = "exec \"$VELMAR_BIN_DIR\"/ZemPrint.exe";
 constexpr int lLongestWait = 60000; // milliseconds
 
 template <typename Widget>
@@ -76,10 +81,12 @@ struct Office
         qputenv("XDG_RUNTIME_DIR", QFile::encodeName(root + "/run"));
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(root + "/user"));
         qputenv("TMPDIR", QFile::encodeName(root + "/tmp"));
-        const QString tool = qEnvironmentVariable("VELMAR_BIN_DIR") + "/ZemPrint.exe";
-        if (!QFile::link(tool, Tool()) || !QFile::copy(QFileInfo(tool).path() + "/Header/Detailed.GNI",
-                                                       Global().strHeaderPath + "Detailed.GNI"))
+        const QString programs = qEnvironmentVariable("VELMAR_BIN_DIR");
+        if (!QFile::copy(programs + "/Header/Detailed.GNI", Global().strHeaderPath + "Detailed.GNI"))
             qFatal("The print tool is not built.");
+        UseTool(realTool);
+        qputenv("DOCS", QFile::encodeName(root + "/docs"));
+        qputenv("OUTBOX", QFile::encodeName(Global().strOutputBoxPath));
         Global().strUserID = "7";
         Global().Company = "Harbour Freight";
         program.MarkOnline(false, false);
@@ -88,6 +95,13 @@ struct Office
     ~Office() { qunsetenv("TMPDIR"); }
 
     QString Tool() const { return profile.Root() + "/program/ZemPrint.exe"; }
+    /// A shell script in the place of the print tool.
+    void UseTool(const QByteArray &script) const
+    {
+        if (!WriteTestFile(Tool(), "#!/bin/sh\n" + script + '\n') ||
+            !QFile::setPermissions(Tool(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner))
+            qFatal("no tool");
+    }
     QString Write(const QString &name, const QByteArray &bytes) const
     {
         const QString path = profile.Root() + "/docs/" + name;
@@ -175,6 +189,7 @@ class tst_ComposedFax final : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase() { signal(SIGXFSZ, SIG_IGN); }
     void init() { office.emplace(); }
     void cleanup()
     {
@@ -185,6 +200,10 @@ private slots:
     }
 
     void editedDraftBecomesAFaxInTheQueue();
+    void fiftyOneFilesBecomeAFax();
+    void draftThatIsGoneBecomesAnother();
+    void faultLeavesTheDraftAsItWas_data();
+    void faultLeavesTheDraftAsItWas();
 
 private:
     std::optional<Office> office;
@@ -242,35 +261,18 @@ void tst_ComposedFax::editedDraftBecomesAFaxInTheQueue()
     QCOMPARE(office->fakes.prompts.Texts(), QStringList());
 
     const QString fax = Global().strOutputBoxPath + id + ".tif";
-    const QList<std::pair<QString, QString>> columns{
-        {"Fax_ID", id},
-        {"FileName", id + ".tif"},
-        {"Pages", "4"},
-        {"FolderID", "1003"},
-        {"Title", "It~$@~s final"},
-        {"ReMark", "Anna~$@~s memo"},
-        {"FileList", QStringList{letter, picture, pdf, ""}.join(',').replace("'", "~$@~")},
-        {"ReceiverName", "\"Bert[bert]\";\"Cora\"<99>;\"O~$@~Neil \"<555>;"},
-        {"InnerReceiver", "Bert[U1];"},
-        {"OuterReceiver", "C1;"},
-        {"TempReceiver", "\"O~$@~Neil \"<555>;"},
-        {"FaxLevel", "0"},
-        {"TimingSend", "-1"},
-        {"busyResend", "3"},
-        {"IsDontRetry", "False"},
-        {"RetryInterval", "7"},
-        {"ResendTimes", "-5"},
-        {"Resolution", "1"},
-        {"Deepness", "150"},
-        {"Header", "*Detailed"},
-        {"IsImmediately", "False"},
-        {"IsTransmit", "0"},
-        {"IsReaded", "0"},
-        {"RecyleID", ""},
-        {"User_ID", "7"}};
-    for (const auto &[column, value] : columns)
-        QCOMPARE(column + '=' + Profile::Values("Select " + column + " from SendFax").join('&'),
-                 column + '=' + value);
+    const QString files = QStringList{letter, picture, pdf, ""}.join(',').replace("'", "~$@~");
+    const QString row =
+        "Fax_ID=" + id + "|FileName=" + id + ".tif|FileList=" + files +
+        "|Pages=4|FolderID=1003|Title=It~$@~s final|ReMark=Anna~$@~s memo|Header=*Detailed|User_ID=7"
+        "|ReceiverName=\"Bert[bert]\";\"Cora\"<99>;\"O~$@~Neil \"<555>;|InnerReceiver=Bert[U1];"
+        "|OuterReceiver=C1;|TempReceiver=\"O~$@~Neil \"<555>;|FaxLevel=0|TimingSend=-1|busyResend=3"
+        "|IsDontRetry=False|RetryInterval=7|ResendTimes=-5|Resolution=1|Deepness=150|IsImmediately=False"
+        "|IsTransmit=0|IsReaded=0|RecyleID=";
+    for (const QString &column : row.split('|')) {
+        const QString name = column.section('=', 0, 0);
+        QCOMPARE(name + '=' + Profile::Values("Select " + name + " from SendFax").join('&'), column);
+    }
     const QRegularExpression time("^\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d$");
     QVERIFY(time.match(Profile::Value("Select ModifyTime from SendFax")).hasMatch());
 
@@ -287,6 +289,105 @@ void tst_ComposedFax::editedDraftBecomesAFaxInTheQueue()
     Click(window, "btnSend");
     const QString plain = Profile::Value("Select FileName from SendFax Where Header='<None>'");
     QCOMPARE(InkOfPages(Global().strOutputBoxPath + plain), QStringList({"--m--", "--m--"}));
+}
+
+void tst_ComposedFax::fiftyOneFilesBecomeAFax()
+{
+    QStringList files;
+    for (int i = 0; i < 51; ++i)
+        files.append(office->Write(QString("%1.pdf").arg(i), PdfOf(1, boxInTheMiddle)));
+    Office::Run("mnuNewFax");
+    QWidget *window = Office::Composer();
+    Get<QPlainTextEdit>(window, "txtReceive").setPlainText("1");
+    office->AddFiles(files);
+    QCOMPARE(Get<SourceFileView>(window, "lstFile").topLevelItemCount(), 50);
+    office->AddFiles({files.last()});
+    QCOMPARE(office->fakes.prompts.Texts(),
+             QStringList({"Too many files in the file list.", "Too many files in file list..."}));
+    Click(window, "btnSend");
+    QCOMPARE(Profile::Value("Select Pages from SendFax Where FolderID='1003'"), "51");
+    QCOMPARE(office->Temporary(), QStringList());
+}
+
+void tst_ComposedFax::draftThatIsGoneBecomesAnother()
+{
+    office->program.EditDraft("gone");
+    QWidget *window = Office::Composer();
+    Get<QPlainTextEdit>(window, "txtReceive").setPlainText("1");
+    Click(window, "btnSave");
+    window->close();
+    QCOMPARE(office->fakes.prompts.Texts(), QStringList());
+    const QString id = Profile::Value("Select Fax_ID from SendFax Where FolderID='1002'");
+    QVERIFY(!id.isEmpty() && id != "gone");
+}
+
+void tst_ComposedFax::faultLeavesTheDraftAsItWas_data()
+{
+    const QByteArray limit = "--fsize=0:";
+    const TestTable<QByteArray, QString> row{"tool", "text"};
+    row("file gone", "rm \"$DOCS\"/letter.pdf; " + realTool, "Converting letter.pdf failed.");
+    row("tool dies", "kill -9 $$", "Unknow error or Zem Fax Printer doesn't exist.");
+    row("tool dies at work",
+        "\"$VELMAR_BIN_DIR\"/ZemPrint.exe & for i in $(seq 300); do sleep 0.1; ls \"$OUTBOX\"/*.part "
+        ">/dev/null 2>&1 && "
+        "break; "
+        "done; kill -9 $!",
+        "Unknow error or Zem Fax Printer doesn't exist.");
+    row("tool is silent", "touch \"$DOCS\"/cancel; exec sleep 300", "");
+    row("disk full as it converts", "prlimit --pid $$ " + limit + "; " + realTool, "failed.");
+}
+
+/// And it can be sent when the fault is mended.
+void tst_ComposedFax::faultLeavesTheDraftAsItWas()
+{
+    QFETCH(QByteArray, tool);
+    QFETCH(QString, text);
+    const QByteArray page = PdfOf(1, boxInTheMiddle);
+    const QString letter = office->Write("letter.pdf", page);
+    const QByteArray slow = PdfOf(1, "/G gs " + QByteArray("0 0 595 842 re f\n").repeated(200000));
+    const QString plan = office->Write("plan.pdf", tool.contains(".part") ? slow : page);
+    QVERIFY(FaxFile().Write(Global().strOutputBoxPath + "D.tif"));
+    office->profile.InsertSentFax("D", {{"FolderID", "1002"}, {"FileList", letter + ',' + plan + ','}});
+    const auto stored = [] {
+        return Profile::Values("Select Fax_ID||FolderID||FileName||FileList||Pages||Title from SendFax") +
+               Office::Outbox().filter(QRegularExpression("^(?!tmp~)")) +
+               QStringList(ReadTestFile(Global().strOutputBoxPath + "D.tif").toHex());
+    };
+    const QStringList before = stored();
+
+    office->program.EditDraft("D");
+    QWidget *window = Office::Composer();
+    Get<QLineEdit>(window, "txtSubject").setText("changed");
+    Get<QPlainTextEdit>(window, "txtReceive").setPlainText("2");
+    office->UseTool(tool);
+    QTimer cancel;
+    connect(&cancel, &QTimer::timeout, this, [&] {
+        if (QFile::remove(office->profile.Root() + "/docs/cancel"))
+            Click(window, "btnCancel");
+    });
+    cancel.start(50);
+    Click(window, "btnSend");
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_FSIZE, &limit);
+    const QStringList told = office->fakes.prompts.Texts()
+                             << Get<QPlainTextEdit>(window, "txtStatu").toPlainText();
+    QVERIFY(told.join('\n').contains(text));
+    QCOMPARE(stored(), before);
+    QTRY_VERIFY_WITH_TIMEOUT(!HasChildren(), lLongestWait);
+
+    if (Get<QWidget>(window, "picProcess").isVisible())
+        Click(window, "btnCancel");
+    QTRY_VERIFY(Get<QWidget>(window, "btnSend").isEnabled());
+    office->Write("letter.pdf", page);
+    office->Write("plan.pdf", page);
+    office->UseTool(realTool);
+    Click(window, "btnSend");
+    QCOMPARE(Profile::Value("Select Fax_ID||FolderID||FileName||Pages||Title from SendFax"),
+             "D1003D.tif2changed");
+    QCOMPARE(Office::Outbox(), {"D.tif"});
+    QCOMPARE(office->Temporary(), QStringList());
 }
 
 QTEST_MAIN(tst_ComposedFax)

@@ -19,7 +19,9 @@ qsizetype FirstPiece(QStringView line)
     return start.back().isHighSurrogate() ? start.size() - 1 : start.size();
 }
 
-QString CutLongLines(const QString &text)
+} // namespace
+
+QString LongTextEdit::CutLongLines(const QString &text)
 {
     QString cut;
     cut.reserve(text.size() + text.size() / 64);
@@ -34,8 +36,6 @@ QString CutLongLines(const QString &text)
     cut.chop(1);
     return cut;
 }
-
-} // namespace
 
 void LongTextEdit::SetText(const QString &text)
 {
