@@ -14,7 +14,7 @@
 #include "desktop/MainWindow.h"
 #include "mailbox/FaxViewer.h"
 #include "mailbox/Mailbox.h"
-#include "server/FaxUpload.h"
+#include "server/FaxSender.h"
 
 #include <QScopeGuard>
 

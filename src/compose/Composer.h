@@ -10,7 +10,7 @@
 #include <functional>
 
 class FileDialogs;
-class FaxUpload;
+class FaxSender;
 class Forms;
 class Mailbox;
 class MainWindow;
@@ -21,7 +21,7 @@ struct ComposerParts
 {
     Mailbox &mailbox;
     MainWindow &mainWindow;
-    FaxUpload &faxUpload;
+    FaxSender &faxUpload;
     Forms &forms;
     ConversionTurn &turn;
     std::function<bool()> maySend;      ///< logged in, and not working offline

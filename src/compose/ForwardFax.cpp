@@ -11,7 +11,7 @@
 #include "mailbox/FaxFiles.h"
 #include "mailbox/Mailbox.h"
 #include "mailbox/ShownText.h"
-#include "server/FaxUpload.h"
+#include "server/FaxSender.h"
 
 #include <QFile>
 

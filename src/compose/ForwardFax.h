@@ -5,7 +5,7 @@
 #include <QCoreApplication>
 #include <QStringList>
 
-class FaxUpload;
+class FaxSender;
 class Mailbox;
 class MainWindow;
 struct ForwardReceivers;
@@ -22,7 +22,7 @@ public:
     {
         MainWindow &mainWindow;
         Mailbox &mailbox;
-        FaxUpload &faxUpload;
+        FaxSender &faxUpload;
     };
     /// What the user has entered beside the recipients.
     struct Input

@@ -33,6 +33,10 @@ public:
     /// and `isNew` lists all folders of the family.
     virtual void NotifySaveFax(int kind, bool isNew, const QString &id) = 0;
 
+    /// Takes the first row out while drafts or waiting faxes are on show, and shows the next one. False when
+    /// there was nothing to do.
+    virtual bool DropFirstWaiting() = 0;
+
     /// Recounts the unread faxes of all folders under the date range on the screen.
     virtual void RefreshFolderUnreadCounts() = 0;
 };

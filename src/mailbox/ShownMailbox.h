@@ -59,6 +59,7 @@ public:
     void ReloadSelectedFolder() override;
     void RefreshFolderUnreadCounts() override;
     void NotifySaveFax(int kind, bool isNew, const QString &id) override;
+    bool DropFirstWaiting() override;
 
     // What the user does
     void SelectFolder(const QString &key);

@@ -141,6 +141,16 @@ void ShownMailbox::NotifySending(bool isNew, const QString &id)
     Recount({"1003", "1005"});
 }
 
+bool ShownMailbox::DropFirstWaiting()
+{
+    const bool isShown =
+        selected && (selected->Family == FolderFamily::Draft || selected->Family == FolderFamily::WaitSend);
+    if (!isShown || list.RowCount() == 0)
+        return false;
+    DeleteSpecItemFromGrid(list.Row(1).ID(), true);
+    return true;
+}
+
 /// Recounts folders and the selected one, in case it is a folder of the user's.
 void ShownMailbox::Recount(QStringList keys)
 {

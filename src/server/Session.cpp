@@ -51,6 +51,8 @@ void Session::SetClient(std::shared_ptr<clsClient> client)
     connect(sockClient.get(), &clsClient::ConnectClosed, this, &Session::sockClient_ConnectClosed);
     connect(sockClient.get(), &clsClient::Error, this, &Session::sockClient_Error);
     connect(sockClient.get(), &clsClient::SendingProgress, this, &Session::sockClient_SendingProgress);
+    connect(sockClient.get(), &clsClient::FileLeaving, this, &Session::sockClient_FileLeaving);
+    connect(sockClient.get(), &clsClient::FileLeft, this, &Session::sockClient_FileLeft);
 }
 
 bool Session::IsConnected() const

@@ -62,8 +62,15 @@ public:
     void SetTimeLeft(int milliseconds) { waits.SetTimeLeft(milliseconds); }
     /// Names the routine that takes the replies to a command. What it raises ends the wait as `Failed`.
     void SetHandler(PendingCommand pending, Handler handler);
-    /// Names the routine that shows the progress of an upload.
-    void SetUploadProgress(std::function<void(int percent)> show) { showUpload = std::move(show); }
+    /// What an upload tells while a wait for its reply runs. What `leaving` raises ends the wait as `Failed`
+    /// and keeps the last bytes back.
+    struct UploadEvents
+    {
+        std::function<void(int percent)> progress;
+        std::function<void()> leaving; ///< from here on the server may have the whole file
+        std::function<void()> left;    ///< the whole file has gone
+    };
+    void SetUploadEvents(UploadEvents events) { upload = std::move(events); }
     /// What the handler said that failed during the latest wait; empty for none.
     const QString &HandlerError() const { return strHandlerError; }
 
@@ -104,6 +111,8 @@ private:
     void sockClient_ConnectClosed();
     void sockClient_Error(const ClientError &error);
     void sockClient_SendingProgress(int percent);
+    void sockClient_FileLeaving();
+    void sockClient_FileLeft();
 
     const Ports &ports;
     Progress &progress;
@@ -114,7 +123,7 @@ private:
     std::shared_ptr<clsClient> sockClient;
     std::shared_ptr<clsClient> lastClient; ///< outlives the event in which it was replaced
     std::map<int, Handler> handlers;
-    std::function<void(int)> showUpload;
+    UploadEvents upload;
     QString strHandlerError;
     int lConnection = 0; ///< number of the connection; a wait belongs to one
     int lHandlers = 0;   ///< reply handlers that the newest wait runs

@@ -138,8 +138,8 @@ void Session::sockClient_SendingProgress(int percent)
     if (lPendingCommand != pndUpload)
         return;
     if (!bUserAbort) {
-        if (showUpload)
-            showUpload(percent);
+        if (upload.progress)
+            upload.progress(percent);
         return;
     }
     CancelTransfer();
@@ -148,4 +148,23 @@ void Session::sockClient_SendingProgress(int percent)
         bAbortDone = true;
     else
         SignalServerReply();
+}
+
+void Session::sockClient_FileLeaving()
+{
+    if (lPendingCommand != pndUpload || !upload.leaving)
+        return;
+    try {
+        upload.leaving();
+    } catch (const RaisedError &error) {
+        strHandlerError = error.Description();
+        waits.End(WaitEnd::Failed);
+        CloseConnection();
+    }
+}
+
+void Session::sockClient_FileLeft()
+{
+    if (lPendingCommand == pndUpload && upload.left)
+        upload.left();
 }

@@ -6,8 +6,8 @@
 
 class AddressSync;
 class FaxDownload;
+class FaxSender;
 class FaxStatus;
-class FaxUpload;
 class Forms;
 class Mailbox;
 class MainWindow;
@@ -21,7 +21,7 @@ struct SessionRooms
     Session &session;
     Progress &progress;
     AddressSync &addressSync;
-    FaxUpload &faxUpload;
+    FaxSender &faxUpload;
     FaxDownload &faxDownload;
     FaxStatus &faxStatus;
     MainWindow &mainWindow;

@@ -5,7 +5,7 @@
 #include "fixtures/FaxFile.h"
 #include "fixtures/Profile.h"
 #include "fixtures/TestTable.h"
-#include "server/FaxUpload.h"
+#include "server/FaxSender.h"
 
 #include <QDir>
 
@@ -39,7 +39,7 @@ public:
     bool bUnloaded = false;
 };
 
-class FakeUpload final : public FaxUpload
+class FakeUpload final : public FaxSender
 {
 public:
     bool GetSendFaxID(bool, const QString &idList, bool, bool) override

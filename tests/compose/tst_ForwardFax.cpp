@@ -5,7 +5,7 @@
 #include "fakes/FakePorts.h"
 #include "fixtures/AddressRows.h"
 #include "fixtures/FaxFile.h"
-#include "server/FaxUpload.h"
+#include "server/FaxSender.h"
 
 #include <QDir>
 #include <QTest>
@@ -16,7 +16,7 @@ using namespace AddressRows;
 
 namespace {
 
-class RecordingUpload final : public FaxUpload
+class RecordingUpload final : public FaxSender
 {
 public:
     bool GetSendFaxID(bool useList, const QString &idList, bool clearRows, bool checkStateAfter) override

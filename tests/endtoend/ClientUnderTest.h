@@ -72,12 +72,12 @@ public:
                 sound, blocks, instance, sockets, fileDialogs, fontDialogs, printers};
 
     FakeDesktop desktop;
-    FaxUpload faxUpload;
     FaxStatus faxStatus;
     Progress progress{timers};
     Session session{ports, progress, desktop.mainWindow};
     ReturnReceipts receipts{ports, session, desktop.mailbox, desktop.mainWindow};
     AddressSync addressSync{ports, {session, progress, receipts, desktop.addressTree}};
+    FaxUpload faxUpload{ports, {session, progress, faxStatus, desktop.mainWindow, desktop.mailbox}};
     FaxDownload download{ports,
                          {session, progress, faxStatus, desktop.printing, desktop.notifier,
                           desktop.mainWindow, desktop.mailbox}};

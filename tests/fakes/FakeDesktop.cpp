@@ -18,6 +18,14 @@ void FakeMailbox::SelectRow(int row)
     aCalls.append(QStringLiteral("row %1").arg(row));
 }
 
+bool FakeMailbox::DropFirstWaiting()
+{
+    if (strFolder != "1003")
+        return false;
+    aCalls.append("drop row");
+    return true;
+}
+
 void FakeMailbox::NotifySaveFax(int kind, bool isNew, const QString &id)
 {
     aCalls.append(QStringLiteral("saved %1 %2 %3").arg(QString::number(kind), isNew ? "new" : "old", id));

@@ -50,6 +50,7 @@ public:
     void SelectCurrentRow() override { aCalls.append(QStringLiteral("current row")); }
     void ReloadSelectedFolder() override { aCalls.append(QStringLiteral("folder again")); }
     void NotifySaveFax(int kind, bool isNew, const QString &id) override;
+    bool DropFirstWaiting() override;
     void RefreshFolderUnreadCounts() override { aCalls.append(QStringLiteral("recount")); }
 
     QString strFolder;

@@ -179,6 +179,20 @@ private slots:
         QCOMPARE(mailbox->RowCount(), 5);
     }
 
+    void sentFaxTakesTheFirstRowAlong()
+    {
+        profile->InsertSentFax("A");
+        profile->InsertSentFax("B", {{"ModifyTime", "2024-02-01 09:00:00"}});
+        profile->InsertSentFax("C", {{"folderID", "1006"}});
+        mailbox->LoadFaxFolderTree();
+        mailbox->SelectFolder("1003");
+        QVERIFY(mailbox->DropFirstWaiting());
+        QCOMPARE(mailbox->SelectedFaxes(), QStringList("A"));
+        QVERIFY(mailbox->DropFirstWaiting() && mailbox->RowCount() == 0 && !mailbox->DropFirstWaiting());
+        mailbox->SelectFolder("1006");
+        QVERIFY(!mailbox->DropFirstWaiting() && mailbox->RowCount() == 1);
+    }
+
     void lastFaxTakenOutEmptiesThePreview()
     {
         profile->InsertReceivedFax("A");

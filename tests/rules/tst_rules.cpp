@@ -130,7 +130,7 @@ void tst_rules::lowerLayersDoNotLookUp()
         {QStringLiteral("desktop/"), QStringLiteral("core/|controls/|mailbox/|desktop/|ui_")},
         // Of the server, composing knows the one door through which faxes go.
         {QStringLiteral("compose/"),
-         QStringLiteral("core/|controls/|mailbox/|desktop/|compose/|server/FaxUpload|ui_")},
+         QStringLiteral("core/|controls/|mailbox/|desktop/|compose/|server/FaxSender|ui_")},
     };
     QStringList found;
     for (const auto &[folder, allowed] : layers) {

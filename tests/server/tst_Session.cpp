@@ -285,7 +285,7 @@ private slots:
     void uploadProgressIsShownUntilTheUserCancels()
     {
         QList<int> shown;
-        session().SetUploadProgress([&](int percent) { shown.append(percent); });
+        session().SetUploadEvents({[&](int percent) { shown.append(percent); }, {}, {}});
         const QString file = Global().strOutputBoxPath + "F1.tif";
         QVERIFY(WriteTestFile(file, QByteArray(1000, 'x')));
         bench->Server([](FakeSocket &socket) { socket.DrainSends(); }).SayShort("OK").Then([this] {

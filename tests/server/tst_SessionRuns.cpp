@@ -3,7 +3,7 @@
 #include "fixtures/SessionBench.h"
 #include "fixtures/TestTable.h"
 #include "server/AddressSync.h"
-#include "server/FaxUpload.h"
+#include "server/FaxSender.h"
 #include "server/Polling.h"
 #include "server/ReturnReceipts.h"
 #include "server/RunScope.h"
@@ -28,7 +28,7 @@ public:
     std::function<void()> onSync;
 };
 
-class FakeUpload final : public FaxUpload
+class FakeUpload final : public FaxSender
 {
 public:
     bool GetSendFaxID(bool, const QString &, bool clearRows, bool) override

@@ -8,6 +8,7 @@ ServerParts::ServerParts(const Ports &ports, MainWindow &mainWindow, Mailbox &ma
     , session(ports, progress, mainWindow)
     , receipts(ports, session, mailbox, mainWindow)
     , addressSync(ports, {session, progress, receipts, addressTree})
+    , faxUpload(ports, {session, progress, faxStatus, mainWindow, mailbox})
     , faxDownload(ports, {session, progress, faxStatus, faxPrinting, notifier, mainWindow, mailbox})
     , runs(ports,
            {session, progress, addressSync, faxUpload, faxDownload, faxStatus, mainWindow, mailbox, forms})

@@ -25,7 +25,6 @@ struct ServerParts
                 Polling::TakeFaxFile takeFaxFile);
 
     AddressTree addressTree;
-    FaxUpload faxUpload;
     FaxStatus faxStatus;
     FaxPrinting faxPrinting;
     Notifier notifier;
@@ -33,6 +32,7 @@ struct ServerParts
     Session session;
     ReturnReceipts receipts;
     AddressSync addressSync;
+    FaxUpload faxUpload;
     FaxDownload faxDownload;
     SessionRuns runs;
     Polling polling;

@@ -130,6 +130,7 @@ void clsClient::ClearCounters()
 void clsClient::ForgetTransfer()
 {
     bSendingFile = false;
+    bFileLeaving = false;
     bWaitServerReady = false;
     bServerReady = false;
     bLongReply = false;

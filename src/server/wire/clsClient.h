@@ -105,6 +105,10 @@ public:
 
 signals:
     void SendingProgress(int percent);
+    /// The last bytes of an upload are about to go: from here on the server may have the whole file.
+    void FileLeaving();
+    /// They have gone.
+    void FileLeft();
     void Connected();
     void ConnectClosed();
     void ConnectionRequest(int requestId);
@@ -161,6 +165,7 @@ private:
     void StartUpload(const QString &path);
     void SendFirstBlock(const QByteArray &block);
     void SendNextBlock();
+    void SendBlock(const QByteArray &bytes);
     void FinishUpload();
     bool ReadBlock(QByteArray &block);
     void AbandonUpload();
@@ -177,6 +182,7 @@ private:
     QString strDefaultFolder;           ///< folder of `GetFax` when it is given none
     QString strFileName;                ///< file of the transfer under way
     bool bSendingFile = false;          ///< an upload has more blocks to send
+    bool bFileLeaving = false;          ///< the last block of an upload is on its way
     bool bReceivingFile = false;        ///< a download is under way
     bool bWaitServerReady = false;      ///< a fax header was sent, its answer is due
     bool bServerReady = false;          ///< the server has answered the header

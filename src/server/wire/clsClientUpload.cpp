@@ -27,6 +27,8 @@ void clsClient::sckClient_SendComplete()
             FinishUpload();
         else if (lSendSize > lBytesDone)
             SendNextBlock();
+    } else if (std::exchange(bFileLeaving, false)) {
+        emit FileLeft();
     }
 }
 
@@ -100,27 +102,42 @@ void clsClient::SendFirstBlock(const QByteArray &block)
     const int transfer = lTransfer;
     emit SendingProgress(Frames::Percent(lBytesDone, lSendSize));
     if (self && transfer == lTransfer)
-        SendData(Frames::FormC(static_cast<qint32>(lSendSize), block));
+        SendBlock(Frames::FormC(static_cast<qint32>(lSendSize), block));
 }
 
 void clsClient::SendNextBlock()
 {
     QByteArray block;
     if (ReadBlock(block))
-        SendData(block);
+        SendBlock(block);
     else
         AbandonUpload();
+}
+
+void clsClient::SendBlock(const QByteArray &bytes)
+{
+    const QPointer<clsClient> self(this);
+    const int transfer = lTransfer;
+    if (lBytesDone == lSendSize) {
+        bFileLeaving = true;
+        emit FileLeaving();
+    }
+    if (self && transfer == lTransfer)
+        SendData(bytes);
 }
 
 void clsClient::FinishUpload()
 {
     iFileNumber.reset();
     bSendingFile = false;
+    bFileLeaving = false;
     lSendSize = -1;
     lBytesDone = -1;
     const QPointer<clsClient> self(this);
     const int transfer = lTransfer;
-    emit SendingProgress(100);
+    emit FileLeft();
+    if (self && transfer == lTransfer)
+        emit SendingProgress(100);
     if (self && transfer == lTransfer)
         emit SendComplete({});
 }

@@ -7,7 +7,7 @@
 #include "fixtures/FaxFile.h"
 #include "fixtures/Profile.h"
 #include "fixtures/TestTable.h"
-#include "server/FaxUpload.h"
+#include "server/FaxSender.h"
 
 #include <QCheckBox>
 #include <QClipboard>
@@ -76,7 +76,7 @@ struct Bench
     Profile profile;
     FakePorts ports;
     FakeDesktop desktop;
-    FaxUpload upload;
+    FaxSender upload;
     ConversionTurn turn;
     ComposerDialogs dialogs;
     std::optional<QString> option;

@@ -6,7 +6,7 @@
 #include "fakes/FakePorts.h"
 #include "fixtures/AddressRows.h"
 #include "fixtures/FaxFile.h"
-#include "server/FaxUpload.h"
+#include "server/FaxSender.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -126,7 +126,7 @@ private slots:
     void forwardStaysOpenUntilSomebodyGetsTheFax()
     {
         FakeDesktop desktop;
-        FaxUpload upload;
+        FaxSender upload;
         profile->InsertReceivedFax("R1", {{"title", "Offer"}, {"faxLevel", "0"}});
         QVERIFY(FaxFile().Write(Global().strInputBoxPath + "R1.tif"));
         for (const bool maySend : {false, true}) {

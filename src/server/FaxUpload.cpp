@@ -1,0 +1,360 @@
+#include "server/FaxUpload.h"
+
+#include "core/AnsiText.h"
+#include "core/Globals.h"
+#include "core/Message.h"
+#include "core/RaisedError.h"
+#include "core/Utilities.h"
+#include "core/ports/Clock.h"
+#include "core/ports/EventPump.h"
+#include "core/ports/Ports.h"
+#include "desktop/MainWindow.h"
+#include "mailbox/Mailbox.h"
+#include "mailbox/ShownText.h"
+#include "server/FaxStatus.h"
+#include "server/OutgoingFaxes.h"
+#include "server/Progress.h"
+#include "server/RunScope.h"
+#include "server/Session.h"
+#include "server/wire/Frames.h"
+#include "server/wire/clsClient.h"
+
+#include <QCoreApplication>
+#include <QScopeGuard>
+
+#include <algorithm>
+
+namespace {
+constexpr qsizetype lIDLength = 32;
+constexpr int lSavedSending = 2; ///< of `Mailbox::NotifySaveFax`
+constexpr int lReload = 3;
+
+QString Tr(const char *text)
+{
+    return QCoreApplication::translate("FaxUpload", text);
+}
+
+QString ErrorText(const QString &description)
+{
+    return Tr("Failed to send faxes.") + '\n' + description;
+}
+} // namespace
+
+FaxUpload::FaxUpload(const Ports &ports, const UploadRooms &rooms)
+    : ports(ports)
+    , rooms(rooms)
+{
+    rooms.session.SetHandler(pndUpload, [this](const ClientReply &reply) { HandleUploadReply(reply); });
+    rooms.session.SetUploadEvents({[this](int percent) { ShowTransfer(percent); },
+                                   [this] {
+                                       // The program may die before the answer comes.
+                                       OutgoingFaxes::MarkHandedOver(CurrentSendFaxID);
+                                       stage = Stage::Leaving;
+                                   },
+                                   [this] { stage = std::max(stage, Stage::Left); }});
+}
+
+bool FaxUpload::GetSendFaxID(bool useList, const QString &idList, bool clearRows, bool checkStateAfter)
+{
+    RunScope scope(rooms.session);
+    if (!scope && useList)
+        TellBusy();
+    if (!scope || !rooms.session.HasClient())
+        return true;
+    const auto leave = qScopeGuard([this] {
+        rooms.session.lPendingCommand = pndNone;
+        rooms.mainWindow.SetTotalPercent(-1);
+        CurrentSendFaxID.clear();
+    });
+    strError.clear();
+    bool result = false;
+    try {
+        rooms.session.SetIdleState(false);
+        rooms.session.bUserAbort = false;
+        rooms.session.bSendTimedOut = false;
+        rooms.session.bNeedRefresh = false;
+        const QStringList ids = PickFaxes(useList, idList);
+        result = RunUpload(ids, {clearRows, checkStateAfter});
+    } catch (const RaisedError &error) {
+        strError = ErrorText(error.Description());
+        ShowClose();
+        rooms.progress.StopAnimation();
+        rooms.session.SetIdleState(true);
+    }
+    ReportError();
+    return result;
+}
+
+void FaxUpload::TellBusy()
+{
+    if (!ports.pump.IsQuitting())
+        ports.message.ShowMessage(
+            Tr("A transfer is under way. The fax waits in Outgoing and goes with the next sending."),
+            mbInformation);
+}
+
+QStringList FaxUpload::PickFaxes(bool useList, const QString &idList)
+{
+    OutgoingFaxes::Recover(Now());
+    QStringList ids = useList ? idList.split(';', Qt::SkipEmptyParts) : OutgoingFaxes::Waiting();
+    ids.removeDuplicates(); // an id may have two rows, and goes once
+    LeaveOutDoubtful(ids);
+    return ids;
+}
+
+/// A lost connection or a killed program leaves open whether the server has the fax. Only its sender can tell
+/// which is worse, none or two.
+void FaxUpload::LeaveOutDoubtful(QStringList &ids)
+{
+    constexpr qsizetype most = 10;
+    const QList<OutgoingFaxes::Doubtful> doubtful = OutgoingFaxes::MayHaveArrived(ids);
+    if (doubtful.isEmpty())
+        return;
+    QStringList titles;
+    for (const OutgoingFaxes::Doubtful &fax : doubtful.mid(0, most))
+        titles.append(fax.strTitle.isEmpty() ? fax.strFaxID : ToListText(fax.strTitle));
+    if (doubtful.size() > most)
+        titles.append("...");
+    const QString text = Tr("These faxes may already have reached the server:") + "\n\n" + titles.join('\n') +
+                         "\n\n" + Tr("Send them again? Otherwise they stay in Outgoing.");
+    if (ports.message.ShowMessage(text, mbYesNo + mbQuestion + mbDefaultButton2) == mbAnswerYes)
+        return;
+    for (const OutgoingFaxes::Doubtful &fax : doubtful)
+        ids.removeAll(fax.strFaxID);
+}
+
+bool FaxUpload::RunUpload(const QStringList &ids, const Run &run)
+{
+    if (run.bClearRows)
+        rooms.progress.ClearRows();
+    rooms.progress.Show();
+    if (ids.isEmpty()) {
+        EndEmpty(run);
+        return true;
+    }
+    rooms.progress.SetButton("Cancel", Tr("&Cancel"));
+    rooms.progress.SetButtonEnabled(true);
+    ports.pump.RunPending();
+    FaxCount = static_cast<int>(ids.size());
+    rooms.progress.SetTotal(FaxCount);
+    rooms.session.TotalPercent = 0;
+    bSent = bRowsDropped = false;
+    bool result = true;
+    const bool isWhole = SendEach(ids, result);
+    OutgoingFaxes::DropOldNames();
+    RefreshMailbox();
+    Report(rooms.session.CurrentFaxIndex, isWhole, run);
+    return result;
+}
+
+void FaxUpload::EndEmpty(const Run &run)
+{
+    if (run.bClearRows) {
+        rooms.progress.SetText(Tr("No outgoing faxes ..."));
+        ShowClose();
+        rooms.progress.SetBar(100);
+        if (run.bCheckStateAfter && rooms.session.IsConnected())
+            CheckStates();
+    } else {
+        rooms.progress.AddRow(Tr("No outgoing faxes ..."), "imgOK");
+        rooms.progress.ChangePos2(9, 100, 1);
+    }
+    rooms.session.SetIdleState(true);
+    rooms.session.bNeedRefresh = true;
+}
+
+/// False when the run was cut short at the fax of `CurrentFaxIndex`.
+bool FaxUpload::SendEach(const QStringList &ids, bool &result)
+{
+    rooms.session.bUserAbort = false;
+    for (int i = 0; i < ids.size(); ++i) {
+        if (!SendOne(ids.at(i), i + 1, result))
+            return false;
+    }
+    return true;
+}
+
+/// False when the run cannot go on.
+bool FaxUpload::SendOne(const QString &id, int index, bool &result)
+{
+    Session &session = rooms.session;
+    session.CurrentFaxIndex = index;
+    ports.pump.RunPending();
+    rooms.progress.AddRow("Outputbox/" + id + ".tif");
+    rooms.progress.ChangePos2(2, index, 0);
+    if (!FileExists(OutgoingFaxes::PathOf(id + ".tif"))) {
+        if (session.bUserAbort)
+            return false;
+        rooms.progress.ChangePos2(4, index, 0);
+        return true;
+    }
+    if (IsStopped())
+        return false;
+    const bool isUnderWay = SendFax(id, result);
+    session.bReplyDone = false;
+    if (!MayGoOn())
+        return false;
+    if (!isUnderWay) {
+        rooms.progress.ChangePos2(4, index, 0);
+        return true;
+    }
+    if (!AwaitReply(index))
+        return MayGoOn();
+    CompleteFax(id, index); // whether or not the connection still stands: the next fax connects again
+    return true;
+}
+
+bool FaxUpload::IsStopped() const
+{
+    return rooms.session.bUserAbort || rooms.session.bSendTimedOut || ports.pump.IsQuitting();
+}
+
+bool FaxUpload::MayGoOn() const
+{
+    return rooms.session.IsConnected() && !IsStopped();
+}
+
+/// True when the fax is on its way and a reply is due. `result` becomes false when connecting fails, or by an
+/// error.
+bool FaxUpload::SendFax(const QString &id, bool &result)
+{
+    try {
+        if (rooms.session.ConnectToServer())
+            return StartFax(id);
+    } catch (const RaisedError &error) {
+        ports.message.ShowMessage(error.Description() + Tr("error in sendfax function"), mbExclamation);
+    }
+    result = false;
+    return false;
+}
+
+bool FaxUpload::StartFax(const QString &id)
+{
+    const std::optional<OutgoingFax> fax = OutgoingFaxes::Read(id);
+    if (!fax)
+        return false;
+    strPath = OutgoingFaxes::PathOf(fax->FileName);
+    if (!OutgoingFaxes::IsSendable(strPath))
+        return false; // the server would wait for a file that never comes
+    clsClient &client = rooms.session.BeginCommand(pndUpload);
+    rooms.progress.SetCurrent(rooms.session.CurrentFaxIndex);
+    CurrentSendFaxID = id;
+    stage = Stage::Waiting;
+    client.SendFaxFile(FaxInfo(*fax, ports.clock.Now(), Global().strUserID), strPath);
+    return true;
+}
+
+/// True when the fax is the server's. With its whole file gone and no answer it counts as that, too: the
+/// states tell what has become of it.
+bool FaxUpload::AwaitReply(int index)
+{
+    const WaitEnd end = rooms.session.WaitForServerReply();
+    if (strError.isEmpty() && !rooms.session.HandlerError().isEmpty())
+        strError = ErrorText(rooms.session.HandlerError());
+    if (stage == Stage::Accepted || (stage == Stage::Left && end == WaitEnd::Silent))
+        return true;
+    if (MayGoOn()) {
+        rooms.session.MarkOutOfStep(); // an answer may still come, and is not the next fax's
+        rooms.progress.ChangePos2(4, index, 100);
+    }
+    return false;
+}
+
+void FaxUpload::CompleteFax(const QString &id, int index)
+{
+    // Finds no row when the answer has given the fax another id.
+    OutgoingFaxes::MoveToSending(id, stage == Stage::Accepted, Now());
+    rooms.progress.ChangePos2(8, index, 100);
+    rooms.session.bNeedRefresh = true;
+    // The first row, whichever fax it shows: the list is loaded anew at the end.
+    bSent = true;
+    bRowsDropped = rooms.mailbox.DropFirstWaiting() || bRowsDropped;
+}
+
+void FaxUpload::HandleUploadReply(const ClientReply &reply)
+{
+    // What comes earlier answers the header.
+    if (CurrentSendFaxID.isEmpty() || stage == Stage::Waiting || stage == Stage::Accepted)
+        return;
+    const QString id = AnsiText::FromAnsi(reply.abData);
+    if (id.size() != lIDLength || !IsSafeFaxID(id))
+        return; // nothing that could be an id: the watchdog ends the wait
+    if (id != CurrentSendFaxID) {
+        if (OutgoingFaxes::IsTaken(id))
+            return; // another fax's row must not get mixed up with this one
+        LastServerFaxID = id;
+        OutgoingFaxes::Accept(CurrentSendFaxID, id, strPath, Now());
+    }
+    stage = Stage::Accepted;
+    rooms.session.SignalServerReply();
+}
+
+void FaxUpload::ShowTransfer(int percent)
+{
+    Session &session = rooms.session;
+    if (session.CurrentFaxIndex == 0)
+        session.CurrentFaxIndex = 1;
+    if (FaxCount == 0)
+        return;
+    const qint64 done = qint64(session.CurrentFaxIndex - 1) * 100 + percent;
+    const int overall = std::clamp(Frames::Percent(done, qint64(FaxCount) * 100), 0, 100);
+    if (overall != session.TotalPercent) {
+        session.TotalPercent = overall;
+        rooms.mainWindow.SetTotalPercent(overall);
+    }
+    // That of all faxes in the place of this one's: the bar moves slower than the transfer but for the first.
+    rooms.progress.ChangePos2(2, session.CurrentFaxIndex, int(overall));
+}
+
+void FaxUpload::RefreshMailbox()
+{
+    rooms.session.bNeedRefresh = true;
+    if (bRowsDropped)
+        rooms.mailbox.NotifySaveFax(lReload, false, {});
+    if (bSent)
+        rooms.mailbox.NotifySaveFax(lSavedSending, true, {});
+}
+
+void FaxUpload::Report(int index, bool isWhole, const Run &run)
+{
+    const Session &session = rooms.session;
+    if (session.bUserAbort) {
+        rooms.progress.SetText(Tr("Abort by user..."));
+        if (!isWhole)
+            rooms.progress.ChangePos2(5, index, 0);
+    } else if (session.bSendTimedOut) {
+        rooms.progress.SetText(Tr("Sending fax timeout..."));
+    } else if (!isWhole) {
+        rooms.progress.SetText(Tr("Failed to connect to Velmar Server."));
+        rooms.progress.ChangePos2(6, index, 0);
+    } else {
+        rooms.progress.SetText(Tr("Completed."));
+        if (run.bCheckStateAfter)
+            CheckStates();
+    }
+    ShowClose();
+    rooms.session.SetIdleState(true);
+}
+
+void FaxUpload::ReportError()
+{
+    if (!strError.isEmpty())
+        ports.message.ShowMessage(strError, mbExclamation);
+}
+
+void FaxUpload::ShowClose()
+{
+    rooms.progress.SetButton("Close", Tr("&Close"));
+    rooms.progress.SetButtonEnabled(true);
+}
+
+void FaxUpload::CheckStates()
+{
+    const RunPermit permit(rooms.session);
+    rooms.faxStatus.CheckFaxState(true);
+}
+
+QString FaxUpload::Now() const
+{
+    return ports.clock.Now().toString("yyyy-MM-dd HH:mm:ss");
+}
