@@ -117,7 +117,14 @@ ContactTable::Rows ContactTable::Read(const PickerGroup &group)
 
 QString ContactTable::Cell(int row, int column) const
 {
-    return UnescapeText(aRows[static_cast<std::size_t>(row)].texts.Text(column));
+    return TextOf(aRows[static_cast<std::size_t>(row)], column);
+}
+
+/// Names and numbers as they will stand in the recipients' text: contacts keep "(" of them as "<".
+QString ContactTable::TextOf(const Row &row, int column)
+{
+    const QString text = UnescapeText(row.texts.Text(column));
+    return column == colContact || column == colFax ? CleanReceiverText(text) : text;
 }
 
 QString ContactTable::Caption(int column) const
@@ -135,8 +142,7 @@ QString ContactTable::Caption(int column) const
 
 SelectedReceiver ContactTable::Receiver(int row) const
 {
-    return {CleanReceiverText(Cell(row, colContact)), CleanReceiverText(Cell(row, colFax)),
-            aRows[static_cast<std::size_t>(row)].lType, Cell(row, colID)};
+    return {Cell(row, colContact), Cell(row, colFax), Type(row), Cell(row, colID)};
 }
 
 // Search
@@ -144,14 +150,14 @@ SelectedReceiver ContactTable::Receiver(int row) const
 void ContactTable::FillSearch() const
 {
     for (const Row &row : aRows) {
-        std::array<std::string, colCount> unescaped;
+        std::array<std::string, colCount> changed;
         Texts texts;
         for (std::size_t column = colContact; column < colCount; ++column) {
             texts.at(column) = row.texts.At(static_cast<int>(column));
-            if (texts.at(column).find('~') == std::string_view::npos)
+            if (texts.at(column).find_first_of("~\"<>[];") == std::string_view::npos)
                 continue;
-            unescaped.at(column) = UnescapeText(row.texts.Text(static_cast<int>(column))).toStdString();
-            texts.at(column) = unescaped.at(column);
+            changed.at(column) = TextOf(row, static_cast<int>(column)).toStdString();
+            texts.at(column) = changed.at(column);
         }
         search.AddRow(std::span(texts).subspan(colContact));
     }
@@ -179,9 +185,8 @@ std::vector<int> ContactTable::Sort()
     if (lSortColumn < 0)
         return {};
     const WordOrder words;
-    const std::vector<std::size_t> order = OrderRows(aRows, bDescending, [&](const Row &row) {
-        return words.KeyOf(UnescapeText(row.texts.Text(lSortColumn)));
-    });
+    const std::vector<std::size_t> order =
+        OrderRows(aRows, bDescending, [&](const Row &row) { return words.KeyOf(TextOf(row, lSortColumn)); });
     std::vector<int> newRows(aRows.size());
     Rows sorted;
     sorted.reserve(aRows.size());

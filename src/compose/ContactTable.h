@@ -38,6 +38,7 @@ public:
     void Load(const PickerGroup &newGroup);
 
     int RowCount() const { return static_cast<int>(aRows.size()); }
+    /// As it is shown.
     QString Cell(int row, int column) const;
     SelectedReceiver::Type Type(int row) const { return aRows[static_cast<std::size_t>(row)].lType; }
     QString Caption(int column) const;
@@ -63,6 +64,7 @@ private:
 
     static Rows Read(const PickerGroup &group);
     static Row ReadContact(const clsStatement &statement, bool hasGroup);
+    static QString TextOf(const Row &row, int column);
     std::vector<int> Sort();
     void FillSearch() const;
 

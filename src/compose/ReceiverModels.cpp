@@ -125,11 +125,14 @@ QVariant SelectedReceiversModel::data(const QModelIndex &index, int role) const
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return {};
     const SelectedReceiver &receiver = receivers.At(index.row());
+    const QString nameAndNumber = receiver.ShownName() + ", " + receiver.strNumber; // two may share a name
     switch (role) {
     case Qt::DisplayRole:
         return ToListText(receiver.ShownName());
-    case Qt::AccessibleTextRole: // two may share a name
-        return ToListText(receiver.ShownName() + ", " + receiver.strNumber);
+    case Qt::ToolTipRole:
+        return "<qt>" + ToListText(nameAndNumber).toHtmlEscaped() + "</qt>";
+    case Qt::AccessibleTextRole:
+        return ToListText(nameAndNumber);
     case ImageKeyRole:
         return SelectedReceiver::ImageKeyOf(receiver.lType);
     default:

@@ -130,6 +130,8 @@ void frmSelReceiver::ConnectButtons()
     connect(ui->btnRemoveOne, &QPushButton::clicked, this, &frmSelReceiver::RemoveSelected);
     connect(ui->btnRemoveAll, &QPushButton::clicked, this, &frmSelReceiver::RemoveAll);
     connect(ui->btnOK, &QPushButton::clicked, this, &frmSelReceiver::ClickOK);
+    auto *done = new QShortcut(QKeySequence("Ctrl+Return"), this); // Enter alone adds
+    connect(done, &QShortcut::activated, ui->btnOK, &QPushButton::click);
     connect(ui->btnCancel, &QPushButton::clicked, this, &frmSelReceiver::reject);
 }
 
@@ -149,7 +151,10 @@ void frmSelReceiver::ShowGroup(int index)
 {
     if (index < 0)
         return;
-    message.RunGuarded("error in cmbGroup_Click", [&] { picker.ShowGroup(index); });
+    message.RunGuarded("error in cmbGroup_Click", [&] {
+        const BusyPointer busy;
+        picker.ShowGroup(index);
+    });
     const bool hasUsers = picker.Contacts().Table().HasUsers();
     for (int column = ContactTable::colPhone; column < ContactTable::colCount; ++column)
         ui->grdContact->setColumnHidden(column, hasUsers);
