@@ -93,8 +93,9 @@ private:
             row = usersByID.Find({receiver.strID});
         if (!row)
             return;
-        columns.strInner += EscapeText(row->at(0) + '[' + row->at(1) + "];");
-        columns.strDisplay += EscapeText(row->at(0) + '[' + row->at(2) + "];");
+        const QString name = CleanReceiverText(row->at(0));
+        columns.strInner += EscapeText(name + '[' + row->at(1) + "];");
+        columns.strDisplay += EscapeText(name + '[' + row->at(2) + "];");
     }
 
     AddressLookup byNameAndFax{contactByNameAndFax};

@@ -200,7 +200,7 @@ QString Recipients::GetInnerReceiver(const QString &receivers)
     QString names;
     for (const Pair &item : items) {
         if (const auto row = users.Find({EscapeText(item.strBetween.toString())}))
-            names += EscapeText(row->at(1) + '[' + row->at(0) + "];");
+            names += EscapeText(CleanReceiverText(row->at(1)) + '[' + row->at(0) + "];");
     }
     return names;
 }

@@ -43,7 +43,7 @@ private slots:
         AddContact(*profile, "C1", "Anna", "555", "1");
         AddContact(*profile, "C2", "O~$@~Hara", "<030> 1", "0");
         AddContact(*profile, "C3", "", "777", "1");
-        AddUser(*profile, "7", "carl", "Carl O~$@~Neil");
+        AddUser(*profile, "7", "carl", "Carl [O~$@~Neil]");
         profile->InsertReceivedFax("R1", {{"title", "Offer ~$@~A~$@~"}, {"faxLevel", "2"}});
         QVERIFY(file.Write(Global().strInputBoxPath + "R1.tif"));
         profile->InsertReceivedFax("R2");
@@ -85,9 +85,9 @@ private slots:
         QVERIFY(forward->ClickOK(chosen, {"It's %1 ;", 0, "12; <34> ,,"}));
         QCOMPARE(Row(NewID(1)), NewID(1) + ".tif|1003|0||1|2024-01-31 09:00:00|555-0100|0|It~$@~s %1 ;");
         const QString temp = "\"O~$@~Hara\"<(030) 1>;\"12\"<12>;\"(34)\"<(34)>;";
-        QCOMPARE(Columns(NewID(1)), "C1;C3;|Carl O~$@~Neil[7];|" + temp);
+        QCOMPARE(Columns(NewID(1)), "C1;C3;|Carl (O~$@~Neil)[7];|" + temp);
         QCOMPARE(Joined("ReceiverName", NewID(1)),
-                 "\"Anna\"<555>;\"O~$@~Hara\"<(030) 1>;\"777\"<777>;Carl O~$@~Neil[carl];" + temp);
+                 "\"Anna\"<555>;\"O~$@~Hara\"<(030) 1>;\"777\"<777>;Carl (O~$@~Neil)[carl];" + temp);
         QCOMPARE(ReadTestFile(Global().strOutputBoxPath + NewID(1) + ".tif"), file.Bytes());
         QCOMPARE(desktop->mailbox.aCalls, QStringList("saved 1 new "));
         QVERIFY(upload->aCalls.isEmpty());

@@ -30,6 +30,7 @@ private slots:
         AddContact("C8", "Back\\slash", "63", "1");
         AddUser("7", "carl", "Carl Carlsen");
         AddUser("8", "o~$@~neil", "Pat O~$@~Neil");
+        AddUser("12", "erin", "Doe; Erin [QA]");
     }
     void cleanup() { profile.reset(); }
 
@@ -51,6 +52,7 @@ private slots:
         row("apostrophe", "Shaun O'Hara", "`Shaun O'Hara`<1'2>;", none, none, "`Shaun O'Hara`<1'2>;");
         row("user", "Carl Carlsen[carl]", "`Carl Carlsen[carl]`;", none, "Carl Carlsen[7];", none);
         row("user with apostrophe", "x[o'neil]", "`x[o'neil]`;", none, "Pat O~$@~Neil[8];", none);
+        row("user's name cuts nothing", "x[erin]", "`x[erin]`;", none, "Doe, Erin (QA)[12];", none);
         row("unknown user is lost", "Nobody[none];1", "`Nobody[none]`;`1`<1>;", none, none, "`1`<1>;");
         row("mixed item disappears", "a<1>[b];c<<d>;e];f>;<g;Anna", "`Anna`<555>;", none, none,
             "`Anna`<555>;");
