@@ -42,6 +42,14 @@ void LongTextEdit::SetText(const QString &text)
     setPlainText(CutLongLines(text));
 }
 
+void LongTextEdit::ReplaceText(const QString &text)
+{
+    QTextCursor all(document());
+    all.select(QTextCursor::Document);
+    all.insertText(CutLongLines(text));
+    moveCursor(QTextCursor::End);
+}
+
 void LongTextEdit::insertFromMimeData(const QMimeData *source)
 {
     if (isReadOnly() || !source->hasText())

@@ -14,6 +14,8 @@ public:
 
     /// In place of `setPlainText`.
     void SetText(const QString &text);
+    /// Puts another text in place of the user's, who can undo it. The caret goes to the end.
+    void ReplaceText(const QString &text);
 
 protected:
     static QString CutLongLines(const QString &text);

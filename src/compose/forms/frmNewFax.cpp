@@ -167,8 +167,7 @@ void frmNewFax::ShowFields(const DraftFields &fields)
 
 void frmNewFax::ShowReceivers(const QString &receivers)
 {
-    ui->txtReceive->SetText(receivers);
-    ui->txtReceive->moveCursor(QTextCursor::End);
+    ui->txtReceive->ReplaceText(receivers);
 }
 
 void frmNewFax::ShowFiles()

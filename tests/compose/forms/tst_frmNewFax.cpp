@@ -119,6 +119,9 @@ private slots:
         auto &txtReceive = bench->Get<QPlainTextEdit>("txtReceive");
         QTest::keyClicks(&txtReceive, "Ann;");
         QCOMPARE(txtReceive.toPlainText(), "Anna(555);  ");
+        QTest::keySequence(&txtReceive, QKeySequence::Undo);
+        QCOMPARE(txtReceive.toPlainText(), "Ann");
+        QTest::keySequence(&txtReceive, QKeySequence::Redo);
         QTest::keyClicks(&txtReceive, "77;");
         QCOMPARE(txtReceive.toPlainText(), "Anna(555);  77;");
         QCOMPARE(bench->Get<QLabel>("labCounts").text().left(13), "Recipients: 2");
