@@ -31,8 +31,12 @@ QString FindHeaderFile(const QString &folder, const QString &fileName)
         return {};
     if (QFileInfo(dir.filePath(fileName)).isFile())
         return dir.filePath(fileName);
-    const QStringList files = dir.entryList(QDir::Files | QDir::Hidden);
-    const auto isSame = [&](const QString &file) { return file.compare(fileName, Qt::CaseInsensitive) == 0; };
-    const auto found = std::find_if(files.begin(), files.end(), isSame);
-    return found == files.end() ? QString() : dir.filePath(*found);
+    QStringList files = dir.entryList(QDir::Files | QDir::Hidden);
+    files.removeIf([&](const QString &file) { return file.compare(fileName, Qt::CaseInsensitive) != 0; });
+    if (files.isEmpty())
+        return {};
+    const QStringView name = QStringView(fileName).left(fileName.lastIndexOf('.'));
+    const auto named =
+        std::find_if(files.begin(), files.end(), [&](const QString &file) { return file.startsWith(name); });
+    return dir.filePath(named == files.end() ? files.first() : *named);
 }

@@ -12,6 +12,6 @@ const QStringList &StandardHeaderProfiles();
 /// The file of a profile by its name in a list: "*General" is "General.GNI", any other name gets the ending.
 /// Empty for no profile, and for a text that would leave its folder.
 QString HeaderProfileFileName(const QString &shownName);
-/// The full path of that file in a folder, looked up as it is spelled and then without regard to case; empty
-/// when it is missing.
+/// The full path of that file in a folder, looked up as it is spelled, then without regard to the case of its
+/// ending, then of the whole; empty when it is missing.
 QString FindHeaderFile(const QString &folder, const QString &fileName);

@@ -53,6 +53,7 @@ private slots:
         profile.aTexts[3].strText = QStringLiteral(u" two\r\nlines \u4f20 ");
         QVERIFY(WriteHeaderProfile(strFile, profile));
         QCOMPARE(ReadHeaderProfile(strFile).aTexts[3].strText, "two  lines ?");
+        QCOMPARE(ReadHeaderProfile(strFile), AsReadBack(profile));
     }
 
     void valuesStayWithinBounds_data()
@@ -124,6 +125,7 @@ private slots:
         row("standard", "*General", "General.gni");
         row("exact spelling first", "Letter", "Letter.GNI");
         row("another case", "LETTER 2", "letter 2.gni");
+        row("case of the ending alone", "Note", "Note.gni");
         row("another that begins with an asterisk", "*Letter", "");
         row("missing", "Compact", "");
         row("no profile", "<None>", "");
@@ -137,7 +139,8 @@ private slots:
         QFETCH(QString, file);
         const QDir header(folder->filePath("Header"));
         QVERIFY(QDir().mkpath(header.path()));
-        for (const char *name : {"General.gni", "letter.GNI", "Letter.GNI", "letter 2.gni", "../Letter.GNI"})
+        for (const char *name : {"General.gni", "letter.GNI", "Letter.GNI", "letter 2.gni", "NOTE.gni",
+                                 "Note.gni", "../Letter.GNI"})
             QVERIFY(WriteTestFile(header.filePath(name), "x"));
         QCOMPARE(FindHeaderFile(header.path(), HeaderProfileFileName(shown)),
                  file.isEmpty() ? QString() : header.filePath(file));

@@ -218,7 +218,7 @@ void frmHeader::ShowPicture()
     fields.dateTime = ports.clock.Now();
     fields.strCompanyName = Global().Company.isEmpty() ? tr("Company name") : Global().Company;
     fields.strRecipients = tr("Recipients");
-    ui->picPage->ShowProfile(profile, fields);
+    ui->picPage->ShowProfile(AsReadBack(profile), fields);
 }
 
 /// A text that loses the keyboard to a button would forget what is selected in it.
@@ -252,7 +252,9 @@ void frmHeader::InsertField(int field)
         if (selected == 0)
             box->setCursorPosition(caret);
     }
-    box->insert(headerMacros[field]);
+    const qsizetype rest = box->text().size() - box->selectedText().size();
+    if (rest + headerMacros[field].size() <= longestText) // a part of the word would mean nothing
+        box->insert(headerMacros[field]);
 }
 
 void frmHeader::ClickFont()

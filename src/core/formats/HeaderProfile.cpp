@@ -111,11 +111,9 @@ void AddSpace(IniLines &lines, const QString &section, const HeaderSpace &space)
     lines.Number("LineSpace", space.lLineSpace);
 }
 
-} // namespace
-
-HeaderProfile ReadHeaderProfile(const QString &path)
+HeaderProfile FromLines(const QString &lines)
 {
-    const IniText ini(ReadAnsiFile(path));
+    const IniText ini(lines);
     HeaderProfile profile;
     for (std::size_t which = 0; which < headerSections.size(); ++which)
         profile.aTexts[which] = ReadText(ini, headerSections[which]);
@@ -128,7 +126,7 @@ HeaderProfile ReadHeaderProfile(const QString &path)
     return profile;
 }
 
-bool WriteHeaderProfile(const QString &path, const HeaderProfile &profile)
+QByteArray ToBytes(const HeaderProfile &profile)
 {
     IniLines lines;
     for (std::size_t which = 0; which < headerSections.size(); ++which)
@@ -138,9 +136,26 @@ bool WriteHeaderProfile(const QString &path, const HeaderProfile &profile)
     lines.Section(QStringLiteral("Options"));
     lines.Number("OnlyFirstHeader", profile.bOnlyFirstHeader);
     lines.Number("OnlyFirstFooter", profile.bOnlyFirstFooter);
+    return AnsiText::ToAnsi(lines.strLines);
+}
+
+} // namespace
+
+HeaderProfile ReadHeaderProfile(const QString &path)
+{
+    return FromLines(ReadAnsiFile(path));
+}
+
+bool WriteHeaderProfile(const QString &path, const HeaderProfile &profile)
+{
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    file.write(AnsiText::ToAnsi(lines.strLines));
+    file.write(ToBytes(profile));
     return file.commit();
+}
+
+HeaderProfile AsReadBack(const HeaderProfile &profile)
+{
+    return FromLines(AnsiText::FromAnsi(ToBytes(profile)));
 }

@@ -78,3 +78,5 @@ HeaderProfile ReadHeaderProfile(const QString &path);
 /// Writes a profile file anew, in one step; false when that failed, and what was there stays. A text has one
 /// line, and what the code page lacks becomes "?". Longer texts than 254 characters are cut when read back.
 bool WriteHeaderProfile(const QString &path, const HeaderProfile &profile);
+/// What reading gives of the profile once it has been written.
+HeaderProfile AsReadBack(const HeaderProfile &profile);

@@ -103,6 +103,9 @@ private slots:
         for (const char *button : {"btnField_2", "btnField_3", "btnField_4", "btnField_5"})
             Click(button);
         QCOMPARE(Text("txtFooterLeft_1"), "[Date][Time][CompanyName][Recipients]");
+        Box("txtFooterLeft_1")->setText(QString(250, 'x'));
+        Click("btnField_0"); // six letters are too many
+        QCOMPARE(Text("txtFooterLeft_1"), QString(250, 'x'));
     }
 
     void fontIsThatOfTheLastText()
