@@ -127,7 +127,7 @@ QString EscapeText(const QString &text)
 
 QString UnescapeText(const QString &text)
 {
-    return QString(text).replace(escapedApostrophe, QLatin1StringView("'"));
+    return text.contains(escapedApostrophe) ? text.split(escapedApostrophe).join('\'') : text;
 }
 
 QString NewFaxID(Ids &ids, Message &message)
