@@ -46,6 +46,11 @@ bool FetchTest::Synchronise()
     return RunIsOver([this] { client->runs.mnuSyncAddressBook(); });
 }
 
+bool FetchTest::Upload()
+{
+    return RunIsOver([this] { client->runs.mnuSend(); });
+}
+
 bool FetchTest::RunIsOver(const std::function<void()> &run)
 {
     QElapsedTimer elapsed;

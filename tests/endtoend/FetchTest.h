@@ -27,6 +27,9 @@ public:
     /// One run of "Synchronise"; true as for `Fetch`.
     bool Synchronise();
 
+    /// One run of "Send"; true as for `Fetch`.
+    bool Upload();
+
     /// Progress states such as "Completed", in the order of the rows.
     QStringList States() const;
     /// Titles of the stored faxes whose file is, byte for byte, the delivered one; "broken" for any other.
@@ -35,9 +38,8 @@ public:
     QTemporaryDir home;
     TrialServer server;
     std::unique_ptr<ClientUnderTest> client;
+    QMap<QString, QByteArray> delivered; ///< bytes of the files that were made, by title
 
 private:
     bool RunIsOver(const std::function<void()> &run);
-
-    QMap<QString, QByteArray> delivered; ///< bytes by title
 };
