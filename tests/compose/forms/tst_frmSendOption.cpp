@@ -3,6 +3,7 @@
 #include "fakes/FakePorts.h"
 #include "fixtures/Profile.h"
 
+#include <QCalendarWidget>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateEdit>
@@ -95,6 +96,19 @@ private slots:
         QVERIFY(Find<QRadioButton>("optPixel_1")->isChecked());
         for (int button = 0; button < 3; ++button)
             QVERIFY(!Find<QRadioButton>("optPixel_" + QString::number(button))->isEnabled());
+    }
+
+    void calendarOpensByKeys()
+    {
+        Find<QRadioButton>("optSendTime")->click();
+        auto *date = Find<QDateEdit>("dtpSendTime");
+        date->setFocus();
+        QTest::keyClick(date, Qt::Key_Down, Qt::AltModifier);
+        QVERIFY(date->calendarWidget()->isVisible());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QVERIFY(!date->calendarWidget()->isVisible() && form->isVisible());
+        QCOMPARE(date->date(), fakes->clock.Now().date().addDays(1));
     }
 
     void sendingTimeInThePastKeepsTheWindowOpen()
