@@ -19,9 +19,7 @@ qsizetype FirstPiece(QStringView line)
     return start.back().isHighSurrogate() ? start.size() - 1 : start.size();
 }
 
-} // namespace
-
-QString LongTextEdit::CutLongLines(const QString &text)
+QString CutLongLines(const QString &text)
 {
     QString cut;
     cut.reserve(text.size() + text.size() / 64);
@@ -36,6 +34,8 @@ QString LongTextEdit::CutLongLines(const QString &text)
     cut.chop(1);
     return cut;
 }
+
+} // namespace
 
 void LongTextEdit::SetText(const QString &text)
 {

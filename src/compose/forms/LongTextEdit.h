@@ -5,7 +5,7 @@
 /// A text box that stays quick with a megabyte in it. A line is laid out as a whole at each key, so what
 /// comes in at once is cut into lines that are short enough: behind a ";" where there is one, else at a
 /// blank.
-class LongTextEdit : public QPlainTextEdit
+class LongTextEdit final : public QPlainTextEdit
 {
     Q_OBJECT
 
@@ -18,6 +18,5 @@ public:
     void ReplaceText(const QString &text);
 
 protected:
-    static QString CutLongLines(const QString &text);
     void insertFromMimeData(const QMimeData *source) override;
 };
