@@ -264,7 +264,7 @@ private slots:
             QCOMPARE(FaxImage::LoadPage(strFax, 0, 0).lWidth, 1728);
         }
         QCOMPARE(senders.size(), 8);
-        QCOMPARE(client.Ask(Number(5)).mid(4).count("\r\n"), 6);
+        QCOMPARE(client.Ask(Number(5)).mid(4).count("\r\n"), 8);
         QCOMPARE(client.List(History("1;1;1;0")).size(), 4);
     }
 

@@ -10,9 +10,11 @@ Calls::Calls(Database &database)
         "CREATE TABLE IF NOT EXISTS Call (Fax TEXT, Place INTEGER, Kind INTEGER, Target TEXT, "
         "Number TEXT, Status INTEGER, Attempts INTEGER, PagesSent INTEGER, Round INTEGER, "
         "Resends INTEGER, Interval INTEGER, Level INTEGER, DueTime INTEGER, PRIMARY KEY (Fax, Place))");
-    objDatabase.Run("CREATE INDEX IF NOT EXISTS CallByStatus ON Call (Fax, Status, Place)");
-    objDatabase.Run("CREATE INDEX IF NOT EXISTS CallByDueTime ON Call (DueTime) WHERE Status = 1");
-    objDatabase.Run("CREATE INDEX IF NOT EXISTS CallByLevel ON Call (Level, DueTime) WHERE Status = 1");
+    for (const char *index :
+         {"CallByStatus ON Call (Fax, Status, Place)", "CallByDueTime ON Call (DueTime) WHERE Status = 1",
+          "CallInside ON Call (DueTime) WHERE Status = 1 AND Kind = 0",
+          "CallOutside ON Call (Level, DueTime) WHERE Status = 1 AND Kind <> 0"})
+        objDatabase.Run((QByteArray("CREATE INDEX IF NOT EXISTS ") + index).constData());
 }
 
 void Calls::Insert(const Call &call)
@@ -32,13 +34,12 @@ void Calls::Update(const Call &call)
         {call.lStatus, call.lAttempts, call.lPagesSent, call.lRound, call.lDue, call.strFax, call.lPlace});
 }
 
-QList<Call> Calls::Select(const QByteArray &condition, const QVariantList &values) const
+QList<Call> Calls::Select(const QByteArray &table, const QByteArray &condition,
+                          const QVariantList &values) const
 {
-    const QByteArray sql =
-        "SELECT Call.Fax, Place, Call.Kind, Target, Number, Status, Attempts, PagesSent, "
-        "Round, Resends, Interval, Call.Level, Call.DueTime, Pages FROM Call JOIN Fax ON Fax.ID = "
-        "Call.Fax WHERE " +
-        condition;
+    const QByteArray sql = "SELECT Call.Fax, Place, Call.Kind, Target, Number, Status, Attempts, PagesSent, "
+                           "Round, Resends, Interval, Call.Level, Call.DueTime, Pages FROM " +
+                           table + " JOIN Fax ON Fax.ID = Call.Fax WHERE " + condition;
     Statement rows = objDatabase.Query(sql.constData(), values);
     QList<Call> found;
     while (rows.Next())
@@ -51,7 +52,7 @@ QList<Call> Calls::Select(const QByteArray &condition, const QVariantList &value
 
 QList<Call> Calls::OfFax(const QString &fax) const
 {
-    return Select("Call.Fax = ? ORDER BY Place", {fax});
+    return Select("Call", "Call.Fax = ? ORDER BY Place", {fax});
 }
 
 int Calls::Outcome(const QString &fax) const
@@ -67,16 +68,17 @@ int Calls::Outcome(const QString &fax) const
 
 QList<Call> Calls::ToDial(qint64 now, int most) const
 {
-    return Select("Status = 1 AND Call.DueTime <= ? AND Call.Kind <> ? ORDER BY Call.Level, Call.DueTime "
-                  "LIMIT ?",
-                  {now, int(Call::toUser), most});
+    return Select(
+        "Call INDEXED BY CallOutside",
+        "Status = 1 AND Call.Kind <> 0 AND Call.DueTime <= ? ORDER BY Call.Level, Call.DueTime LIMIT ?",
+        {now, most});
 }
 
 QStringList Calls::ToDeliver(qint64 now) const
 {
-    Statement rows =
-        objDatabase.Query("SELECT DISTINCT Fax FROM Call WHERE Status = 1 AND DueTime <= ? AND Kind = ?",
-                          {now, int(Call::toUser)});
+    Statement rows = objDatabase.Query(
+        "SELECT DISTINCT Fax FROM Call INDEXED BY CallInside WHERE Status = 1 AND Kind = 0 AND DueTime <= ?",
+        {now});
     QStringList faxes;
     while (rows.Next())
         faxes.append(rows.Text(0));

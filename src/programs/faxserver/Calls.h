@@ -51,7 +51,8 @@ public:
     std::optional<qint64> NextDue(qint64 now) const;
 
 private:
-    QList<Call> Select(const QByteArray &condition, const QVariantList &values) const;
+    QList<Call> Select(const QByteArray &table, const QByteArray &condition,
+                       const QVariantList &values) const;
 
     Database &objDatabase;
 };

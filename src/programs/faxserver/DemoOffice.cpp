@@ -187,6 +187,8 @@ void Office::AddAddresses()
                 "07700 900 131", "", "", customers});
     AddContact({"Marta Lindqvist", "", "", "", "01632 960 019", "", "07700 900 019", "marta@barn.example", "",
                 customers});
+    AddContact({"Moorside Plumbing", "Moorside", "", "", "01632 960 902", "", "", "", "", suppliers});
+    AddContact({"Old Mill Tea Room", "", "", "", "01632 960 903", "", "", "", "", customers});
 }
 
 void Office::GiveTo(const QString &owner, Fax fax)

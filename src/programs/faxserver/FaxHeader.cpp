@@ -33,21 +33,15 @@ QString Plain(QString text)
     return text.replace("~$@~", "'");
 }
 
-void AddOnce(QStringList &list, const QString &id)
-{
-    if (!list.contains(id))
-        list.append(id);
-}
-
 QStringList ContactsOf(const QString &field)
 {
-    static const QRegularExpression id("^[0-9A-Za-z_-]{1,64}$");
-    QStringList contacts;
-    for (const QString &item : field.split(';', Qt::SkipEmptyParts)) {
+    static const QRegularExpression id("^[^'\\x00-\\x1f]{1,64}$");
+    QStringList contacts = field.split(';', Qt::SkipEmptyParts);
+    for (const QString &item : std::as_const(contacts)) {
         if (!id.match(item).hasMatch())
             throw ServerError("a recipient is no id of a contact");
-        AddOnce(contacts, item);
     }
+    contacts.removeDuplicates();
     return contacts;
 }
 
@@ -62,24 +56,28 @@ QString OneEntry(QString text)
 }
 
 /// Splits the recipients "Name[id];" and `"Name"<number>;`, which travel in one field. A name may hold a ";":
-/// what has no bracket yet is the front of the next item.
+/// a part without brackets is the front of the next.
 void SplitPeople(const QString &people, FaxHeader &header)
 {
-    static const QRegularExpression user("\\[([0-9A-Za-z_-]{1,64})\\]$");
-    QString item;
+    static const QRegularExpression user("\\[([^][<>'\\x00-\\x1f]{1,64})\\]$");
+    QString front;
     for (const QString &part : people.split(';', Qt::SkipEmptyParts)) {
-        item += item.isEmpty() ? part : ';' + part;
-        const QRegularExpressionMatch match = user.match(item);
-        if (match.hasMatch())
-            AddOnce(header.aUsers, match.captured(1));
-        else if (item.contains('<') && (item.endsWith('>') || item.endsWith(')')))
-            header.aTyped.append(OneEntry(item));
-        else
+        const QRegularExpressionMatch match = user.match(part);
+        const bool isTyped = part.contains('<') && (part.endsWith('>') || part.endsWith(')'));
+        if (match.hasMatch()) {
+            header.aUsers.append(match.captured(1));
+        } else if (isTyped) {
+            header.aTyped.append(OneEntry(front + part));
+        } else {
+            front += part + ';';
             continue;
-        item.clear();
+        }
+        front.clear();
     }
-    if (!item.trimmed().isEmpty())
-        header.aTyped.append(OneEntry(item));
+    front.chop(1);
+    if (!front.trimmed().isEmpty())
+        header.aTyped.append(OneEntry(front));
+    header.aUsers.removeDuplicates();
 }
 
 QDateTime TimeOf(const QString &field)

@@ -11,9 +11,11 @@
 namespace {
 
 constexpr int lRealPageSeconds = 24;
-constexpr int lTurnsAtOnce = 50; ///< clients wait meanwhile
-constexpr qint64 lLongestWait =
-    30000; ///< the system's clock may be set, and stands still while the machine sleeps
+/// Clients wait meanwhile. So many turns end any fax to one number when nothing takes time.
+constexpr int lTurnsAtOnce = 10;
+constexpr int lMillisecondsAtOnce = 30;
+/// The system's clock may be set, and a timer stands still while the machine sleeps.
+constexpr qint64 lLongestWait = 30000;
 constexpr qint64 lWaitAfterError = 1000;
 
 qint64 Now()
@@ -36,12 +38,13 @@ Lines::Lines(Store &store, OutgoingFaxes &outgoing, const LineSettings &settings
 void Lines::Wake()
 {
     try {
+        const QDeadlineTimer soon(lMillisecondsAtOnce);
         int turns = 0;
         do {
             EndCalls();
             objOutgoing.DeliverInside(Now());
             StartCalls();
-        } while (HasEnded() && ++turns < lTurnsAtOnce);
+        } while (HasEnded() && (++turns < lTurnsAtOnce || !soon.hasExpired()));
         SetTimer();
     } catch (const ServerError &error) {
         Complain(error);

@@ -50,7 +50,12 @@ QString Upload::Finish(OutgoingFaxes &outgoing)
 {
     if (!objFile->commit()) // it is on the disk then, not only in the system's memory
         throw ServerError(QString("the file cannot be stored, %1").arg(objFile->errorString()));
-    outgoing.Accept(MakeFax(), objHeader);
+    try {
+        outgoing.Accept(MakeFax(), objHeader);
+    } catch (const ServerError &) {
+        QFile::remove(objFile->fileName());
+        throw;
+    }
     return strID;
 }
 
