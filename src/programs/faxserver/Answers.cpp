@@ -226,10 +226,15 @@ QStringList Answers::FaxIds(const QByteArray &body, const Session &session) cons
 
 QByteArray Answers::Cancel(const QByteArray &body, const Session &session)
 {
+    QStringList cancelled;
+    const auto changes = objStore.Change();
     for (const QString &id : FaxIds(body, session)) {
         if (objOutgoing.Cancel(session.account->strID, id))
-            objLines.HangUp(id);
+            cancelled.append(id);
     }
+    changes->Commit();
+    for (const QString &id : std::as_const(cancelled))
+        objLines.HangUp(id);
     objLines.Wake();
     return Ok();
 }
@@ -237,8 +242,10 @@ QByteArray Answers::Cancel(const QByteArray &body, const Session &session)
 QByteArray Answers::Resend(const QByteArray &body, const Session &session)
 {
     QByteArray accepted;
+    const auto changes = objStore.Change();
     for (const QString &id : FaxIds(body, session))
         accepted += objOutgoing.Resend(session.account->strID, id) ? "1;" : "0;";
+    changes->Commit();
     objLines.Wake();
     return Ok({accepted});
 }
@@ -247,10 +254,12 @@ QByteArray Answers::Resend(const QByteArray &body, const Session &session)
 QByteArray Answers::TakeReceipts(const QByteArray &body, const Session &session)
 {
     QByteArray taken;
+    const auto changes = objStore.Change();
     for (const QString &id : IdsOf(body, ';')) {
         objStore.mailboxes.MarkRead(session.account->strID, id, ServerTime::Now());
         taken += Field(id) + ';';
     }
+    changes->Commit();
     return Ok({taken});
 }
 

@@ -175,6 +175,8 @@ void Connection::BeginUpload(const Request &request)
         objStream.SendShort(WireText::Refused(WireText::refBadRequest));
         return;
     }
+    if (steps && Script::Has(*steps, ScriptAction::actRefuse))
+        objUpload.reset();
     Respond(steps, request.lCommand, [this](int) { objStream.SendShort(WireText::Ok()); });
 }
 

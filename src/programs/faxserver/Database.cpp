@@ -62,7 +62,7 @@ Database::Database(const QString &path)
         Fail(database);
     sqlite3_busy_timeout(database, lBusyMilliseconds);
     Run("PRAGMA journal_mode=WAL");
-    Run("PRAGMA synchronous=FULL"); // what a client was answered for is on the disk
+    Run("PRAGMA synchronous=NORMAL");
 }
 
 Statement Database::Query(const char *sql, const QVariantList &values) const

@@ -131,7 +131,6 @@ bool OutgoingFaxes::Cancel(const QString &owner, const QString &id)
     const std::optional<Fax> fax = objStore.mailboxes.Find(owner, id);
     if (!fax || (fax->lKind != kindSending && !HasFailed(fax->lKind)))
         return false;
-    const auto changes = objStore.Change();
     for (Call &call : objStore.calls.OfFax(id)) {
         if (call.lStatus == kindSent)
             continue;
@@ -139,7 +138,6 @@ bool OutgoingFaxes::Cancel(const QString &owner, const QString &id)
         objStore.calls.Update(call);
     }
     objStore.mailboxes.SetState(id, kindRemoved, ServerTime::Now());
-    changes->Commit();
     return true;
 }
 
@@ -150,7 +148,6 @@ bool OutgoingFaxes::Resend(const QString &owner, const QString &id)
         return true;
     if (!fax || !HasFailed(fax->lKind))
         return false;
-    const auto changes = objStore.Change();
     for (Call &call : objStore.calls.OfFax(id)) {
         if (call.lStatus == kindSent)
             continue;
@@ -162,6 +159,5 @@ bool OutgoingFaxes::Resend(const QString &owner, const QString &id)
         objStore.calls.Update(call);
     }
     Settle(id, {});
-    changes->Commit();
     return true;
 }

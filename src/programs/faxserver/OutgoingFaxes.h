@@ -11,7 +11,9 @@ struct FaxHeader;
 class Store;
 
 /// What becomes of the faxes that users send. All of it is in the store: a server that was killed goes on
-/// where it was, and nobody gets a fax twice. Raises `ServerError`, as all routines do.
+/// where it was, and nobody gets a fax twice. Raises `ServerError`, as all routines do. `Insert`, `Cancel`
+/// and `Resend` write several rows and belong into a `Store::Change` of their caller; the others make their
+/// own.
 class OutgoingFaxes
 {
 public:

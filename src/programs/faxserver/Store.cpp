@@ -25,6 +25,8 @@ Store::Store(const QString &dataFolder)
     objDatabase.Run("CREATE TABLE IF NOT EXISTS Server (ID TEXT)");
     objDatabase.Run("INSERT INTO Server (ID) SELECT ? WHERE NOT EXISTS (SELECT 1 FROM Server)",
                     {Accounts::NewID()});
+    // From here on each change is on the disk before anybody is told of it. The tables need no such care.
+    objDatabase.Run("PRAGMA synchronous=FULL");
 }
 
 QString Store::ServerID() const
