@@ -56,10 +56,10 @@ QByteArray History(const QByteArray &flags)
 
 /// What a client tells of a fax that is to go to these people.
 QByteArray Header(const QByteArray &people, const QByteArray &time = "2020-01-01 00:00:00",
-                  const QByteArray &sender = {})
+                  const QByteArray &sender = {}, const QByteArray &resends = "0")
 {
     const QByteArrayList fields = {
-        "",  "O~$@~Hara", "0123456789ABCDEF0123456789ABCDEF.tif", "2", "0", "soon", time, people, "0",
+        "",  "O~$@~Hara", "0123456789ABCDEF0123456789ABCDEF.tif", "2", "0", "soon", time, people, resends,
         "0", sender};
     return Counted(8, fields.join('\0'));
 }
@@ -393,6 +393,8 @@ private slots:
             QCOMPARE(anna.Ask(Counted(16, id + ';')).mid(8), row.abAnswer + "\r\n");
             QCOMPARE(anna.State(id), row.abAfter);
         }
+        const QByteArray once = anna.Upload(Header("\"A\"<901>;", "", "", "1"), ReadTestFile(strFax));
+        QCOMPARE(anna.State(once), QByteArray("10")); // no third attempt
         const QByteArray noPicture = anna.Upload(Header("\"A\"<123>;"), QByteArray(500, 'x'));
         QCOMPARE(anna.State(noPicture), QByteArray("6"));
         const QByteArray both = anna.Upload(Header("\"A\"<902>;\"B\"<1>;X[FF];"), ReadTestFile(strFax));
