@@ -81,7 +81,7 @@ QString MessagePrompts::AskText(const QString &prompt, const QString &title)
     QInputDialog box;
     box.setWindowTitle(title);
     box.setLabelText(prompt);
-    box.setMinimumWidth(narrowestInput);
+    box.resize(box.sizeHint().expandedTo({narrowestInput, 0})); // its layout overrules a minimum width
     PlaceOverActiveWindow(box);
     return box.exec() == QDialog::Accepted ? box.textValue() : QString();
 }

@@ -62,12 +62,20 @@ private slots:
 
     void typedTextComesBackAndACancelledOneIsEmpty()
     {
+        QWidget owner;
+        const QRect screen = owner.screen()->availableGeometry();
+        owner.setGeometry(screen.right() - 100, screen.bottom() - 50, 90, 40);
+        owner.show();
+        QVERIFY(QTest::qWaitForWindowActive(&owner));
         for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+            bool fits = false;
             WhenShown<QInputDialog>([&](QInputDialog *box) {
+                fits = screen.contains(box->geometry()) && box->width() >= 340;
                 QTest::keyClicks(box->focusWidget(), "My own");
                 QTest::keyClick(box, key);
             });
             QCOMPARE(prompts.AskText("A name: ", "New"), key == Qt::Key_Return ? "My own" : "");
+            QVERIFY(fits);
         }
     }
 
