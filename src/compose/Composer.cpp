@@ -110,6 +110,8 @@ bool Composer::Form_QueryUnload()
         return true;
     const long answer =
         ports.message.ShowMessage(tr("The fax has been changed, save it now?"), mbYesNoCancel + mbQuestion);
+    if (answer != mbAnswerYes && answer != mbAnswerNo && answer != mbAnswerCancel)
+        return false; // not asked: another box stands
     bSending = false;
     const bool isSaved = answer != mbAnswerYes || SaveFax(false);
     draft.RemoveLeftover();
@@ -138,13 +140,21 @@ void Composer::btnAddFile_Click()
     FileDialogSetup setup;
     setup.strFilter = fileFilter;
     setup.strFolder = files.FolderOfLast();
-    const QStringList chosen = ports.fileDialogs.ChooseFiles(setup);
-    if (!chosen.isEmpty())
-        AddFiles(chosen);
+    AddChosen(ports.fileDialogs.ChooseFiles(setup));
 }
 
-void Composer::AddFiles(const QStringList &chosen)
+void Composer::AddFiles(const QStringList &offered)
 {
+    if (files.IsFull())
+        ports.message.ShowMessage(tr("Too many files in the file list."), mbExclamation);
+    else
+        AddChosen(offered);
+}
+
+void Composer::AddChosen(const QStringList &chosen)
+{
+    if (chosen.isEmpty())
+        return;
     if (!files.AddChosen(chosen))
         ports.message.ShowMessage(tr("Too many files in the file list."), mbExclamation);
     ChangeFiles(true);
@@ -159,8 +169,8 @@ void Composer::btnDeleteFile_Click()
 void Composer::btnViewFile_Click()
 {
     constexpr int showNormal = 1;
-    for (const int entry : files.aSelected) {
-        if (!ShellOpen(ports.shell, SourceFiles::PathOf(files.aFiles[entry]), "Open", {}, {}, showNormal))
+    for (const QString &path : files.SelectedPaths()) {
+        if (!ShellOpen(ports.shell, path, "Open", {}, {}, showNormal))
             ports.message.ShowMessage(tr("File does not exists or can not found proper program to open it."),
                                       mbExclamation);
     }
@@ -196,7 +206,7 @@ void Composer::btnOption_Click()
 
 bool Composer::NeedsConversion() const
 {
-    return draft.strTifFile.isEmpty() || bNeedPrint;
+    return bNeedPrint || !FileExists(draft.strTifFile); // it may have been deleted meanwhile
 }
 
 int Composer::RenderedPages() const
@@ -226,12 +236,11 @@ void Composer::btnPreview_Click()
 {
     ports.message.RunGuarded("error in btnPreview_Click  ", [this] {
         bSending = false;
-        if (NeedsConversion())
-            PrintFile();
-        else
+        if (!NeedsConversion())
             FaxViewer::Open(draft.strTifFile, ports);
-        if (!conversion.bPrintFailed)
+        else if (PrintFile())
             bNeedPrint = false;
+        window.ShowFiles(); // the number of pages
     });
 }
 
@@ -278,16 +287,24 @@ void Composer::btnSend_Click()
         ports.message.ShowMessage(tr("Saving fax failed."), mbExclamation);
         return;
     }
+    window.Hide();
+    const auto end = qScopeGuard([this] {
+        EnableMain();
+        window.Unload();
+    });
     SendNow();
-    EnableMain();
-    window.Unload();
 }
 
 void Composer::SendNow()
 {
-    window.Hide();
-    if (window.Fields().bSend && parts.maySend())
-        parts.faxUpload.GetSendFaxID(true, draft.strFaxID + ';', true, true);
+    if (window.Fields().bSend && parts.maySend()) {
+        if (parts.isBusy())
+            ports.message.ShowMessage(tr("Another transfer is under way. The fax waits in Outgoing, please "
+                                         "send it from there when the transfer has ended."),
+                                      mbInformation);
+        else
+            parts.faxUpload.GetSendFaxID(true, draft.strFaxID + ';', true, true);
+    }
     if (parts.isLinkAtRest())
         parts.mailbox.RefreshFolderUnreadCounts();
 }
@@ -307,8 +324,18 @@ bool Composer::SaveFax(bool toQueue)
             return;
         }
         draft.Save(fields, toQueue, conversion.bPrinted);
+        ShowRenamed(fields.aFiles);
         bChanged = false;
         isSaved = true;
     });
     return isSaved;
+}
+
+void Composer::ShowRenamed(const QStringList &saved)
+{
+    if (saved == files.aFiles)
+        return;
+    files.aFiles = saved;
+    files.aSelected = {0};
+    window.ShowFiles();
 }

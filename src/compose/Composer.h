@@ -26,6 +26,7 @@ struct ComposerParts
     ConversionTurn &turn;
     std::function<bool()> maySend;      ///< logged in, and not working offline
     std::function<bool()> isLinkAtRest; ///< connected, and neither sending nor receiving
+    std::function<bool()> isBusy;       ///< a run owns the connection
 };
 
 /// What the opener of a composer gives; at most one of the four.
@@ -89,7 +90,7 @@ public:
     void OnTextChanged() { bChanged = bChanged || !bLoading; }
     /// The recipients or the header profile: both are on the pages.
     void OnHeaderChanged();
-    /// Files dropped or pasted.
+    /// Files dropped or pasted; a full list takes none.
     void AddFiles(const QStringList &files);
     void MoveFiles(const QList<int> &entries, int target);
     void SelectFiles(const QList<int> &entries) { files.aSelected = entries; }
@@ -106,6 +107,7 @@ private:
     void LoadDraft(DraftFields &fields);
     void StartNew(const ComposerStart &start, DraftFields &fields);
     void EnableMain();
+    void AddChosen(const QStringList &chosen);
     void ChangeFiles(bool dropRendered);
     void MoveFile(int step);
     bool NeedsConversion() const;
@@ -115,6 +117,7 @@ private:
     static bool MayBeReceivers(const QString &text);
     bool IsOnlyWindow() const;
     void SendNow();
+    void ShowRenamed(const QStringList &saved);
 
     const Ports &ports;
     ComposerParts parts;

@@ -147,11 +147,15 @@ void DocumentConversion::AbortPrintWait()
 void DocumentConversion::OnTimer1Tick()
 {
     // In this order: what it wrote before its end must be seen.
-    const bool isAlive = tool && tool->IsRunning();
-    const QString reply = sharedString.Item();
-    ReadReply(reply);
+    const bool isAlive = IsToolRunning();
+    ReadReply(sharedString.Item());
     if (!isAlive && !bEnded && !bAborted)
         ReadReply(Error);
+}
+
+bool DocumentConversion::IsToolRunning() const
+{
+    return tool && tool->IsRunning();
 }
 
 bool DocumentConversion::IsOwn(const QString &text) const
@@ -222,7 +226,8 @@ void DocumentConversion::btnCancel_Click()
 {
     switch (panel.lTag) {
     case tagRunning:
-        CancelTool();
+        if (panel.bButtonEnabled) // a second click may be on its way
+            CancelTool();
         break;
     case tagFinish:
         pause.Cancel = true;
@@ -250,8 +255,8 @@ void DocumentConversion::CancelTool()
     AbortPrintWait();
     if (bHasTurn) {
         sharedString.SetItem(StopRequest);
-        if (!WaitForPrinterIdle() && tool)
-            tool->Kill();
+        if (!WaitForPrinterIdle())
+            KillTool();
     }
     ResetPanel(tagClose);
     bPrintFailed = true;
@@ -266,9 +271,15 @@ bool DocumentConversion::WaitForPrinterIdle()
 {
     const qint64 end = ports.clock.Milliseconds() + cancelLimit * 1000;
     WaitForPrinter(ports, cancelLimit);
-    while (tool && tool->IsRunning() && ports.clock.Milliseconds() < end && !ports.pump.IsQuitting())
+    while (IsToolRunning() && ports.clock.Milliseconds() < end && !ports.pump.IsQuitting())
         ports.pump.RunSlice(waitSlice);
-    return !tool || !tool->IsRunning();
+    return !IsToolRunning();
+}
+
+void DocumentConversion::KillTool()
+{
+    tool->Kill();
+    SetPrinterStatus(ports.folders, printerFailed); // it said that it works: the next wait would believe it
 }
 
 void DocumentConversion::ResetPanel(Tag tag)

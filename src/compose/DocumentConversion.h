@@ -85,6 +85,8 @@ private:
 
     void CancelTool();
     bool WaitForPrinterIdle();
+    bool IsToolRunning() const;
+    void KillTool();
     void ResetPanel(Tag tag);
     void SetStatus(const QString &status);
     void ShowPanel(bool visible);

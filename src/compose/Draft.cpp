@@ -3,6 +3,7 @@
 #include "compose/Recipients.h"
 #include "compose/RenderedFile.h"
 #include "compose/SendOptions.h"
+#include "compose/SourceFiles.h"
 #include "core/FaxImage.h"
 #include "core/Globals.h"
 #include "core/RaisedError.h"
@@ -75,19 +76,24 @@ int PagesOfRendered(const QString &path)
     return path.isEmpty() ? 0 : std::max(FaxImage::GetPageCount(path), 1);
 }
 
+/// The list may hold a file of the outbox, when nothing else is left of a draft. Renamed, it is followed. A
+/// rendering that takes its name holds the pages of the whole list.
+void FollowFile(QStringList &files, const QString &path, const QString &newPath)
+{
+    if (newPath.isEmpty() || path == newPath)
+        return;
+    if (files.contains(path))
+        std::replace(files.begin(), files.end(), path, newPath);
+    else if (files.contains(newPath))
+        files = {newPath};
+}
+
 /// The row does not keep how images are fitted: the text ends before that field.
 QString PackOptions(const clsStatement &row)
 {
-    constexpr int usualThreshold = 150;
-    const QString resending = ReadsAsTrue(row.Text("IsDontRetry"))
-                                  ? QStringLiteral("-1")
-                                  : row.Text("RetryInterval") + "\r\n" + row.Text("ResendTimes");
-    const QString threshold = row.Text("Deepness");
-    const QStringList fields{
-        row.Text("TimingSend"), row.Text("FaxLevel"),
-        row.Text("busyResend"), resending,
-        row.Text("Resolution"), ToNumber(threshold) == 0 ? QString::number(usualThreshold) : threshold};
-    return fields.join(QChar(2)) + QChar(2);
+    QString packed = SendOptions::FromRow(row).Pack();
+    packed.chop(1);
+    return packed;
 }
 
 } // namespace
@@ -128,11 +134,11 @@ void Draft::ReadFileList(const QString &fileList, const QString &fileName, Draft
                          QStringList &missing) const
 {
     for (const QString &path : SplitFileList(fileList)) {
-        const bool isReady = path.startsWith('*');
-        if (FileExists(isReady ? path.mid(1) : path))
+        const QString file = SourceFiles::PathOf(path);
+        if (FileExists(file))
             fields.aFiles.append(path);
         else
-            missing.append(path);
+            missing.append(file);
     }
     const QString rendered = Global().strOutputBoxPath + fileName;
     if (fileList.isEmpty() && !fileName.isEmpty() && FileExists(rendered))
@@ -191,22 +197,28 @@ Draft::Values Draft::CollectValues(const DraftFields &fields, const QString &ren
             .TempReceiver = Quoted(strTempReceiver)};
 }
 
-void Draft::Save(const DraftFields &fields, bool toQueue, bool wasPrinted)
+void Draft::Save(DraftFields &fields, bool toQueue, bool wasPrinted)
 {
-    constexpr long noIdentifier = 5;
+    constexpr long badCall = 5, pathFileError = 75;
     const bool isNewRow = !HasRow(strFaxID); // one whose row is gone meanwhile is kept, too
     const QString id = isNewRow || bHasResult ? NewFaxID(ports.ids, ports.message) : strFaxID;
     if (id.isEmpty())
-        throw RaisedError(noIdentifier, ProgramFileName(), tr("The fax has got no identifier."));
+        throw RaisedError(badCall, ProgramFileName(), tr("The fax has got no identifier."));
     const QString folder =
         toQueue || strFolderID.isEmpty() ? QString(toQueue ? folderOutgoing : folderDrafts) : strFolderID;
 
     RenderedFile file(strTifFile, Global().strOutputBoxPath + id + ".tif");
+    if (toQueue && file.Path().isEmpty()) // such a row would wait for ever
+        throw RaisedError(pathFileError, ProgramFileName(),
+                          tr("The file of the fax cannot be put into the outbox: %1").arg(strTifFile));
+    FollowFile(fields.aFiles, strTifFile, file.Path());
     const Values values = CollectValues(fields, file.Path());
     Global().objDB->Execute(isNewRow ? InsertStatement(values, id, folder)
                                      : UpdateStatement(values, id, folder));
     file.Keep();
 
+    if (!isNewRow && id != strFaxID)
+        mailbox.ChangeFaxID(strFaxID, id);
     strFaxID = id;
     strFolderID = folder;
     strTifFile = file.Path();

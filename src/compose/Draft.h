@@ -39,9 +39,10 @@ public:
     bool SplitReceivers(DraftFields &fields);
     /// Writes the row, after `SplitReceivers`, gives the rendered fax its name and tells the mailbox. With
     /// `toQueue` the fax joins those that wait for the server; `wasPrinted` says that a conversion was run,
-    /// so that an older rendering goes. Raises the errors of the database; the row and its file then stay as
-    /// they were.
-    void Save(const DraftFields &fields, bool toQueue, bool wasPrinted);
+    /// so that an older rendering goes. A file of the list that gets another name is followed there. Raises
+    /// the errors of the database, and one when the fax to send has no file; the row and its file then stay
+    /// as they were.
+    void Save(DraftFields &fields, bool toQueue, bool wasPrinted);
 
     /// Takes away what an aborted conversion of this fax left.
     void RemoveLeftover() const;

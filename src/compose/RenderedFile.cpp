@@ -6,35 +6,79 @@
 
 #include <filesystem>
 
+namespace {
+
+std::filesystem::path Native(const QString &path)
+{
+    return QFile::encodeName(path).constData();
+}
+
+bool Link(const QString &path, const QString &newPath)
+{
+    std::error_code error;
+    std::filesystem::create_hard_link(Native(path), Native(newPath), error);
+    return !error;
+}
+
+/// What bears the new name is replaced in one step.
+bool Rename(const QString &path, const QString &newPath)
+{
+    std::error_code error;
+    std::filesystem::rename(Native(path), Native(newPath), error);
+    return !error;
+}
+
+} // namespace
+
 RenderedFile::RenderedFile(const QString &path, const QString &newPath)
 {
     if (path.isEmpty() || !FileExists(path))
         return;
-    if (path == newPath) {
-        strPath = path;
+    strPath = newPath;
+    if (path == newPath)
         return;
-    }
-    const std::filesystem::path from(QFile::encodeName(path).constData());
-    const std::filesystem::path to(QFile::encodeName(newPath).constData());
-    std::error_code error;
-    std::filesystem::create_hard_link(from, to, error);
-    if (!error)
-        strOldPath = path;
-    else // the name is taken, or the file system has no second names
-        std::filesystem::rename(from, to, error);
-    if (!error)
-        strPath = newPath;
+    strOldPath = path;
+    bHasBothNames = Link(path, newPath);
+    if (!bHasBothNames) // the name is taken, or the file system has no second names
+        Replace();
+}
+
+void RenderedFile::Replace()
+{
+    const QString aside = GetFolderOfPath(strPath) + "tmp~old " + GetBareName(strPath); // swept if it stays
+    QFile::remove(aside);
+    if (Link(strPath, aside))
+        strReplaced = aside;
+    if (Rename(strOldPath, strPath))
+        return;
+    DropReplaced();
+    strOldPath.clear();
+    strPath.clear();
+}
+
+void RenderedFile::DropReplaced()
+{
+    if (!strReplaced.isEmpty())
+        QFile::remove(strReplaced);
+    strReplaced.clear();
 }
 
 RenderedFile::~RenderedFile()
 {
-    if (!strOldPath.isEmpty())
+    if (strOldPath.isEmpty())
+        return;
+    if (bHasBothNames)
         QFile::remove(strPath);
+    else
+        Rename(strPath, strOldPath);
+    if (!strReplaced.isEmpty())
+        Rename(strReplaced, strPath);
 }
 
 void RenderedFile::Keep()
 {
-    if (!strOldPath.isEmpty())
+    if (bHasBothNames)
         QFile::remove(strOldPath);
+    DropReplaced();
     strOldPath.clear();
 }

@@ -3,8 +3,7 @@
 #include <QString>
 
 /// Gives the rendered fax the name under which its row knows it, so that at every moment the row names a
-/// complete file: the file has both names until the row is written. Without `Keep` the new name goes away
-/// again.
+/// complete file: the file has both names until the row is written. Without `Keep` all is put back.
 class RenderedFile final
 {
 public:
@@ -17,10 +16,15 @@ public:
 
     /// The file under its new name; empty when there is none.
     const QString &Path() const { return strPath; }
-    /// The row is written: the old name goes.
+    /// The row is written: the old name goes, and what was replaced.
     void Keep();
 
 private:
-    QString strOldPath; ///< the second name, while there are two
+    void Replace();
+    void DropReplaced();
+
+    QString strOldPath; ///< until the row is written
     QString strPath;
+    QString strReplaced; ///< second name of the older rendering
+    bool bHasBothNames = false;
 };

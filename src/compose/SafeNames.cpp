@@ -17,6 +17,13 @@ bool IsSeparator(QChar character)
     return character == '|' || character < ' ';
 }
 
+/// The request holds a full list of paths of this length.
+bool IsShort(const QString &path)
+{
+    constexpr qsizetype longest = 1000; // bytes
+    return path.toUtf8().size() <= longest;
+}
+
 } // namespace
 
 QStringList SafeNames::Replace(const QStringList &entries)
@@ -24,7 +31,7 @@ QStringList SafeNames::Replace(const QStringList &entries)
     QStringList safe;
     for (const QString &entry : entries) {
         const QString path = SourceFiles::PathOf(entry);
-        const bool isSafe = std::none_of(path.begin(), path.end(), IsSeparator);
+        const bool isSafe = IsShort(path) && std::none_of(path.begin(), path.end(), IsSeparator);
         safe.append(isSafe ? entry : (entry.startsWith('*') ? "*" : "") + LinkTo(path));
     }
     return safe;

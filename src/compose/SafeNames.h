@@ -7,7 +7,7 @@
 #include <memory>
 
 /// Links that stand for files whose paths the print request cannot carry, since they hold one of its
-/// separators. They live as long as the object.
+/// separators or are too long. They live as long as the object.
 class SafeNames final
 {
 public:

@@ -69,6 +69,14 @@ void SourceFiles::MoveBefore(const QList<int> &entries, int target)
         aSelected.append(static_cast<int>(place + i));
 }
 
+QStringList SourceFiles::SelectedPaths() const
+{
+    QStringList paths;
+    for (const int entry : aSelected)
+        paths.append(PathOf(aFiles[entry]));
+    return paths;
+}
+
 QString SourceFiles::FolderOfLast() const
 {
     const QString folder = aFiles.isEmpty() ? QString() : GetFolderOfPath(PathOf(aFiles.last()));

@@ -24,6 +24,8 @@ public:
     /// Moves entries before another one, as a drag does.
     void MoveBefore(const QList<int> &entries, int target);
 
+    /// Paths of the selected entries.
+    QStringList SelectedPaths() const;
     bool IsFull() const { return aFiles.size() >= Limit; }
     bool CanMove(int step) const;
     /// The folder of the last entry, with its slash, when it exists.

@@ -37,6 +37,9 @@ public:
     /// there was nothing to do.
     virtual bool DropFirstWaiting() = 0;
 
+    /// A fax of the list has got another id.
+    virtual void ChangeFaxID(const QString &oldID, const QString &newID) = 0;
+
     /// Recounts the unread faxes of all folders under the date range on the screen.
     virtual void RefreshFolderUnreadCounts() = 0;
 };

@@ -60,6 +60,7 @@ public:
     void RefreshFolderUnreadCounts() override;
     void NotifySaveFax(int kind, bool isNew, const QString &id) override;
     bool DropFirstWaiting() override;
+    void ChangeFaxID(const QString &oldID, const QString &newID) override;
 
     // What the user does
     void SelectFolder(const QString &key);

@@ -101,6 +101,14 @@ void ShownMailbox::NotifySaveFax(int kind, bool isNew, const QString &id)
     }
 }
 
+void ShownMailbox::ChangeFaxID(const QString &oldID, const QString &newID)
+{
+    ChangeRowText(list.RowOf(oldID), newID, selected ? ModeOfSelected() : 0);
+    std::replace(aSelected.begin(), aSelected.end(), oldID, newID);
+    if (strCurrent == oldID)
+        strCurrent = newID;
+}
+
 void ShownMailbox::NotifyDraft(bool isNew, const QString &id)
 {
     const int row = isNew ? 0 : list.RowOf(id);
@@ -112,7 +120,6 @@ void ShownMailbox::NotifyDraft(bool isNew, const QString &id)
             Guard("LoadFaxPreview", [&] { preview.LoadFaxPreview(id, GetFaxTable()); }); // its pages, too
         emit CommandsChanged();
     } else if (selected->strKey == "1002") {
-        // A saved draft that is not listed has got another id: its old row goes when all are read again.
         ReloadCurrentFolder(!isNew);
     }
     Recount({"1002"});

@@ -3,6 +3,7 @@
 #include "core/Globals.h"
 #include "core/Message.h"
 #include "core/RaisedError.h"
+#include "core/Utilities.h"
 #include "core/ports/Ports.h"
 #include "core/ports/Timer.h"
 #include "desktop/Forms.h"
@@ -63,7 +64,7 @@ void Polling::OpenFaxFile()
     if (!takeFaxFile || !IsMainWindowAlone())
         return;
     const QString path = takeFaxFile();
-    if (!path.isEmpty())
+    if (!path.isEmpty() && FileExists(path)) // it was there when the other copy left it
         forms.OpenComposer(path);
 }
 

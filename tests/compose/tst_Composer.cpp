@@ -1,4 +1,5 @@
 #include "compose/Composer.h"
+#include "core/FaxImage.h"
 #include "core/Globals.h"
 #include "fakes/FakeDesktop.h"
 #include "fakes/FakePorts.h"
@@ -69,7 +70,8 @@ struct Bench
         window.emplace();
         composer.emplace(ports.ports,
                          ComposerParts{desktop.mailbox, desktop.mainWindow, upload, desktop.forms, turn,
-                                       [this] { return bOnline; }, [] { return false; }},
+                                       [this] { return bOnline; }, [] { return false; },
+                                       [this] { return bBusy; }},
                          *window);
         composer->Form_Load(start);
         tool.Create(ports.blocks, PrintConversation::SharedName);
@@ -104,6 +106,7 @@ struct Bench
     QString strDocument;
     QString strRequest;
     bool bOnline = true;
+    bool bBusy = false;
 };
 
 const QString firstID(31, '0');
@@ -173,6 +176,19 @@ private slots:
         QVERIFY(bench->window->bHidden && bench->window->bUnloaded && bench->desktop.mainWindow.bEnabled);
     }
 
+    void busyConnectionIsTold()
+    {
+        bench->bBusy = true;
+        bench->Open();
+        bench->window->fields = {"1", {}, {}, {}, {}, true};
+        bench->composer->AddFiles({bench->strDocument});
+        bench->LetToolMake(1);
+        bench->composer->btnSend_Click();
+        QVERIFY(bench->ports.prompts.Texts().value(0).startsWith("Another transfer is under way."));
+        QCOMPARE(Bench::Column("folderID"), "1003");
+        QVERIFY(bench->upload.aSent.isEmpty() && bench->window->bUnloaded);
+    }
+
     void draftComesBackAsItWas()
     {
         bench->Open();
@@ -219,8 +235,9 @@ private slots:
         bench->composer->btnSave_Click();
         const QString id = firstID + '1';
         QCOMPARE(Bench::Column("Fax_ID||'|'||FileName||'|'||Result"), id + '|' + id + ".tif|");
+        QCOMPARE(bench->composer->Files().aFiles, {Global().strOutputBoxPath + id + ".tif"});
         QCOMPARE(Bench::Outbox(), {id + ".tif"});
-        QCOMPARE(bench->desktop.mailbox.aCalls.value(0), "saved 0 old " + id);
+        QCOMPARE(bench->desktop.mailbox.aCalls, QStringList({"D became " + id, "saved 0 old " + id}));
     }
 
     void newRenderingTakesThePlaceOfTheOld()
@@ -238,6 +255,55 @@ private slots:
         bench->composer->btnSend_Click();
         QCOMPARE(Bench::Column("FileName||'|'||Pages||'|'||folderID"), "D.tif|2|1003");
         QCOMPARE(Bench::Outbox(), {"D.tif"});
+    }
+
+    void failedSavePutsTheOldRenderingBack()
+    {
+        const QString old = Global().strOutputBoxPath + "D.tif";
+        QVERIFY(FaxFile().Write(old));
+        bench->profile.InsertSentFax("D", {{"folderID", "1002"}, {"fileName", "D.tif"}, {"fileList", ""}});
+        ComposerStart start;
+        start.strFaxID = "D";
+        bench->Open(start);
+        bench->window->fields.strReceive = "1";
+        bench->composer->AddFiles({bench->strDocument});
+        Profile::Execute(
+            "Create trigger full before update on SendFax begin select raise(abort, 'disk'); end");
+        bench->LetToolMake(2);
+        bench->composer->btnSend_Click();
+        QCOMPARE(bench->ports.prompts.Texts().size(), 2);
+        QCOMPARE(Bench::Outbox(), QStringList({"D.tif", "tmp~9.tif"}));
+        QCOMPARE(FaxImage::GetPageCount(old), 1);
+
+        Profile::Execute("Drop trigger full");
+        bench->composer->btnSave_Click();
+        QCOMPARE(Bench::Outbox(), {"D.tif"});
+        QCOMPARE(FaxImage::GetPageCount(old), 2);
+        QCOMPARE(bench->composer->Files().aFiles, {old}); // the pages of both, not twice those of the first
+    }
+
+    void outdatedRenderingIsNeverSent()
+    {
+        QVERIFY(FaxFile().Write(Global().strOutputBoxPath + "D.tif"));
+        bench->profile.InsertSentFax(
+            "D", {{"folderID", "1002"}, {"fileName", "D.tif"}, {"fileList", bench->strDocument + ','}});
+        ComposerStart start;
+        start.strFaxID = "D";
+        bench->Open(start);
+        bench->window->fields.strReceive = "1";
+        bench->composer->OnHeaderChanged();
+        bench->ports.printers.aNames.clear();
+        bench->composer->btnPreview_Click(); // cannot begin
+        bench->composer->btnSend_Click();
+        QCOMPARE(Bench::Column("folderID"), "1002");
+
+        bench->ports.printers.aNames = {"Zem Fax Printer"};
+        bench->Open(start);
+        bench->window->fields.strReceive = "1";
+        QVERIFY(QFile::remove(Global().strOutputBoxPath + "D.tif"));
+        bench->LetToolMake(2);
+        bench->composer->btnSend_Click();
+        QCOMPARE(Bench::Column("FileName||'|'||Pages||'|'||folderID"), "D.tif|2|1003");
     }
 
     void failedSaveLeavesAllAsItWas()
@@ -276,8 +342,9 @@ private slots:
         QVERIFY(!bench->desktop.mainWindow.bEnabled);
         bench->window->fields.strReceive = "1";
         bench->composer->OnHeaderChanged();
-        bench->ports.prompts.aAnswers = {mbAnswerCancel, mbAnswerYes};
+        bench->ports.prompts.aAnswers = {mbAnswerCancel, mbAnswerOK, mbAnswerYes};
         QVERIFY(!bench->composer->Form_QueryUnload());
+        QVERIFY(!bench->composer->Form_QueryUnload()); // as while another box stands
         QVERIFY(bench->desktop.mainWindow.bEnabled);
         QCOMPARE(Profile::Value("Select Count(*) from SendFax"), "0");
         QVERIFY(bench->composer->Form_QueryUnload());
@@ -313,8 +380,10 @@ private slots:
         bench->ports.fileDialogs.aChosen = {{"/one more"}};
         bench->composer->btnAddFile_Click();
         QCOMPARE(bench->composer->Files().aFiles.size(), 51);
-        QCOMPARE(bench->ports.prompts.Texts(),
-                 QStringList({"Too many files in the file list.", "Too many files in file list..."}));
+        bench->composer->AddFiles({"/dropped"});
+        QCOMPARE(bench->composer->Files().aFiles.size(), 51);
+        const QString full = "Too many files in the file list.";
+        QCOMPARE(bench->ports.prompts.Texts(), QStringList({full, "Too many files in file list...", full}));
     }
 
     void filesMoveWithTheirSelection()

@@ -1,6 +1,6 @@
 #include "compose/DocumentConversion.h"
 #include "core/Globals.h"
-#include "core/SettingsFile.h"
+#include "core/PrinterProgress.h"
 #include "fakes/FakePorts.h"
 #include "fixtures/FaxFile.h"
 #include "fixtures/Profile.h"
@@ -169,15 +169,14 @@ private slots:
 
     void toolThatDoesNotListenIsEndedAfterTenSeconds()
     {
-        QVERIFY(QDir().mkpath(bench->profile.Root() + "/user/Velmar"));
-        QVERIFY(
-            WriteIniValue("PROGRESS", "Status", "1", bench->profile.Root() + "/user/Velmar/FaxSetup.ini"));
+        QVERIFY(SetPrinterStatus(bench->ports.folders, printerBusy));
         bench->Click();
         const qint64 start = bench->ports.clock.Milliseconds();
         QVERIFY(!bench->conversion.PrintFile(bench->request, false));
         const qint64 taken = bench->ports.clock.Milliseconds() - start;
         QVERIFY2(taken >= 10000 && taken < 11000, qPrintable(QString::number(taken)));
         QVERIFY(bench->ports.shell.program.bKilled);
+        QCOMPARE(GetPrinterStatus(bench->ports.ports), int(printerFailed));
     }
 
     void clickDuringThePauseOpensOneViewer()

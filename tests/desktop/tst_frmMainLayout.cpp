@@ -263,7 +263,16 @@ private slots:
         QVERIFY(window->isVisible() && !window->isMinimized());
         window->close();
         QVERIFY(!window->isVisible());
+        bool mayClose = false;
+        window->SetMayClose([&] {
+            window->Unload(); // while it is still asked
+            return mayClose;
+        });
+        window->Raise();
+        Command("mnuExit").trigger();
+        QVERIFY(window->isVisible());
         QCOMPARE(closings, 0);
+        mayClose = true;
         Command("mnuExit").trigger();
         QCOMPARE(closings, 1);
     }

@@ -51,6 +51,10 @@ public:
     void ReloadSelectedFolder() override { aCalls.append(QStringLiteral("folder again")); }
     void NotifySaveFax(int kind, bool isNew, const QString &id) override;
     bool DropFirstWaiting() override;
+    void ChangeFaxID(const QString &oldID, const QString &newID) override
+    {
+        aCalls.append(oldID + QStringLiteral(" became ") + newID);
+    }
     void RefreshFolderUnreadCounts() override { aCalls.append(QStringLiteral("recount")); }
 
     QString strFolder;

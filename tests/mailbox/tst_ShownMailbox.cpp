@@ -167,6 +167,21 @@ private slots:
             QCOMPARE(mailbox->SelectedNode()->lUnread, 4);
     }
 
+    void faxKeepsItsPlaceUnderAnotherId()
+    {
+        profile->InsertSentFax("A", {{"folderID", "1002"}});
+        profile->InsertSentFax("B", {{"folderID", "1002"}});
+        mailbox->LoadFaxFolderTree();
+        mailbox->SelectFolder("1002");
+        mailbox->SelectRow(mailbox->List().RowOf("A"));
+        Profile::Execute("UPDATE SendFax SET Fax_ID='C' WHERE Fax_ID='A'");
+        mailbox->ChangeFaxID("A", "C");
+        QCOMPARE(mailbox->SelectedFaxes(), {"C"});
+        QCOMPARE(mailbox->SelectedRow(), mailbox->List().RowOf("C"));
+        mailbox->NotifySaveFax(1, false, "C");
+        QCOMPARE(mailbox->RowCount(), 1);
+    }
+
     void savedFaxesChangeTheSummary()
     {
         Global().SwitchTo = false;

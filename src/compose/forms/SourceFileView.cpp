@@ -3,9 +3,12 @@
 #include "compose/SourceFiles.h"
 #include "core/FaxImage.h"
 #include "core/Utilities.h"
+#include "mailbox/ShownText.h"
 
 #include <QClipboard>
 #include <QDropEvent>
+#include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -14,6 +17,8 @@
 #include <QPainter>
 #include <QSignalBlocker>
 #include <QUrl>
+
+#include <algorithm>
 
 namespace {
 
@@ -36,10 +41,23 @@ QString KindOf(const QString &entry)
     return QMimeDatabase().mimeTypeForFile(entry, QMimeDatabase::MatchExtension).comment();
 }
 
-/// 0 when only a conversion can tell.
-int PagesOf(const QString &entry)
+bool IsPicture(const QString &path)
 {
-    return FaxImage::GetPageCount(SourceFiles::PathOf(entry));
+    static constexpr QByteArrayView signatures[] = {"\xff\xd8\xff", "\x89PNG\r\n\x1a\n", "GIF8", "BM",
+                                                    "8BPS"};
+    QFile file(path);
+    const QByteArray head = file.open(QIODevice::ReadOnly) ? file.read(8) : QByteArray();
+    return std::any_of(std::begin(signatures), std::end(signatures),
+                       [&head](QByteArrayView signature) { return head.startsWith(signature); });
+}
+
+/// 0 when only a conversion can tell.
+int CountPages(const QFileInfo &file)
+{
+    if (!file.isFile()) // a pipe would keep its reader waiting
+        return 0;
+    const int pages = FaxImage::GetPageCount(file.filePath());
+    return pages == 0 && IsPicture(file.filePath()) ? 1 : pages;
 }
 
 } // namespace
@@ -69,17 +87,21 @@ void SourceFileView::ShowEntries(const QStringList &entries, const QList<int> &s
 {
     const QSignalBlocker blocker(this);
     clear();
-    lKnownPages = 0;
+    lPages = 0;
+    bool isKnown = true;
     for (const QString &entry : entries) {
         const QString path = SourceFiles::PathOf(entry);
-        const int pages = PagesOf(entry);
-        lKnownPages += pages;
-        auto *item = new QTreeWidgetItem(
-            this, {GetBareName(path), KindOf(entry), pages > 0 ? QString::number(pages) : QString()});
+        const int pages = PagesOf(path);
+        lPages += pages;
+        isKnown = isKnown && pages > 0;
+        auto *item = new QTreeWidgetItem(this, {ToListText(GetBareName(path)), KindOf(entry),
+                                                pages > 0 ? QString::number(pages) : QString()});
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled);
-        item->setToolTip(colName, path.toHtmlEscaped());
+        item->setToolTip(colName, "<qt>" + ToListText(path).toHtmlEscaped() + "</qt>");
         item->setTextAlignment(colPages, Qt::AlignRight | Qt::AlignVCenter);
     }
+    if (!isKnown)
+        lPages = 0;
     for (const int row : selected)
         topLevelItem(row)->setSelected(true);
     if (!selected.isEmpty()) {
@@ -87,6 +109,17 @@ void SourceFileView::ShowEntries(const QStringList &entries, const QList<int> &s
         scrollToItem(topLevelItem(selected.last()));
     }
     viewport()->update();
+}
+
+/// Each file is looked into once, and again when it has changed.
+int SourceFileView::PagesOf(const QString &path)
+{
+    const QFileInfo file(path);
+    KnownFile &known = knownFiles[path];
+    const QDateTime changed = file.lastModified();
+    if (known.lPages < 0 || known.changed != changed)
+        known = {changed, CountPages(file)};
+    return known.lPages;
 }
 
 QList<int> SourceFileView::SelectedRows() const
@@ -130,7 +163,8 @@ void SourceFileView::dropEvent(QDropEvent *event)
         return;
     }
     event->acceptProposedAction();
-    emit FilesOffered(LocalFiles(*event->mimeData()));
+    if (const QStringList paths = LocalFiles(*event->mimeData()); !paths.isEmpty())
+        emit FilesOffered(paths);
 }
 
 void SourceFileView::keyPressEvent(QKeyEvent *event)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QDateTime>
+#include <QHash>
 #include <QImage>
 #include <QList>
 #include <QStringList>
@@ -18,8 +20,8 @@ public:
     void ShowEntries(const QStringList &entries, const QList<int> &selected);
     /// Rows, ascending.
     QList<int> SelectedRows() const;
-    /// Pages of all files whose number is known.
-    int KnownPages() const { return lKnownPages; }
+    /// Pages of all files; 0 when those of one are not known.
+    int Pages() const { return lPages; }
 
 signals:
     void FilesOffered(const QStringList &paths);
@@ -35,8 +37,16 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    struct KnownFile
+    {
+        QDateTime changed;
+        int lPages = -1;
+    };
+
+    int PagesOf(const QString &path);
     void Paste();
     int TargetRow(const QPoint &place) const;
 
-    int lKnownPages = 0;
+    QHash<QString, KnownFile> knownFiles;
+    int lPages = 0;
 };

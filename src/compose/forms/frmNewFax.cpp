@@ -16,6 +16,7 @@
 #include <QCloseEvent>
 #include <QImage>
 #include <QKeyEvent>
+#include <QSaveFile>
 #include <QScopedValueRollback>
 #include <QShortcut>
 
@@ -47,8 +48,10 @@ frmNewFax::~frmNewFax() = default;
 void frmNewFax::Open(const ComposerStart &start)
 {
     show();
-    FillHeaders();
-    composer.Form_Load(start);
+    RunGuarded("frmNewFax Load", [&] {
+        FillHeaders();
+        composer.Form_Load(start);
+    });
     if (composer.IsEditing())
         setWindowTitle(tr("Edit fax"));
     ui->chkSend->setEnabled(maySend());
@@ -66,8 +69,10 @@ void frmNewFax::SetUpReceivers()
     ui->txtReceive->installEventFilter(this);
 }
 
+/// A routine may ask or wait; the window stays until it has ended.
 void frmNewFax::RunGuarded(const QString &routine, const std::function<void()> &run)
 {
+    const QScopedValueRollback<int> running(lRunning, lRunning + 1);
     ports.message.RunGuarded("error in " + routine, run);
 }
 
@@ -91,8 +96,10 @@ void frmNewFax::ConnectButtons()
     connect(ui->btnClose, &QPushButton::clicked, this, &frmNewFax::close);
     connect(ui->btnSelReceive, &QPushButton::clicked, this,
             [this] { RunGuarded("btnSelReceive_Click", [this] { SelectReceivers(); }); });
-    connect(ui->btnEditHeader, &QPushButton::clicked, this, &frmNewFax::EditHeader);
-    connect(ui->btnDelete, &QPushButton::clicked, this, &frmNewFax::DeleteHeader);
+    connect(ui->btnEditHeader, &QPushButton::clicked, this,
+            [this] { RunGuarded("btnEditHeader_Click", [this] { EditHeader(); }); });
+    connect(ui->btnDelete, &QPushButton::clicked, this,
+            [this] { RunGuarded("btnDelete_Click", [this] { DeleteHeader(); }); });
     connect(new QShortcut(QKeySequence("Ctrl+Return"), this), &QShortcut::activated, ui->btnSend,
             &QPushButton::click);
     connect(new QShortcut(QKeySequence::Save, this), &QShortcut::activated, ui->btnSave, &QPushButton::click);
@@ -110,14 +117,22 @@ void frmNewFax::ConnectChanges()
     });
     connect(ui->cmbHeader, &QComboBox::currentIndexChanged, this, [this](int index) {
         if (!bFillingHeaders)
-            ChooseHeader(index);
+            RunGuarded("cmbHeader_Click", [&] { ChooseHeader(index); });
     });
-    connect(picProcess, &ConversionPanel::VisibleChanged, this, [this](bool visible) {
-        ui->picMain->setEnabled(!visible);
-        ui->picSend->setEnabled(!visible);
-        if (!visible)
-            ShowCounts();
-    });
+    connect(picProcess, &ConversionPanel::VisibleChanged, this, &frmNewFax::LockWhileConverting);
+}
+
+void frmNewFax::LockWhileConverting(bool converting)
+{
+    if (converting)
+        focusBefore = focusWidget();
+    ui->picMain->setEnabled(!converting);
+    ui->picSend->setEnabled(!converting);
+    if (converting)
+        return;
+    ShowCounts();
+    if (focusBefore)
+        focusBefore->setFocus();
 }
 
 void frmNewFax::ConnectFiles()
@@ -127,9 +142,11 @@ void frmNewFax::ConnectFiles()
         EnableFiles();
     });
     connect(ui->lstFile, &SourceFileView::itemActivated, ui->btnViewFile, &QPushButton::click);
-    connect(ui->lstFile, &SourceFileView::FilesOffered, this,
-            [this](const QStringList &paths) { composer.AddFiles(paths); });
-    connect(ui->lstFile, &SourceFileView::PictureOffered, this, &frmNewFax::AddPicture);
+    connect(ui->lstFile, &SourceFileView::FilesOffered, this, [this](const QStringList &paths) {
+        RunGuarded("lstFile_DragDrop", [&] { composer.AddFiles(paths); });
+    });
+    connect(ui->lstFile, &SourceFileView::PictureOffered, this,
+            [this](const QImage &picture) { RunGuarded("lstFile_Paste", [&] { AddPicture(picture); }); });
     // Queued: the rows are shown anew, and the view is still in the drag.
     connect(
         ui->lstFile, &SourceFileView::RowsMoved, this,
@@ -167,7 +184,8 @@ void frmNewFax::ShowFields(const DraftFields &fields)
 
 void frmNewFax::ShowReceivers(const QString &receivers)
 {
-    ui->txtReceive->ReplaceText(receivers);
+    if (ui->txtReceive->toPlainText() != receivers) // to set the same text would count as a change
+        ui->txtReceive->ReplaceText(receivers);
 }
 
 void frmNewFax::ShowFiles()
@@ -189,7 +207,8 @@ void frmNewFax::EnableFiles()
 void frmNewFax::ShowCounts()
 {
     const qsizetype receivers = Recipients::SplitItems(ui->txtReceive->toPlainText()).size();
-    const int pages = composer.RenderedPages();
+    const int rendered = composer.RenderedPages();
+    const int pages = rendered > 0 ? rendered : ui->lstFile->Pages();
     QStringList parts{tr("Recipients: %1").arg(receivers),
                       tr("Files: %1").arg(composer.Files().aFiles.size())};
     if (pages > 0)
@@ -312,15 +331,27 @@ void frmNewFax::AddPicture(const QImage &picture)
     const QString folder = Global().strUserFolder + "Pasted/";
     const QString path =
         folder + ports.clock.Now().toString(QStringLiteral("yyyy-MM-dd HH-mm-ss-zzz")) + ".png";
-    if (CreatePrivateFolder(folder) && picture.save(path))
+    QSaveFile file(path); // a full disk leaves no half picture
+    if (CreatePrivateFolder(folder) && file.open(QIODevice::WriteOnly) && picture.save(&file, "PNG") &&
+        file.commit())
         composer.AddFiles({path});
     else
         ports.message.ShowMessage(tr("The picture cannot be kept:") + '\n' + path, mbExclamation);
 }
 
+bool frmNewFax::TryClose()
+{
+    if (bClosing) // it still asks: Qt would take a second close for an accepted one
+        return false;
+    activateWindow();
+    close();
+    return !isVisible();
+}
+
 void frmNewFax::closeEvent(QCloseEvent *event)
 {
-    if (!bUnloading && !composer.Form_QueryUnload())
+    const QScopedValueRollback<bool> isClosing(bClosing, true);
+    if (!bUnloading && (lRunning > 0 || !composer.Form_QueryUnload()))
         event->ignore();
 }
 

@@ -5,6 +5,7 @@
 #include "compose/SelectedReceivers.h"
 
 #include <QDialog>
+#include <QPointer>
 
 #include <functional>
 #include <memory>
@@ -47,6 +48,8 @@ public:
 
     /// Fills the window and shows it.
     void Open(const ComposerStart &start);
+    /// Closes the window as its user does; false when it stays.
+    bool TryClose();
     /// Of the row that the window edits; empty for a fax without one.
     const QString &FaxID() const { return composer.FaxID(); }
 
@@ -73,6 +76,7 @@ private:
     void ConnectButtons();
     void ConnectChanges();
     void ConnectFiles();
+    void LockWhileConverting(bool converting);
     void FillHeaders();
     void SelectHeader(const QString &text);
     void ChooseHeader(int index);
@@ -94,6 +98,9 @@ private:
     ReceiverKeys receiverKeys;
     ConversionPanel *picProcess;
     std::function<bool()> maySend;
+    QPointer<QWidget> focusBefore; ///< the conversion
+    int lRunning = 0;              ///< routines that have not ended
     bool bUnloading = false;
+    bool bClosing = false;
     bool bFillingHeaders = false;
 };

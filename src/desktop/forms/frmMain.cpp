@@ -261,7 +261,9 @@ void frmMain::LoadControlPostion()
 /// Closes for good, from the tray too.
 void frmMain::Unload()
 {
-    bUnloading = true;
+    if (bClosing) // Qt would take a second close for an accepted one
+        return;
+    const QScopedValueRollback<bool> unloading(bUnloading, true);
     close();
 }
 
@@ -291,6 +293,10 @@ void frmMain::closeEvent(QCloseEvent *event)
         return;
     }
     const QScopedValueRollback<bool> isClosing(bClosing, true);
+    if (mayClose && !mayClose()) {
+        event->ignore();
+        return;
+    }
     RunGuarded("Form_Unload", [this] {
         DeleteLeftovers(Global().strOutputBoxPath);
         StoreLayout();

@@ -54,6 +54,8 @@ public:
     void SetTrayState(std::function<bool()> provider) { hasTrayIcon = std::move(provider); }
     /// Runs as the window closes, after the layout was stored: the place to log off.
     void SetClosing(std::function<void()> run) { closing = std::move(run); }
+    /// Asked before the window closes; false keeps it open.
+    void SetMayClose(std::function<bool()> ask) { mayClose = std::move(ask); }
 
     /// Restores the panes and the window from the settings of the account, loads the folders and shows the
     /// window. Once, after a login.
@@ -109,6 +111,7 @@ private:
     std::function<SessionState()> sessionState;
     std::function<void()> firstActivation;
     std::function<void()> closing;
+    std::function<bool()> mayClose;
     std::function<bool()> hasTrayIcon;
     QPointer<QWidget> focusBefore; ///< what had the focus as the window was disabled
     bool bShownOnce = false;

@@ -32,7 +32,8 @@ Composers::Composers(const Ports &systemPorts, Forms &forms, Mailbox &mailbox, f
           forms,
           turn,
           [&serverParts] { return serverParts.session.bOnline; },
-          [&serverParts] { return serverParts.session.IsConnected() && !serverParts.session.bIsSocketBusy; }}
+          [&serverParts] { return serverParts.session.IsConnected() && !serverParts.session.bIsSocketBusy; },
+          [&serverParts] { return serverParts.session.bIsSocketBusy; }}
 {
 }
 
@@ -61,7 +62,7 @@ bool Composers::Close()
 {
     const QList<QPointer<frmNewFax>> forms = open;
     return std::all_of(forms.begin(), forms.end(), [](const QPointer<frmNewFax> &form) {
-        return !form || !form->isVisible() || form->close();
+        return !form || !form->isVisible() || form->TryClose();
     });
 }
 

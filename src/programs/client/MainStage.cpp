@@ -33,6 +33,7 @@ MainStage::MainStage(Ports &ports, Forms &forms, std::function<void()> ended)
     });
     window.SetFirstActivation([this] { server.runs.ActivateFirst(); });
     window.SetTrayState([this] { return server.notifier.HasTrayIcon(); });
+    window.SetMayClose([this] { return composers.Close(); });
     window.SetClosing([this] { LogOff(); });
     ConnectCommands();
     ConnectReading();
@@ -80,14 +81,6 @@ void MainStage::Show()
     ports.message.RunGuarded("error in frmMain Load",
                              [this] { outsideFile.emplace(ports.blocks, ports.instance); });
     window.Load();
-}
-
-bool MainStage::Close()
-{
-    if (!composers.Close())
-        return false;
-    window.Unload();
-    return true;
 }
 
 void MainStage::LogOff()

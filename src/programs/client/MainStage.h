@@ -28,8 +28,8 @@ public:
     /// Loads the folders and shows the window.
     void Show();
     bool IsLoaded() const { return bLoaded; }
-    /// False when a composer stays open, and with it the program.
-    bool Close();
+    /// A composer that stays open keeps the program running.
+    void Close() { window.Unload(); }
     void Compose(const ComposerStart &start) { composers.Open(start); }
 
 private:

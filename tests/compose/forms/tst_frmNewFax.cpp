@@ -35,7 +35,10 @@ struct Bench
     {
         ports.folders.strRoot = profile.Root();
         desktop.forms.lCount = 2;
-        dialogs.askOptions = [this](QWidget &, const QString &, int) { return option; };
+        dialogs.askOptions = [this](QWidget &, const QString &, int) {
+            bClosedWhileAsking = window->TryClose();
+            return option;
+        };
         dialogs.askContact = [this](QWidget &, const ContactChoice &choice) {
             aAsked.append(choice.strKeyword);
             return strContact;
@@ -55,7 +58,7 @@ struct Bench
         window = std::make_unique<frmNewFax>(ports.ports,
                                              ComposerParts{desktop.mailbox, desktop.mainWindow, upload,
                                                            desktop.forms, turn, [this] { return bOnline; },
-                                                           [] { return false; }},
+                                                           [] { return false; }, [this] { return bBusy; }},
                                              dialogs);
         window->Open(start);
         window->activateWindow();
@@ -85,6 +88,8 @@ struct Bench
     QStringList aAsked, aEdited;
     QString strContact;
     bool bOnline = true;
+    bool bBusy = false;
+    bool bClosedWhileAsking = false;
     std::unique_ptr<frmNewFax> window;
 };
 
@@ -108,6 +113,8 @@ private slots:
         for (const char *name :
              {"btnDeleteFile", "btnViewFile", "btnUp", "btnDown", "btnEditHeader", "btnDelete", "chkSend"})
             QVERIFY2(!bench->IsEnabled(name), name);
+        bench->Click("btnOption");
+        QVERIFY(!bench->bClosedWhileAsking);
         QTest::keyClick(bench->window.get(), Qt::Key_Escape);
         QVERIFY(!bench->window->isVisible() && bench->ports.prompts.aBoxes.isEmpty());
     }
