@@ -18,6 +18,8 @@
 
 #include <QScopeGuard>
 
+#include <algorithm>
+
 namespace {
 
 constexpr QLatin1StringView fileFilter(
@@ -328,7 +330,21 @@ bool Composer::SaveFax(bool toQueue)
         bChanged = false;
         isSaved = true;
     });
+    if (isSaved && !toQueue && LosesReadyFiles())
+        ports.message.ShowMessage(
+            tr("A draft does not keep ready fax files. Please add them again before you "
+               "send this one."),
+            mbInformation);
     return isSaved;
+}
+
+/// A row lists documents only. The pages of a ready file are in the rendering, which takes the place of an
+/// empty list when the draft is opened again.
+bool Composer::LosesReadyFiles() const
+{
+    const auto ready = std::count_if(files.aFiles.begin(), files.aFiles.end(),
+                                     [](const QString &entry) { return entry.startsWith('*'); });
+    return ready > 0 && (ready < files.aFiles.size() || draft.strTifFile.isEmpty());
 }
 
 void Composer::ShowRenamed(const QStringList &saved)

@@ -117,6 +117,7 @@ private:
     static bool MayBeReceivers(const QString &text);
     bool IsOnlyWindow() const;
     void SendNow();
+    bool LosesReadyFiles() const;
     void ShowRenamed(const QStringList &saved);
 
     const Ports &ports;

@@ -429,9 +429,14 @@ private slots:
         QCOMPARE(bench->composer->Files().aFiles, {'*' + ready});
         bench->composer->btnOption_Click();
         QCOMPARE(bench->window->aFixed, {1});
+        bench->window->fields.strReceive = "1";
+        bench->composer->btnSave_Click();
+        QVERIFY(bench->ports.prompts.Texts().value(0).startsWith("A draft does not keep ready fax files."));
         bench->LetToolMake(1);
         bench->composer->btnPreview_Click();
         QCOMPARE(PrintRequest::Parse(bench->strRequest).lResolution, 0);
+        bench->composer->btnSave_Click(); // now the draft has its pages
+        QCOMPARE(bench->ports.prompts.Texts().size(), 1);
     }
 
 private:
