@@ -335,6 +335,7 @@ void tst_ComposedFax::faultLeavesTheDraftAsItWas_data()
         "Unknow error or Zem Fax Printer doesn't exist.");
     row("tool is silent", "touch \"$DOCS\"/cancel; exec sleep 300", "");
     row("disk full as it converts", "prlimit --pid $$ " + limit + "; " + realTool, "failed.");
+    row("disk full as it saves", "prlimit --pid $PPID " + limit + "; " + realTool, "Saving fax failed.");
 }
 
 /// And it can be sent when the fault is mended.
@@ -386,7 +387,8 @@ void tst_ComposedFax::faultLeavesTheDraftAsItWas()
     Click(window, "btnSend");
     QCOMPARE(Profile::Value("Select Fax_ID||FolderID||FileName||Pages||Title from SendFax"),
              "D1003D.tif2changed");
-    QCOMPARE(Office::Outbox(), {"D.tif"});
+    // A rendering that could not be saved stays until the main window closes.
+    QCOMPARE(Office::Outbox().filter(QRegularExpression("^(?!tmp~\\w{32}\\.tif$)")), {"D.tif"});
     QCOMPARE(office->Temporary(), QStringList());
 }
 
