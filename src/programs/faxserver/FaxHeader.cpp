@@ -82,7 +82,7 @@ void SplitPeople(const QString &people, FaxHeader &header)
 
 QDateTime TimeOf(const QString &field)
 {
-    const QDateTime time = QDateTime::fromString(field, ServerTime::strForm);
+    QDateTime time = QDateTime::fromString(field, ServerTime::strForm);
     if (!field.isEmpty() && !time.isValid())
         throw ServerError("the time to send it is none");
     return time;

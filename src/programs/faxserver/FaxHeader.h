@@ -8,7 +8,7 @@
 /// What a client tells of a fax before it sends the file.
 struct FaxHeader
 {
-    static constexpr qsizetype lMostBytes = 256 * 1024;
+    static constexpr qsizetype lMostBytes = 262144;
     static constexpr int lMostRecipients = 5000;
 
     /// Reads the 11 fields, a NUL between them. Raises `ServerError` for what is no header.

@@ -31,7 +31,8 @@ void Upload::KeepID()
 void Upload::Begin(qint32 fileSize)
 {
     const QString path = objStore.mailboxes.PathOf(strID + ".tif");
-    if (QStorageInfo(QFileInfo(path).path()).bytesAvailable() < fileSize)
+    const qint64 room = QStorageInfo(QFileInfo(path).path()).bytesAvailable();
+    if (room >= 0 && room < fileSize) // below 0 when nobody can tell
         throw ServerError(QString("there is no room for %1 bytes").arg(fileSize));
     objFile = std::make_unique<QSaveFile>(path);
     lMissing = fileSize;
