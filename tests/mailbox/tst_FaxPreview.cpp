@@ -56,9 +56,7 @@ private slots:
     void standardPageIsStretched()
     {
         for (const int dpi : {98, 196, 0}) {
-            FaxFile file;
-            file.lDotsPerInchY = dpi;
-            Receive(QString::number(dpi), file);
+            Receive(QString::number(dpi), {.lDotsPerInchY = dpi});
             preview->LoadFaxPreview(QString::number(dpi), 0);
             QCOMPARE(preview->IsStretchedY(), dpi == 98);
             preview->Rotate(90);
@@ -69,9 +67,7 @@ private slots:
 
     void pagesTurnWithinTheFax()
     {
-        FaxFile file;
-        file.lPages = 3;
-        Receive("A", file);
+        Receive("A", {.lPages = 3});
         preview->LoadFaxPreview("A", 0);
         const QByteArray first = preview->Page().abBits;
         const QSignalSpy turned(preview.get(), &FaxPreview::PageChanged);
@@ -90,9 +86,7 @@ private slots:
 
     void rotationRunsOnUntilTheNextFax()
     {
-        FaxFile file;
-        file.lPages = 2;
-        Receive("A", file);
+        Receive("A", {.lPages = 2});
         preview->LoadFaxPreview("A", 0);
         for (int i = 0; i < 3; ++i)
             preview->Rotate(90);
@@ -100,9 +94,9 @@ private slots:
         QCOMPARE(preview->PreviewRotation(), 180);
         preview->Rotate(270);
         QCOMPARE(preview->PreviewRotation(), 450);
-        QCOMPARE(preview->Page().lWidth, file.lHeight);
+        QCOMPARE(preview->Page().lWidth, FaxFile().lHeight);
         preview->NextPage();
-        QCOMPARE(preview->Page().lWidth, file.lHeight); // the next page is turned as well
+        QCOMPARE(preview->Page().lWidth, FaxFile().lHeight); // the next page is turned as well
         preview->LoadFaxPreview("A", 0);
         QCOMPARE(preview->PreviewRotation(), 0);
         QCOMPARE(preview->PreviewPage(), 0);

@@ -1,28 +1,13 @@
 #include "core/ModelRoles.h"
-#include "fakes/FakePorts.h"
-#include "fixtures/Profile.h"
+#include "fixtures/MailboxTest.h"
 #include "mailbox/FolderRules.h"
 #include "mailbox/FolderTree.h"
 #include "mailbox/FolderTreeModel.h"
-#include "mailbox/ShownMailbox.h"
 
 #include <QAbstractItemModelTester>
 #include <QMimeData>
-#include <QTest>
-
-#include <memory>
 
 namespace {
-
-void InsertFolder(Profile &profile, const QString &id, const QString &parent, const QString &type,
-                  const QString &name = "Folder")
-{
-    profile.InsertRow("FaxFolder", {{"Folder_ID", id},
-                                    {"Folder_Name", name},
-                                    {"Folder_Type", type},
-                                    {"parentID", parent},
-                                    {"isSystem", "0"}});
-}
 
 QStringList ChildKeys(const FolderNode *node)
 {
@@ -44,31 +29,31 @@ QString FolderOf(const QString &table, const QString &fax, const QString &column
 
 } // namespace
 
-class tst_FolderTree : public QObject
+class tst_FolderTree : public QObject, private MailboxTest
 {
     Q_OBJECT
 
 private slots:
     void init()
     {
-        profile = std::make_unique<Profile>();
-        tree = std::make_unique<FolderTree>();
+        SetUp();
+        tree = &mailbox->Folders();
+        model = std::make_unique<FolderTreeModel>(*tree);
+        new QAbstractItemModelTester(model.get(), QAbstractItemModelTester::FailureReportingMode::QtTest,
+                                     model.get());
     }
     void cleanup()
     {
         model.reset();
-        mailbox.reset();
-        fakes.reset();
-        tree.reset();
-        profile.reset();
+        TearDown();
     }
 
     void userFoldersFollowInTheOrderOfTheTable()
     {
-        InsertFolder(*profile, "B", "1001", "1", "Sam~$@~s");
-        InsertFolder(*profile, "A", "1001", "1");
-        InsertFolder(*profile, "TOP", "1000", "0");
-        InsertFolder(*profile, "BELOW", "B", "1");
+        profile->InsertFolder("B", "1001", "1", "Sam~$@~s");
+        profile->InsertFolder("A", "1001", "1");
+        profile->InsertFolder("TOP", "1000", "0");
+        profile->InsertFolder("BELOW", "B", "1");
         tree->LoadFaxFolderTree();
         QCOMPARE(ChildKeys(tree->Root()), QStringList({"1001", "1002", "1003", "1004", "1008", "TOP"}));
         QCOMPARE(ChildKeys(tree->Find("1004")), QStringList({"1005", "1006", "1007"}));
@@ -81,14 +66,14 @@ private slots:
 
     void circlesAndOrphansStayInvisible()
     {
-        InsertFolder(*profile, "LOOP1", "LOOP2", "1");
-        InsertFolder(*profile, "LOOP2", "LOOP1", "1");
-        InsertFolder(*profile, "SELF", "SELF", "1");
-        InsertFolder(*profile, "ORPHAN", "GONE", "1");
-        InsertFolder(*profile, "TWICE", "1001", "1");
-        InsertFolder(*profile, "TWICE", "1002", "2");
-        InsertFolder(*profile, "1000", "1001", "0");           // the root below itself
-        InsertFolder(*profile, "x') or ('1'='1", "1001", "1"); // would be part of statements
+        profile->InsertFolder("LOOP1", "LOOP2", "1");
+        profile->InsertFolder("LOOP2", "LOOP1", "1");
+        profile->InsertFolder("SELF", "SELF", "1");
+        profile->InsertFolder("ORPHAN", "GONE", "1");
+        profile->InsertFolder("TWICE", "1001", "1");
+        profile->InsertFolder("TWICE", "1002", "2");
+        profile->InsertFolder("1000", "1001", "0");           // the root below itself
+        profile->InsertFolder("x') or ('1'='1", "1001", "1"); // would be part of statements
         tree->LoadFaxFolderTree();
         QCOMPARE(tree->Count(), 10);
         QCOMPARE(tree->Find("TWICE")->parent->strKey, "1001");
@@ -112,7 +97,7 @@ private slots:
 
     void branchIsFoundUpwards()
     {
-        InsertFolder(*profile, "DEEP", "1007", "6");
+        profile->InsertFolder("DEEP", "1007", "6");
         tree->LoadFaxFolderTree();
         QCOMPARE(GetNodeParentKey(tree->Find("DEEP")), "1007");
         QCOMPARE(GetNodeParentKey(tree->Find("1006")), "1006");
@@ -123,9 +108,9 @@ private slots:
 
     void subtreeIdsAreAddedToTheList()
     {
-        InsertFolder(*profile, "A", "1001", "1");
-        InsertFolder(*profile, "AA", "A", "1");
-        InsertFolder(*profile, "B", "1001", "1");
+        profile->InsertFolder("A", "1001", "1");
+        profile->InsertFolder("AA", "A", "1");
+        profile->InsertFolder("B", "1001", "1");
         tree->LoadFaxFolderTree();
         QCOMPARE(tree->CollectSubtreeFolderIds(tree->Find("1001")), ",'A','AA','B'");
         QCOMPARE(tree->CollectSubtreeFolderIds(tree->Find("A")), ",'A','AA','B','AA'");
@@ -133,49 +118,37 @@ private slots:
         QCOMPARE(tree->CollectSubtreeFolderIds(tree->Find("AA")), "");
     }
 
-    void recountFillsEveryFolder()
+    void recountFillsEveryFolderWithinTheDates()
     {
-        profile->InsertReceivedFax("R1", {{"isReaded", "0"}});
-        profile->InsertReceivedFax("R2", {{"isReaded", "1"}});
-        profile->InsertReceivedFax("R3", {{"isReaded", "0"}, {"RecyleID", "1008"}});
-        profile->InsertReceivedFax("R4", {{"isReaded", "0"}, {"folderID", "GONE"}});
-        profile->InsertSentFax("S1", {{"isReaded", "0"}, {"folderID", "1006"}});
-        profile->InsertSentFax("S2", {{"isReaded", "0"}, {"RecyleID", "1008"}});
-        tree->LoadFaxFolderTree();
-        tree->SetUnread(tree->Find("1002"), 7);
-        tree->RefreshFolderUnreadCounts({});
-        QCOMPARE(tree->Find("1001")->lUnread, 1);
-        QCOMPARE(tree->Find("1002")->lUnread, 0);
-        QCOMPARE(tree->Find("1006")->lUnread, 1);
-        QCOMPARE(tree->Find("1008")->lUnread, 2); // one of each table
-    }
-
-    void recountKeepsToTheDates()
-    {
-        profile->InsertReceivedFax("R1", {{"isReaded", "0"}, {"receiveTime", "2026-03-31 23:59:59"}});
-        profile->InsertReceivedFax("R2", {{"isReaded", "0"}, {"receiveTime", "2026-04-01 00:00:01"}});
-        profile->InsertReceivedFax(
-            "R3", {{"isReaded", "0"}, {"receiveTime", "2026-03-01 09:00:00"}, {"RecyleID", "1008"}});
+        const QString march = " between '2026-03-01' and  '2026-04-01'";
+        profile->InsertReceivedFax("R1", {{"receiveTime", "2026-03-31 23:59:59"}});
+        profile->InsertReceivedFax("R2", {{"receiveTime", "2026-04-01 00:00:01"}});
+        profile->InsertReceivedFax("R3", {{"receiveTime", "2026-03-01 09:00:00"}, {"RecyleID", "1008"}});
+        profile->InsertReceivedFax("R4", {{"isReaded", "1"}});
+        profile->InsertReceivedFax("R5", {{"folderID", "GONE"}});
         profile->InsertSentFax("S1", {{"isReaded", "0"}, {"ModifyTime", "2026-03-05 09:00:00"}});
         profile->InsertSentFax("S2", {{"isReaded", "0"}, {"ModifyTime", "2025-03-05 09:00:00"}});
-        const QString march = " between '2026-03-01' and  '2026-04-01'";
+        profile->InsertSentFax("S3", {{"isReaded", "0"}, {"RecyleID", "1008"}});
         tree->LoadFaxFolderTree();
-        tree->RefreshFolderUnreadCounts(march);
-        QCOMPARE(tree->Find("1001")->lUnread, 1);
-        QCOMPARE(tree->Find("1003")->lUnread, 1);
-        QCOMPARE(tree->Find("1008")->lUnread, 1);
-        QCOMPARE(FolderTree::GetNotReadCount(*tree->Find("1001"), march), 1);
-        QCOMPARE(FolderTree::GetNotReadCount(*tree->Find("1003"), march), 1);
+        tree->SetUnread(tree->Find("1002"), 7);
+        for (const auto &[dates, counts] : {std::pair(QString(), "2022"), {march, "1011"}}) {
+            tree->RefreshFolderUnreadCounts(dates);
+            QString found;
+            for (const char *key : {"1001", "1002", "1003", "1008"}) { // the bin holds one of each table
+                found += QString::number(tree->Find(key)->lUnread);
+            }
+            QCOMPARE(found, counts);
+            QCOMPARE(FolderTree::GetNotReadCount(*tree->Find("1001"), dates), tree->Find("1001")->lUnread);
+            QCOMPARE(FolderTree::GetNotReadCount(*tree->Find("1003"), dates), tree->Find("1003")->lUnread);
+        }
     }
 
     void modelFollowsTheTree()
     {
-        InsertFolder(*profile, "A", "1001", "1", "Letters");
-        FolderTreeModel model(*tree);
-        const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        profile->InsertFolder("A", "1001", "1", "Letters");
         tree->LoadFaxFolderTree();
-        const QModelIndex letters = model.IndexOf(tree->Find("A"));
-        QCOMPARE(letters.parent(), model.IndexOf(tree->Find("1001")));
+        const QModelIndex letters = model->IndexOf(tree->Find("A"));
+        QCOMPARE(letters.parent(), model->IndexOf(tree->Find("1001")));
         QCOMPARE(letters.data(KeyRole), "A");
         QCOMPARE(letters.data(ImageKeyRole), "imgReceived");
         tree->SetUnread(tree->Find("A"), 3);
@@ -184,25 +157,20 @@ private slots:
         QCOMPARE(letters.data(Qt::AccessibleTextRole), "Letters, 3 unread");
     }
 
-    void foldersMayChange_data()
-    {
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("may"); // a: add in it, c: change it, d: drag it
-        const QList<std::pair<const char *, const char *>> table{
-            {"1000", ""},  {"1001", "a"}, {"1002", "a"},  {"1003", ""},  {"1004", ""},    {"1005", "a"},
-            {"1007", "a"}, {"1008", "a"}, {"TOP", "acd"}, {"IN", "acd"}, {"SENT", "acd"}, {"STRAY", "a"}};
-        for (const auto &[key, may] : table)
-            QTest::addRow("%s", key) << key << may;
-    }
-
     void foldersMayChange()
     {
-        QFETCH(QString, key);
         InsertOwnFolders();
-        const FolderNode *node = tree->Find(key);
-        QTEST(QString(CanAddFolder(node) ? "a" : "") + (CanChangeFolder(node) ? "c" : "") +
-                  (CanDragFolder(node) ? "d" : ""),
-              "may");
+        const QMap<QString, QString> rules{// a: add in it, c: change it, d: drag it
+                                           {"1000", ""},   {"1001", "a"}, {"1002", "a"},   {"1003", ""},
+                                           {"1004", ""},   {"1005", "a"}, {"1007", "a"},   {"1008", "a"},
+                                           {"TOP", "acd"}, {"IN", "acd"}, {"SENT", "acd"}, {"STRAY", "a"}};
+        QMap<QString, QString> found;
+        for (const QString &key : rules.keys()) {
+            const FolderNode *node = tree->Find(key);
+            found[key] = QString(CanAddFolder(node) ? "a" : "") + (CanChangeFolder(node) ? "c" : "") +
+                         (CanDragFolder(node) ? "d" : "");
+        }
+        QCOMPARE(found, rules);
     }
 
     void foldersStayInTheirFamily()
@@ -227,7 +195,7 @@ private slots:
 
     void newFolderCopiesItsParent()
     {
-        OpenMailbox("1007");
+        Open("1007");
         const FolderChanges::Naming naming = *mailbox->Changes().mnuAddFolder();
         QVERIFY(!mailbox->Changes().SaveName(naming, " ")); // nothing typed
         QVERIFY(mailbox->Changes().SaveName(naming, "Sam's (1)"));
@@ -249,9 +217,9 @@ private slots:
 
     void takenNamesAreRefused()
     {
-        InsertFolder(*profile, "A", "1001", "1", "Plans");
-        InsertFolder(*profile, "B", "1002", "2", "(b)");
-        OpenMailbox("1001");
+        profile->InsertFolder("A", "1001", "1", "Plans");
+        profile->InsertFolder("B", "1002", "2", "(b)");
+        Open("1001");
         FolderChanges &changes = mailbox->Changes();
         QVERIFY(!changes.SaveName(*changes.mnuAddFolder(), "Plans"));
         QCOMPARE(fakes->prompts.Texts(), QStringList("The specified folder name already exists."));
@@ -269,14 +237,14 @@ private slots:
 
     void deletedFolderLeavesItsFaxesToItsParent()
     {
-        InsertFolder(*profile, "A", "1001", "1");
-        InsertFolder(*profile, "AA", "A", "1");
-        InsertFolder(*profile, "BIN", "1008", "7");
+        profile->InsertFolder("A", "1001", "1");
+        profile->InsertFolder("AA", "A", "1");
+        profile->InsertFolder("BIN", "1008", "7");
         profile->InsertReceivedFax("R1", {{"folderID", "A"}});
         profile->InsertReceivedFax("R2", {{"folderID", "AA"}, {"isReaded", "1"}});
         profile->InsertReceivedFax("R3", {{"folderID", "A"}, {"RecyleID", "BIN"}});
         profile->InsertSentFax("S1", {{"RecyleID", "BIN"}});
-        OpenMailbox("A");
+        Open("A");
         fakes->prompts.aAnswers = {mbAnswerNo, mbAnswerYes, mbAnswerYes};
         mailbox->Changes().mnuDeleteFolder();
         QCOMPARE(mailbox->SelectedFolder(), "A");
@@ -300,10 +268,10 @@ private slots:
 
     void failedDeletionIsNotDoneByTheNextOne()
     {
-        InsertFolder(*profile, "A", "1001", "1");
-        InsertFolder(*profile, "B", "1002", "2");
+        profile->InsertFolder("A", "1001", "1");
+        profile->InsertFolder("B", "1002", "2");
         profile->InsertReceivedFax("R1", {{"folderID", "A"}});
-        OpenMailbox("A");
+        Open("A");
         fakes->prompts.aAnswers = {mbAnswerYes, mbAnswerOK, mbAnswerYes};
         Profile::Execute(
             "CREATE TRIGGER Busy BEFORE UPDATE ON ReceiveFax BEGIN SELECT RAISE(FAIL,'busy'); END");
@@ -318,10 +286,10 @@ private slots:
 
     void droppedFolderMoves()
     {
-        InsertFolder(*profile, "A", "1001", "1");
-        InsertFolder(*profile, "B", "1001", "1");
-        InsertFolder(*profile, "C", "1001", "1");
-        OpenMailbox("A");
+        profile->InsertFolder("A", "1001", "1");
+        profile->InsertFolder("B", "1001", "1");
+        profile->InsertFolder("C", "1001", "1");
+        Open("A");
         FolderTree &shown = mailbox->Folders();
         connect(model.get(), &FolderTreeModel::FolderDropped, this,
                 [this](const QString &source, const QString &target) {
@@ -349,8 +317,8 @@ private slots:
 
     void wildNamesAreShownAsOneLine()
     {
-        InsertFolder(*profile, "A", "1001", "1", QString("<b>a\r\n\t") + QString(1 << 20, 'x'));
-        OpenMailbox("A");
+        profile->InsertFolder("A", "1001", "1", QString("<b>a\r\n\t") + QString(1 << 20, 'x'));
+        Open("A");
         const QString shown = model->IndexOf(mailbox->SelectedNode()).data().toString();
         QVERIFY(shown.startsWith("<b>a   xx") && shown.size() < 1000);
         QVERIFY(mailbox->labFolderTip().size() < 1000);
@@ -361,32 +329,18 @@ private:
     /// family that may stand in the root.
     void InsertOwnFolders()
     {
-        InsertFolder(*profile, "TOP", "1000", "0");
-        InsertFolder(*profile, "UNDER", "TOP", "0");
-        InsertFolder(*profile, "TOP2", "1000", "0");
-        InsertFolder(*profile, "IN", "1001", "1");
-        InsertFolder(*profile, "SENT", "1006", "6");
-        InsertFolder(*profile, "BIN", "1008", "7");
-        InsertFolder(*profile, "STRAY", "1000", "1");
+        profile->InsertFolder("TOP", "1000", "0");
+        profile->InsertFolder("UNDER", "TOP", "0");
+        profile->InsertFolder("TOP2", "1000", "0");
+        profile->InsertFolder("IN", "1001", "1");
+        profile->InsertFolder("SENT", "1006", "6");
+        profile->InsertFolder("BIN", "1008", "7");
+        profile->InsertFolder("STRAY", "1000", "1");
         tree->LoadFaxFolderTree();
     }
 
-    void OpenMailbox(const QString &folder)
-    {
-        fakes = std::make_unique<FakePorts>();
-        mailbox = std::make_unique<ShownMailbox>(fakes->message, fakes->clock, fakes->ids);
-        model = std::make_unique<FolderTreeModel>(mailbox->Folders());
-        new QAbstractItemModelTester(model.get(), QAbstractItemModelTester::FailureReportingMode::QtTest,
-                                     model.get());
-        mailbox->LoadFaxFolderTree();
-        mailbox->SelectFolder(folder);
-    }
-
-    std::unique_ptr<Profile> profile;
-    std::unique_ptr<FakePorts> fakes;
-    std::unique_ptr<ShownMailbox> mailbox;
+    FolderTree *tree = nullptr;
     std::unique_ptr<FolderTreeModel> model;
-    std::unique_ptr<FolderTree> tree;
 };
 
 QTEST_GUILESS_MAIN(tst_FolderTree)

@@ -1,51 +1,34 @@
-#include "core/Globals.h"
-#include "fakes/FakePorts.h"
 #include "fixtures/FaxFile.h"
-#include "fixtures/Profile.h"
+#include "fixtures/MailboxTest.h"
 #include "mailbox/FaxViewer.h"
 #include "mailbox/ReadMarks.h"
-#include "mailbox/ShownMailbox.h"
 
 #include <QDir>
 #include <QFile>
 #include <QSignalSpy>
-#include <QTest>
 
-#include <memory>
-
-class tst_ReadMarks : public QObject
+class tst_ReadMarks : public QObject, private MailboxTest
 {
     Q_OBJECT
 
 private slots:
     void init()
     {
-        profile = std::make_unique<Profile>();
-        fakes = std::make_unique<FakePorts>();
-        fakes->folders.strRoot = profile->Root();
-        mailbox = std::make_unique<ShownMailbox>(fakes->message, fakes->clock, fakes->ids);
+        SetUp();
         faxViewer = std::make_unique<FaxViewer>(*mailbox, fakes->ports,
                                                 [this](const QString &id) { drafts.append(id); });
-        drafts.clear();
-        profile->InsertRow("FaxFolder", {{"Folder_ID", "SUB"},
-                                         {"Folder_Name", "Letters"},
-                                         {"Folder_Type", "1"},
-                                         {"parentID", "1001"},
-                                         {"isSystem", "0"}});
+        profile->InsertFolder("SUB", "1001", "1");
     }
-
     void cleanup()
     {
         faxViewer.reset();
-        mailbox.reset();
-        fakes.reset();
-        profile.reset();
+        TearDown();
     }
 
     void receivedFaxesAreAskedForOnce()
     {
-        profile->InsertReceivedFax("A", {{"isReaded", "0"}, {"IsSendedReceipt", "False"}});
-        profile->InsertReceivedFax("B", {{"isReaded", "0"}, {"IsSendedReceipt", "False"}});
+        profile->InsertReceivedFax("A", {{"IsSendedReceipt", "False"}});
+        profile->InsertReceivedFax("B", {{"IsSendedReceipt", "False"}});
         Open("1001");
         const QSignalSpy queued(&mailbox->Marks(), &ReadMarks::ReceiptsQueued);
         mailbox->SelectFaxes({"A", "B"}, "A");
@@ -60,6 +43,10 @@ private slots:
         QCOMPARE(mailbox->List().UnreadCount(), 0);
         QCOMPARE(mailbox->SelectedNode()->lUnread, 0);
         QCOMPARE(fakes->prompts.Texts(), QStringList(2, "Are you sure want to mark these fax as read?"));
+        mailbox->Marks().mnuUnRead(); // and the receipts stay queued
+        QCOMPARE(Read("ReceiveFax", "A"), "0");
+        QCOMPARE(Queue(), QStringList({"A", "B"}));
+        QCOMPARE(mailbox->SelectedNode()->lUnread, 2);
     }
 
     void binHandlesBothTables()
@@ -106,21 +93,9 @@ private slots:
         QCOMPARE(missing.size(), 2);
     }
 
-    void unreadLeavesTheQueuedReceipt()
-    {
-        profile->InsertReceivedFax("A", {{"isReaded", "0"}});
-        Open("1001");
-        QVERIFY(MarkReceivedFaxRead("A"));
-        mailbox->ReloadCurrentFolder(true);
-        mailbox->Marks().mnuUnRead();
-        QCOMPARE(Read("ReceiveFax", "A"), "0");
-        QCOMPARE(Queue(), QStringList("A"));
-        QCOMPARE(mailbox->SelectedNode()->lUnread, 1);
-    }
-
     void iconMarksInIncomingAndTheBinOnly()
     {
-        profile->InsertReceivedFax("A", {{"isReaded", "0"}});
+        profile->InsertReceivedFax("A");
         profile->InsertReceivedFax("B", {{"isReaded", "0"}, {"RecyleID", "1008"}});
         profile->InsertReceivedFax("C", {{"isReaded", "0"}, {"folderID", "SUB"}});
         fakes->prompts.aAnswers = {mbAnswerNo, mbAnswerYes, mbAnswerYes};
@@ -142,7 +117,7 @@ private slots:
 
     void readFaxQueuesItsReceiptOnce()
     {
-        profile->InsertReceivedFax("A", {{"isReaded", "0"}, {"IsSendedReceipt", "False"}});
+        profile->InsertReceivedFax("A", {{"IsSendedReceipt", "False"}});
         QVERIFY(MarkReceivedFaxRead("A"));
         QVERIFY(!MarkReceivedFaxRead("A"));
         QVERIFY(!MarkReceivedFaxRead("GONE"));
@@ -158,45 +133,35 @@ private slots:
 
     void waitingFaxDragsLaterOnesAlong()
     {
-        profile->InsertReceivedFax("A", {{"IsSendedReceipt", "-1"}});
-        profile->InsertReceivedFax("B", {{"IsSendedReceipt", "False"}});
-        profile->InsertReceivedFax("C", {{"IsSendedReceipt", "-1"}});
+        for (const auto &[id, sent] : {std::pair("A", "-1"), {"B", "False"}, {"C", "-1"}, {"D", "False"}})
+            profile->InsertReceivedFax(id, {{"IsSendedReceipt", sent}});
         QVERIFY(QueueReceipts({"A", "B", "C"}));
         QCOMPARE(Queue(), QStringList({"B", "C"}));
-        profile->InsertReceivedFax("D", {{"IsSendedReceipt", "False"}});
         Profile::Execute("DROP TABLE ReceiptQueue");
         QVERIFY(!QueueReceipts({"D"}));
         QCOMPARE(Profile::Value("SELECT IsSendedReceipt FROM ReceiveFax WHERE Fax_ID='D'"), "False");
     }
 
-    void tickLeavesIncomingAlone()
+    void tickMarksTheOneFaxOnShowButInIncoming()
     {
-        profile->InsertReceivedFax("A", {{"isReaded", "0"}});
-        profile->InsertReceivedFax("B",
-                                   {{"isReaded", "0"}, {"folderID", "SUB"}, {"IsSendedReceipt", "False"}});
-        Open("1001");
-        mailbox->Marks().OnMarkFaxTick();
-        QCOMPARE(Read("ReceiveFax", "A"), "0");
-        mailbox->SelectFolder("SUB");
-        mailbox->Marks().OnMarkFaxTick();
-        QCOMPARE(Read("ReceiveFax", "B"), "1");
+        profile->InsertReceivedFax("A");
+        profile->InsertReceivedFax("B", {{"folderID", "SUB"}, {"IsSendedReceipt", "False"}});
+        for (const char *id : {"S", "T"})
+            profile->InsertSentFax(id, {{"folderID", "1006"}, {"isReaded", "0"}});
+        for (const char *folder : {"1000", "1001", "SUB"}) {
+            Open(folder);
+            mailbox->Marks().OnMarkFaxTick();
+        }
+        QCOMPARE(Read("ReceiveFax", "A") + Read("ReceiveFax", "B"), "01");
         QCOMPARE(Queue(), QStringList("B"));
-    }
-
-    void tickMarksTheOneFaxOnShow()
-    {
-        profile->InsertSentFax("S", {{"folderID", "1006"}, {"isReaded", "0"}});
-        profile->InsertSentFax("T", {{"folderID", "1006"}, {"isReaded", "0"}});
         Open("1006");
-        mailbox->SelectFaxes({"S", "T"}, "S");
-        mailbox->Marks().OnMarkFaxTick();
-        QCOMPARE(mailbox->List().UnreadCount(), 2);
-        mailbox->SelectFaxes({"S"}, "S");
-        mailbox->Marks().OnMarkFaxTick();
+        for (const QStringList &selected : {QStringList({"S", "T"}), QStringList("S")}) {
+            mailbox->SelectFaxes(selected, "S");
+            mailbox->Marks().OnMarkFaxTick();
+            QCOMPARE(mailbox->List().UnreadCount(), selected.size());
+        }
         QCOMPARE(Read("SendFax", "S"), "1");
         QCOMPARE(mailbox->SelectedNode()->lUnread, 1);
-        mailbox->SelectFolder("1000");
-        mailbox->Marks().OnMarkFaxTick();
     }
 
     void openedFaxCountsAsRead()
@@ -256,16 +221,7 @@ private:
         return Profile::Value("SELECT isReaded FROM " + table + " WHERE Fax_ID='" + id + "'");
     }
     QStringList Queue() const { return Profile::Values("SELECT Fax_ID FROM ReceiptQueue"); }
-    void Open(const QString &folder)
-    {
-        mailbox->LoadFaxFolderTree();
-        mailbox->SelectFolder(folder);
-    }
-
-    std::unique_ptr<Profile> profile;
-    std::unique_ptr<FakePorts> fakes;
     QStringList drafts;
-    std::unique_ptr<ShownMailbox> mailbox;
     std::unique_ptr<FaxViewer> faxViewer;
 };
 

@@ -1,33 +1,21 @@
-#include "core/Globals.h"
-#include "fakes/FakePorts.h"
 #include "fixtures/FaxFile.h"
-#include "fixtures/Profile.h"
-#include "mailbox/ShownMailbox.h"
+#include "fixtures/MailboxTest.h"
+#include "fixtures/TestTable.h"
 
-#include <QTest>
-
-#include <memory>
-
-class tst_ShownMailbox : public QObject
+class tst_ShownMailbox : public QObject, private MailboxTest
 {
     Q_OBJECT
 
 private slots:
     void init()
     {
-        profile = std::make_unique<Profile>();
-        fakes = std::make_unique<FakePorts>();
-        fakes->clock.now = QDateTime(QDate(2026, 3, 15), QTime(12, 0));
-        mailbox = std::make_unique<ShownMailbox>(fakes->message, fakes->clock, fakes->ids);
+        SetUp(QDate(2026, 3, 15));
         Global().SwitchTo = true;
     }
-
     void cleanup()
     {
         const QStringList boxes = fakes->prompts.Texts();
-        mailbox.reset();
-        fakes.reset();
-        profile.reset();
+        TearDown();
         QCOMPARE(boxes, QStringList());
     }
 
@@ -47,40 +35,41 @@ private slots:
     void statusCountsAsTheTableDoes()
     {
         int fax = 0;
-        for (const char *folder : {"1001", "1002", "1003", "1005", "1006", "1007", "1008"}) {
-            const QString bin = qstrcmp(folder, "1008") == 0 ? "1008" : "";
+        const QStringList folders{"1001", "1002", "1003", "1005", "1006", "1007", "1008"};
+        for (const QString &folder : folders) {
             for (const char *state : {"0", "0", "1", "-1", "False", ""}) {
                 const QString id = QString::number(++fax);
-                const QString year = fax % 2 ? "2024" : "2001"; // not in the range below
-                const Profile::Columns columns{{"folderID", folder}, {"isReaded", state}, {"RecyleID", bin}};
-                profile->InsertReceivedFax("R" + id, columns);
-                profile->InsertSentFax("S" + id, columns);
-                Profile::Execute("Update ReceiveFax Set receiveTime='" + year + "-05-05' Where fax_ID='R" +
-                                 id + "'");
-                Profile::Execute("Update SendFax Set ModifyTime='" + year + "-05-05' Where fax_ID='S" + id +
-                                 "'");
+                const QString time = QString(fax % 2 ? "2024" : "2001") + "-05-05"; // not in the range below
+                const Profile::Columns columns{
+                    {"folderID", folder}, {"isReaded", state}, {"RecyleID", folder == "1008" ? folder : ""}};
+                for (const char *column : {"receiveTime", "ModifyTime"}) {
+                    Profile::Columns all = columns;
+                    all.insert(column, time);
+                    *column == 'r' ? profile->InsertReceivedFax("R" + id, all)
+                                   : profile->InsertSentFax("S" + id, all);
+                }
             }
         }
         mailbox->LoadFaxFolderTree();
         for (const int year : {0, int(mailbox->Dates().Years().indexOf("2024"))}) {
-            for (const char *folder : {"1001", "1002", "1003", "1005", "1006", "1007", "1008"}) {
+            for (const QString &folder : folders) {
                 mailbox->SelectFolder(folder);
                 mailbox->SelectYear(year);
                 const long unread =
                     FolderTree::GetNotReadCount(*mailbox->SelectedNode(), mailbox->Dates().Text());
                 QVERIFY(unread > 0);
-                QVERIFY2(mailbox->StatusText().endsWith("Unread : " + QString::number(unread)), folder);
+                QVERIFY2(mailbox->StatusText().endsWith("Unread : " + QString::number(unread)),
+                         qPrintable(folder));
                 mailbox->SelectFolder(folder); // its year stays
-                QVERIFY2(mailbox->StatusText().endsWith("Unread: " + QString::number(unread)), folder);
+                QVERIFY2(mailbox->StatusText().endsWith("Unread: " + QString::number(unread)),
+                         qPrintable(folder));
             }
         }
     }
 
     void newFaxesOnTopLeaveTheReaderAlone()
     {
-        FaxFile file;
-        file.lPages = 2;
-        QVERIFY(file.Write(Global().strInputBoxPath + "A.tif"));
+        QVERIFY(FaxFile{.lPages = 2}.Write(Global().strInputBoxPath + "A.tif"));
         profile->InsertReceivedFax("A", {{"receiveTime", "2026-01-01 00:00:00"}, {"fileName", "A.tif"}});
         mailbox->LoadFaxFolderTree();
         mailbox->Preview().NextPage();
@@ -111,27 +100,20 @@ private slots:
 
     void savedFaxesChangeTheListTheyAreIn_data()
     {
-        QTest::addColumn<QString>("folder");
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<bool>("isNew");
-        QTest::addColumn<QString>("id");
-        QTest::addColumn<QStringList>("rows"); // after NEW came into the folder and B got another title
-        QTest::addColumn<QString>("shown");
-        QTest::newRow("new draft") << "1002" << 0 << true << "" << QStringList{"NEW", "C", "B", "A"} << "B";
-        QTest::newRow("edited draft") << "1002" << 0 << false << "B" << QStringList{"C", "B!", "A"} << "B";
-        QTest::newRow("draft under a new id")
-            << "1002" << 0 << false << "NEW" << QStringList{"NEW", "C", "B!", "A"} << "NEW";
-        QTest::newRow("draft sent") << "1002" << 1 << false << "B" << QStringList{"C", "A"} << "A";
-        QTest::newRow("last draft sent") << "1002" << 1 << false << "A" << QStringList{"C", "B"} << "B";
-        QTest::newRow("new fax sent") << "1002" << 1 << true << "" << QStringList{"C", "B", "A"} << "B";
-        QTest::newRow("into Outgoing")
-            << "1003" << 1 << true << "" << QStringList{"NEW", "C", "B", "A"} << "B";
-        QTest::newRow("out of Outgoing") << "1003" << 2 << false << "B" << QStringList{"C", "A"} << "A";
-        QTest::newRow("into Sending")
-            << "1005" << 2 << false << "NEW" << QStringList{"NEW", "C", "B", "A"} << "B";
-        QTest::newRow("filter") << "1003" << 3 << false << " and Fax_ID<'C'" << QStringList{"B!", "A"} << "B";
-        QTest::newRow("filter for all folders") << "1003" << 3 << true << " and title='Offer'"
-                                                << QStringList{"NEW", "C", "ELSEWHERE", "A"} << "NEW";
+        // The rows after NEW came into the folder and B got another title, and the fax on show.
+        const TestTable<QString, int, bool, QString, QString, QString> row{"folder", "kind", "isNew",
+                                                                           "id",     "rows", "shown"};
+        row("new draft", "1002", 0, true, "", "NEW C B A", "B");
+        row("edited draft", "1002", 0, false, "B", "C B! A", "B");
+        row("draft under a new id", "1002", 0, false, "NEW", "NEW C B! A", "NEW");
+        row("draft sent", "1002", 1, false, "B", "C A", "A");
+        row("last draft sent", "1002", 1, false, "A", "C B", "B");
+        row("new fax sent", "1002", 1, true, "", "C B A", "B");
+        row("into Outgoing", "1003", 1, true, "", "NEW C B A", "B");
+        row("out of Outgoing", "1003", 2, false, "B", "C A", "A");
+        row("into Sending", "1005", 2, false, "NEW", "NEW C B A", "B");
+        row("filter", "1003", 3, false, " and Fax_ID<'C'", "B! A", "B");
+        row("filter for all folders", "1003", 3, true, " and title='Offer'", "NEW C ELSEWHERE A", "NEW");
     }
 
     void savedFaxesChangeTheListTheyAreIn()
@@ -160,7 +142,7 @@ private slots:
             const FaxRow &fax = mailbox->List().Row(row);
             rows.append(fax.ID() + (fax.Cell(5) == "Changed" ? "!" : ""));
         }
-        QTEST(rows, "rows");
+        QTEST(rows.join(' '), "rows");
         QTEST(mailbox->SelectedFaxes().join(','), "shown");
         QCOMPARE(mailbox->List().Row(mailbox->SelectedRow()).ID(), mailbox->SelectedFaxes().first());
         if (kind != 3)
@@ -284,11 +266,6 @@ private slots:
         dates.ClickMonth(11);
         QCOMPARE(dates.Text(), " between '2025-12-01' and  '2026-01-01'");
     }
-
-private:
-    std::unique_ptr<Profile> profile;
-    std::unique_ptr<FakePorts> fakes;
-    std::unique_ptr<ShownMailbox> mailbox;
 };
 
 QTEST_GUILESS_MAIN(tst_ShownMailbox)

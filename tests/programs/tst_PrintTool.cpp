@@ -3,6 +3,8 @@
 #include "core/PrinterProgress.h"
 #include "core/Utilities.h"
 #include "fixtures/FaxFile.h"
+#include "fixtures/SmallDisk.h"
+#include "fixtures/StoredPages.h"
 #include "fixtures/TestTable.h"
 
 #include <QDir>
@@ -12,9 +14,7 @@
 #include <csignal>
 #include <iostream>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <tiffio.h>
 
 namespace {
 
@@ -30,29 +30,16 @@ int ActAsClient(const QStringList &arguments)
     return 0;
 }
 
-/// True when every page is Group 4 with 1 for black, and of that size and resolution.
+/// True when every page is Group 4 in one strip with 1 for black, and of that size and resolution.
 bool ArePages(const QString &path, int count, const QSize &size, int dotsPerInchY)
 {
-    TIFF *file = TIFFOpen(QFile::encodeName(path).constData(), "r");
-    int pages = 0;
-    if (file == nullptr)
-        return false;
-    do {
-        uint32_t width = 0, height = 0;
-        uint16_t compression = 0, photometric = 99;
-        TIFFGetField(file, TIFFTAG_IMAGEWIDTH, &width);
-        TIFFGetField(file, TIFFTAG_IMAGELENGTH, &height);
-        TIFFGetField(file, TIFFTAG_COMPRESSION, &compression);
-        TIFFGetField(file, TIFFTAG_PHOTOMETRIC, &photometric);
-        if (QSize(int(width), int(height)) != size || compression != COMPRESSION_CCITTFAX4 ||
-            photometric != PHOTOMETRIC_MINISWHITE)
-            break;
-        ++pages;
-    } while (TIFFReadDirectory(file) == 1);
-    TIFFClose(file);
-    const QList<TiffPage> table = TiffFile(path).ReadPages();
-    return pages == count && table.size() == count && table.first().lDotsPerInchX == 204 &&
-           table.first().lDotsPerInchY == dotsPerInchY;
+    const QList<StoredPage> pages = ReadStoredPages(path);
+    return pages.size() == count && std::all_of(pages.begin(), pages.end(), [&](const StoredPage &page) {
+               return page.size == size && page.dotsPerInch == QSizeF(204, dotsPerInchY) &&
+                      page.lCompression == COMPRESSION_CCITTFAX4 &&
+                      page.lPhotometric == PHOTOMETRIC_MINISWHITE && page.lStrips == 1 &&
+                      page.lFillOrder == FILLORDER_MSB2LSB;
+           });
 }
 
 } // namespace
@@ -78,9 +65,10 @@ private slots:
     {
         QFETCH(int, height);
         QFETCH(int, dotsPerInch);
-        PrintRequest request = desk->RequestFor({desk->WritePdf("letter.pdf", 3),
-                                                 "*" + WriteFax("ready.tif", 2, height, dotsPerInch),
-                                                 WritePicture("picture.png")});
+        const QString ready = desk->Path("docs/ready.tif");
+        QVERIFY((FaxFile{.lPages = 2, .lHeight = height, .lDotsPerInchY = dotsPerInch}.Write(ready)));
+        PrintRequest request =
+            desk->RequestFor({desk->WritePdf("letter.pdf", 3), "*" + ready, WritePicture("picture.png")});
         QFETCH(int, resolve);
         request.lResolution = resolve;
         desk->Ask(request);
@@ -152,44 +140,16 @@ private slots:
         QVERIFY(desk->IsClean());
     }
 
-    void faxBeyondTheBoundsIsRefused()
-    {
-        desk->Ask({desk->WritePdf("long.pdf", 5002), desk->WritePdf("one.pdf", 1)});
-        PrintTool tool(*desk);
-        QVERIFY(desk->Serve(tool));
-        QVERIFY2(desk->strFinal.contains("failed.") && desk->strFinal.contains("5003"),
-                 qPrintable(desk->strFinal));
-        QVERIFY(desk->IsClean());
-    }
-
-    void textThatIsNoRequestIsAnError_data()
-    {
-        const TestTable<QByteArray> row{"text"};
-        row("none", "");
-        row("rubbish", "\x02\x02\xff|*|\x02 0 0 0");
-        row("cut", "/a.pdf|\x02/home");
-    }
-
     void textThatIsNoRequestIsAnError()
     {
-        QFETCH(QByteArray, text);
-        desk->shared->SetItem(QString::fromUtf8(text));
-        PrintTool tool(*desk);
-        QVERIFY(desk->Serve(tool));
-        QCOMPARE(desk->strFinal, "Error");
-        QCOMPARE(desk->Progress(), int(printerFailed));
-        QVERIFY(desk->IsClean());
-    }
-
-    void toolWithoutAClientDoesNothing()
-    {
-        desk->shared.reset();
-        PrintTool tool(*desk);
-        tool.Start();
-        QVERIFY(tool.waitForFinished());
-        QCOMPARE(tool.exitCode(), 2);
-        QVERIFY(tool.Errors().contains("--help"));
-        QVERIFY(QDir(desk->Path("config")).isEmpty());
+        for (const char *text : {"", "\x02\x02\xff|*|\x02 0 0 0", "/a.pdf|\x02/home"}) {
+            desk->shared->SetItem(QString::fromUtf8(text));
+            PrintTool tool(*desk);
+            QVERIFY(desk->Serve(tool));
+            QCOMPARE(desk->strFinal, "Error");
+            QCOMPARE(desk->Progress(), int(printerFailed));
+            QVERIFY(desk->IsClean());
+        }
     }
 
     void stopIsObeyedAtOnce_data()
@@ -234,6 +194,21 @@ private slots:
         QVERIFY(!QFile::exists(desk->Path("run/velmar.TestSharestrPrinterStateing")));
     }
 
+    void killedToolLeavesNothing()
+    {
+        desk->Ask({desk->WriteFile("long.txt", "Line\n")});
+        PrintTool killed(*desk), next(*desk);
+        killed.Start();
+        QTRY_VERIFY_WITH_TIMEOUT(desk->HasProcess("--headless"), 10'000);
+        killed.kill();
+        QTRY_VERIFY(!desk->HasProcess(""));
+        const QDir left(desk->Path("tmp"));
+        QVERIFY(!left.entryList({"velmar-print-*"}).isEmpty());
+        desk->Ask({desk->WriteFile("broken.rtf", "{\\rtf1 No end")});
+        QVERIFY(desk->Serve(next));
+        QCOMPARE(left.entryList({"velmar-print-*"}), QStringList());
+    }
+
     void laterRequestSilencesTheEarlier()
     {
         desk->Ask({desk->WriteSlowPdf("slow.pdf")});
@@ -249,33 +224,33 @@ private slots:
         QVERIFY(desk->aStatuses.filter("slow").isEmpty());
     }
 
-    void outBoxThatTakesNoFileIsTold()
+    void faxThatCannotBeWrittenIsTold_data()
     {
-        QVERIFY(QDir(desk->Path("Anna/OutputBox")).removeRecursively());
-        QVERIFY(QFile::link("/proc", desk->Path("Anna/OutputBox")));
-        desk->Ask({desk->WritePdf("letter.pdf", 1)});
-        PrintTool tool(*desk);
-        QVERIFY(desk->Serve(tool));
-        QVERIFY2(desk->strFinal.contains("failed.") && desk->strFinal.contains("OutputBox"),
-                 qPrintable(desk->strFinal));
-        QCOMPARE(desk->Progress(), int(printerFailed));
+        const TestTable<QString, QString> row{"obstacle", "told"};
+        row("more pages than a fax may have", "bounds", "5003");
+        row("folder that takes no file", "folder", "OutputBox");
+        row("full disk", "disk", "failed.");
     }
 
-    void fullDiskLeavesNoFile()
+    void faxThatCannotBeWrittenIsTold()
     {
-        FaxFile noise;
-        noise.bNoise = true;
-        QVERIFY(noise.Write(desk->Path("docs/noise.tif")));
-        desk->Ask({"*" + desk->Path("docs/noise.tif")});
+        QFETCH(QString, obstacle);
+        const QString noise = desk->Path("docs/noise.tif");
+        QVERIFY(FaxFile{.bNoise = true}.Write(noise));
+        desk->Ask({"*" + noise, desk->WritePdf("letter.pdf", obstacle == "bounds" ? 5002 : 1)});
         PrintTool tool(*desk);
-        tool.setChildProcessModifier([] {
-            const rlimit limit{100000, 100000};
-            setrlimit(RLIMIT_FSIZE, &limit);
-            std::signal(SIGXFSZ, SIG_IGN);
-        });
+        if (obstacle == "folder") {
+            QVERIFY(QDir(desk->Path("Anna/OutputBox")).removeRecursively());
+            QVERIFY(QFile::link("/proc", desk->Path("Anna/OutputBox")));
+        } else if (obstacle == "disk") {
+            tool.setChildProcessModifier([] { static const SmallDisk disk(100000); });
+        }
         QVERIFY(desk->Serve(tool));
-        QVERIFY2(desk->strFinal.contains("failed."), qPrintable(desk->strFinal));
-        QVERIFY(desk->IsClean());
+        QFETCH(QString, told);
+        QVERIFY2(desk->strFinal.contains("failed.") && desk->strFinal.contains(told),
+                 qPrintable(desk->strFinal));
+        QCOMPARE(desk->Progress(), int(printerFailed));
+        QVERIFY(obstacle == "folder" || desk->IsClean());
     }
 
     void shellGetsTheSameFax()
@@ -297,8 +272,14 @@ private slots:
                                              {"--out", pipe, letter}})
             QCOMPARE(RunInShell(senseless), 2);
         QVERIFY(QFile::exists(pipe) && !QFileInfo(pipe).isFile()); // a device would be lost
-        QVERIFY(desk->shared->Item().isEmpty() && QDir(desk->Path("config")).isEmpty());
-        QVERIFY(desk->IsClean());
+        QVERIFY(desk->shared->Item().isEmpty());
+        desk->shared.reset(); // nobody asks
+        PrintTool tool(*desk);
+        tool.Start();
+        QVERIFY(tool.waitForFinished());
+        QCOMPARE(tool.exitCode(), 2);
+        QVERIFY(tool.Errors().contains("--help"));
+        QVERIFY(desk->IsClean() && QDir(desk->Path("config")).isEmpty());
     }
 
     void interruptedShellLeavesNoFile()
@@ -314,15 +295,6 @@ private slots:
     }
 
 private:
-    QString WriteFax(const QString &name, int pages, int height, int dotsPerInchY) const
-    {
-        FaxFile fax;
-        fax.lPages = pages;
-        fax.lHeight = height;
-        fax.lDotsPerInchY = dotsPerInchY;
-        const QString path = desk->Path("docs/" + name);
-        return fax.Write(path) ? path : QString();
-    }
     QString WritePicture(const QString &name) const
     {
         QImage picture(300, 400, QImage::Format_Grayscale8);

@@ -1,5 +1,6 @@
 #include "fixtures/Bytes.h"
 #include "fixtures/FaxFile.h"
+#include "fixtures/Profile.h"
 #include "fixtures/TestTable.h"
 #include "programs/printtool/ConversionError.h"
 #include "programs/printtool/FileType.h"
@@ -9,15 +10,11 @@
 #include "programs/printtool/WorkFolder.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
-#include <QProcess>
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <array>
-#include <csignal>
 #include <thread>
 
 #include <linux/landlock.h>
@@ -119,8 +116,8 @@ QString TextOf(const QString &pdf)
 
 bool IsAlive(int pid)
 {
-    QFile state(QStringLiteral("/proc/%1/stat").arg(pid));
-    return state.open(QIODevice::ReadOnly) && !state.readAll().contains(") Z ");
+    const QByteArray state = ReadTestFile(QStringLiteral("/proc/%1/stat").arg(pid));
+    return !state.isEmpty() && !state.contains(") Z ");
 }
 
 /// A document that makes the fake of the office program do what it says.
@@ -150,19 +147,260 @@ class tst_PrintToolDocuments : public QObject
     Q_OBJECT
 
 private slots:
-    void filesAreKnownByTheirContents_data();
-    void filesAreKnownByTheirContents();
-    void whatIsNoFileIsRefused();
-    void passwordsAreRecognised_data();
-    void passwordsAreRecognised();
-    void documentsOfOneRequestAreConverted();
-    void textKeepsItsLinesAndPages();
-    void nothingBesideTheDocumentIsRead();
-    void oneThatKillsTheProgramSpoilsNoOther();
-    void oneThatHangsIsGivenUp();
-    void stopEndsAllProcesses();
-    void programIsWalledIn();
-    void killedToolLeavesNothing();
+    void filesAreKnownByTheirContents_data()
+    {
+        const TestTable<QString, QByteArray, QString> row{"name", "contents", "told"};
+        row("text", "a.txt", "Hello", "3 txt");
+        row("text of unknown ending", "a.log", "Hello", "3 txt");
+        row("text without ending", "read, me", "Gr\xfc\xdf", "3 txt");
+        row("text in UTF-16", "a.txt", "\xff\xfe" + Utf16("Hello"), "3 txt");
+        row("text like a picture", "a.txt", "BMW, an offer", "3 txt");
+        row("HTML", "a.HTM", "<p>Hello", "3 html");
+        row("HTML by another name", "a.doc", "\n<!DOCTYPE html><p>Hello", "3 html");
+        row("HTML as text", "a.txt", "<html>", "3 txt");
+        row("RTF by another name", "a.doc", "{\\rtf1 Hello}", "3 rtf");
+        row("Word", "a.bin", OleOf("WordDocument"), "3 doc");
+        row("Excel", "a.xls", OleOf("Workbook"), "3 xls");
+        row("PowerPoint as Word", "a.doc", OleOf("PowerPoint Document"), "3 ppt");
+        row("other OLE", "a.doc", OleOf("Contents"), "Files of this kind cannot be faxed.");
+        row("Word, cut off", "a.doc", OleOf("WordDocument").left(3000), "The document is damaged.");
+        row("docx", "a.zip", ZipOf({{"[Content_Types].xml", ""}, {"word/document.xml", ""}}), "3 docx");
+        row("xlsx with a docx inside", "a.docx", ZipOf({{"xl/embeddings/word/x", ""}}), "3 xlsx");
+        row("pptx", "a.pptx", ZipOf({{"ppt/presentation.xml", ""}}), "3 pptx");
+        row("odt as docx", "a.docx", OpenDocument("text", "<a/>"), "3 odt");
+        row("ods", "a.ods", OpenDocument("spreadsheet-template", "<a/>"), "3 ods");
+        row("odp", "a.odp", OpenDocument("presentation", "<a/>"), "3 odp");
+        row("other ZIP", "a.zip", ZipOf({{"letter.txt", "Hello"}}), "Files of this kind cannot be faxed.");
+        row("docx, cut off", "a.docx", ZipOf({{"word/document.xml", "Hello"}}).left(60),
+            "The document is damaged.");
+        row("flat", "a.xml", FlatDocument("text", {}), "3 fodt");
+        row("flat, cut off", "a.fodt", FlatDocument("text", {}).chopped(30), "The document is damaged.");
+        row("PDF by another name", "a.txt", "%PDF-1.4\n", "1 ");
+        row("PDF behind rubbish", "a.pdf", QByteArray("\1\2\n%PDF-1.4"), "1 ");
+        row("text as PDF", "a.pdf", "404 Not found", "The file is damaged, or not what its name says.");
+        row("PNG by another name", "a.jpg", "\x89PNG\r\n\x1a\n", "2 ");
+        row("PSD", "a", "8BPS\0\1", "2 ");
+        row("fax by another name", "a.3g", FaxFile{.bGroup3 = true}.Bytes(), "0 ");
+        row("fax with its size in front", "a.tif", FaxFile{.bSizePrefix = true}.Bytes(), "0 ");
+        row("TIFF that is no fax", "a.tif", FaxFile{.lWidth = 800}.Bytes(), "2 ");
+        row("marked fax", "*a.tif", FaxFile{.lWidth = 800}.Bytes(), "0 ");
+        row("marked, but no fax", "*a.tif", "%PDF-1.4", "It is no fax file.");
+        row("marked fax, damaged", "*a.tif", FaxFile().Bytes().left(100), "The fax file is damaged.");
+        row("program", "a.exe", QByteArray("MZ\0\1\2\3", 6), "Files of this kind cannot be faxed.");
+        row("rubbish as Word", "a.docx", QByteArray("\0\1\2\3", 4),
+            "The file is damaged, or not what its name says.");
+        row("empty", "a.docx", "", "The file is empty.");
+    }
+
+    void filesAreKnownByTheirContents()
+    {
+        QFETCH(QString, name);
+        QFETCH(QByteArray, contents);
+        const QString path = Write(QString(name).remove('*'), contents);
+        QString told;
+        try {
+            const FileType type = DetectFileType(path, name.startsWith('*'));
+            told = QStringLiteral("%1 %2").arg(type.kind).arg(type.strEnding);
+        } catch (const ConversionError &error) {
+            told = error.Text();
+        }
+        QTEST(told, "told");
+    }
+
+    void whatIsNoFileIsRefused()
+    {
+        const Outcome outcome = Prepare({folder.path(), folder.filePath("none.pdf"), "/dev/zero", ""});
+        QStringList reasons;
+        for (const FailedDocument &failed : outcome.aFailed)
+            reasons.append(failed.strReason);
+        QCOMPARE(reasons, QStringList({"It is a folder, not a file.", "The file does not exist.",
+                                       "It is no ordinary file.", "The file does not exist."}));
+        QVERIFY(std::all_of(outcome.aDocuments.begin(), outcome.aDocuments.end(),
+                            [](const Document &document) { return document.strReadable.isEmpty(); }));
+    }
+
+    void passwordsAreRecognised()
+    {
+        const QByteArray begin = QByteArray("\x09\x08\x04\0\0\6\5\0", 8);
+        const std::pair<QByteArray, bool> rows[] = {
+            {OpenDocument("text", "\x17\x94\x3c"), true},
+            {OpenDocument("text", "<a/>"), false},
+            {OleOf("EncryptedPackage"), true},
+            {OleOf("EncryptedSummary"), true},
+            {OleOf("WordDocument", QByteArray(11, '\0') + '\1'), true},
+            {OleOf("WordDocument", QByteArray(11, '\xff')), false},
+            {OleOf("Workbook", begin + QByteArray("\x2f\0\2\0", 4)), true},
+            {OleOf("Workbook", begin + QByteArray("\x86\0\0\0\x2f\0", 6)), true}, // behind another
+            {OleOf("Workbook", begin + QByteArray("\xe1\0\2\0", 4)), false}};
+        for (const auto &[contents, asks] : rows)
+            QVERIFY2(OfficeContents::AsksForPassword(Write("protected", contents)) == asks,
+                     contents.right(4096).toHex(' ').left(60).constData());
+    }
+
+    void documentsOfOneRequestAreConverted()
+    {
+        const std::pair<QString, QByteArray> files[] = {
+            {"same.rtf", "{\\rtf1 Rich letters}"},
+            {"other/same.rtf", "{\\rtf1 Other letters}"},
+            {"a, b|c\n\"'*;$(id) --help.txt", "Gr\xfc\xdf"
+                                              "e in ANSI"},
+            {"-o", "\xef\xbb\xbf"
+                   "\xd0\x9f\xd1\x80\xd0\xb8\xd0\xb2\xd0\xb5\xd1\x82"},
+            {QString::fromUtf8("\xe4\xbd\xa0\xe5\xa5\xbd.html"),
+             "<meta charset=windows-1251><h1>Head</h1>\xcf\xf0\xe8"},
+            {"damaged.rtf", "{\\rtf1 No end"},
+            {"secret.odt", OpenDocument("text", "\x17\x94\x3c")},
+            {"sheets.fods",
+             FlatDocument("spreadsheet", "<office:spreadsheet>" + Table("One", "first") +
+                                             Table("Two", "second") + "</office:spreadsheet>")},
+            {"text.odt", FlatDocument("text", "<office:text><text:p>Flat</text:p></office:text>")},
+        };
+        QStringList paths;
+        for (const auto &[name, contents] : files)
+            paths.append(Write(name, contents));
+        const Outcome outcome = Prepare(paths);
+
+        QStringList texts;
+        for (const Document &document : outcome.aDocuments)
+            texts.append(document.strReadable.isEmpty() ? "-" : TextOf(document.strReadable));
+        const QStringList expected{"Rich letters",
+                                   "Other letters",
+                                   QString::fromUtf8("Gr\xc3\xbc\xc3\x9f"
+                                                     "e in ANSI"),
+                                   QString::fromUtf8("\xd0\x9f\xd1\x80\xd0\xb8\xd0\xb2\xd0\xb5\xd1\x82"),
+                                   QString::fromUtf8("Head \xd0\x9f\xd1\x80\xd0\xb8"),
+                                   "-",
+                                   "-",
+                                   "One first Page 1 Two second Page 2",
+                                   "Flat"};
+        QCOMPARE(texts, expected);
+        QCOMPARE(outcome.aFailed.size(), 2);
+        QCOMPARE(outcome.aFailed[0].strName, QStringLiteral("damaged.rtf"));
+        QCOMPARE(outcome.aFailed[1].strName, QStringLiteral("secret.odt"));
+        QCOMPARE(outcome.aFailed[1].strReason, QStringLiteral("The document is protected by a password."));
+        QCOMPARE(outcome.aTold.value(0), QStringLiteral("Reading same.rtf"));
+        for (const Document &document : outcome.aDocuments)
+            QVERIFY(document.strReadable.isEmpty() || document.strReadable.startsWith(work.Path() + '/'));
+        QCOMPARE(::OpenDocument(outcome.aDocuments[7])->Count(), 2);
+    }
+
+    /// 17 cm hold 80 letters; longer lines are broken, a tab reaches to the ninth column.
+    void textKeepsItsLinesAndPages()
+    {
+        const QByteArray text = "   in\tdented\r\n\tnext\n" + QByteArray("word ").repeated(100) +
+                                "\x1b[1mbold\x1b[0m" + "\a<&>\fsecond page\f";
+        const Outcome outcome = Prepare({Write("lines.txt", text)});
+        QCOMPARE(outcome.aDocuments.size(), 1);
+        const std::unique_ptr<poppler::document> document(
+            poppler::document::load_from_file(outcome.aDocuments[0].strReadable.toStdString()));
+        QVERIFY(document);
+        QCOMPARE(document->pages(), 2);
+        const std::unique_ptr<poppler::page> page(document->create_page(0));
+        QMap<QString, poppler::rectf> boxes;
+        double right = 0;
+        for (const poppler::text_box &box : page->text_list()) {
+            const poppler::byte_array bytes = box.text().to_utf8();
+            boxes.insert(QString::fromUtf8(bytes.data(), qsizetype(bytes.size())), box.bbox());
+            right = std::max(right, box.bbox().right());
+        }
+        QCOMPARE(boxes.keys(), QStringList({"bold<&>", "dented", "in", "next", "word"}));
+        QVERIFY(qAbs(boxes["dented"].left() - boxes["next"].left()) < 0.5);
+        QVERIFY(boxes["in"].left() < boxes["next"].left());
+        QVERIFY(boxes["word"].top() > boxes["next"].top() + 20 && right < page->page_rect().width() - 40);
+        QVERIFY(TextOf(outcome.aDocuments[0].strReadable).endsWith("second page"));
+    }
+
+    void nothingBesideTheDocumentIsRead()
+    {
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        QImage black(100, 100, QImage::Format_RGB32);
+        black.fill(Qt::black);
+        const QByteArray local = QUrl::fromLocalFile(Write("black.png", {})).toEncoded();
+        QVERIFY(black.save(folder.filePath("black.png")));
+        const QByteArray remote =
+            "http://127.0.0.1:" + QByteArray::number(server.serverPort()) + "/black.png";
+        QByteArray html =
+            "<meta http-equiv=refresh content='0;" + remote + "'><link rel=stylesheet href='" + remote + "'>";
+        QByteArray frames;
+        for (const QByteArray &url : {remote, local, QByteArray("black.png")}) {
+            html += "<img width=100 height=100 src='" + url + "'><iframe src='" + url + "'></iframe>";
+            frames +=
+                "<draw:frame text:anchor-type=\"as-char\" svg:width=\"5cm\" svg:height=\"5cm\"><draw:image "
+                "xlink:href=\"" +
+                url + "\" xlink:type=\"simple\"/></draw:frame>";
+        }
+        const Outcome outcome =
+            Prepare({Write("links.html", html),
+                     Write("links.fodt", FlatDocument("text", "<office:text><text:p>" + frames +
+                                                                  "</text:p></office:text>"))});
+        QCOMPARE(outcome.aFailed.size(), 0);
+        QVERIFY(!server.waitForNewConnection(0));
+        for (const Document &document : outcome.aDocuments) {
+            const QImage page = ::OpenDocument(document)->Render(0, {212, 297}, 0);
+            const QByteArray dots(reinterpret_cast<const char *>(page.constBits()), page.sizeInBytes());
+            const auto ink =
+                std::count_if(dots.begin(), dots.end(), [](char gray) { return uchar(gray) < 64; });
+            // Frames, but no picture of 500 dots at the least.
+            QVERIFY2(ink < 400, qPrintable(QString::number(ink)));
+        }
+    }
+
+    void oneThatKillsTheProgramSpoilsNoOther()
+    {
+        QList<OfficeJob> jobs = JobsOf({"one", "damaged", crash, "two", "crash too", "three"});
+        Convert(jobs, MakeFake());
+        for (const OfficeJob &job : jobs) {
+            const bool bad = job.strName.contains(crash) || job.strName == "damaged";
+            QCOMPARE(job.strPdf.isEmpty(), bad);
+            QCOMPARE(job.strReason.isEmpty(), !bad);
+            QVERIFY(bad || ReadTestFile(job.strPdf).contains(job.strName.toUtf8()));
+        }
+    }
+
+    void oneThatHangsIsGivenUp()
+    {
+        OfficeProgram program = MakeFake();
+        program.limit = std::chrono::milliseconds(1000);
+        QList<OfficeJob> jobs = JobsOf({"four", hang, "five"});
+        Convert(jobs, program);
+        QVERIFY(!jobs[0].strPdf.isEmpty() && !jobs[2].strPdf.isEmpty());
+        QCOMPARE(jobs[1].strReason, QStringLiteral("The document takes too long to be read."));
+        QVERIFY(PidIn("child") > 0 && !IsAlive(PidIn("child")));
+    }
+
+    void stopEndsAllProcesses()
+    {
+        QFile::remove(work.Path() + "/tmp/child");
+        QList<OfficeJob> jobs = JobsOf({hang});
+        std::stop_source stopper;
+        std::jthread thread([&] {
+            OfficeConverter(MakeFake(), work.Path(), stopper.get_token(), [](const QString &) {
+            }).Convert(jobs);
+        });
+        const bool started = QTest::qWaitFor([this] { return PidIn("child") > 0; }, 10'000);
+        stopper.request_stop();
+        thread.join();
+        QVERIFY(started && jobs[0].IsOpen());
+        QTRY_VERIFY(!IsAlive(PidIn("office")) && !IsAlive(PidIn("child")));
+    }
+
+    void programIsWalledIn()
+    {
+        if (syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) < 1)
+            QSKIP("This system cannot keep a program from files.");
+        const QString secret = QCoreApplication::applicationFilePath();
+        const QByteArray script = "#!/bin/sh\n"
+                                  "head -c 4 '%1' > \"$TMPDIR/seen\"\n"
+                                  "echo x > '%1.stray'\n"
+                                  "head -c 3 /etc/passwd > \"$TMPDIR/allowed\"\n";
+        QList<OfficeJob> jobs = JobsOf({"six"});
+        Convert(jobs, MakeFake(QByteArray(script).replace("%1", QFile::encodeName(secret))));
+        QCOMPARE(QFileInfo(work.Path() + "/tmp/allowed").size(), 3);
+        QVERIFY(QFile::exists(work.Path() + "/tmp/seen"));
+        QCOMPARE(QFileInfo(work.Path() + "/tmp/seen").size(), 0);
+        QVERIFY(!QFile::remove(secret + ".stray"));
+    }
 
 private:
     struct Outcome
@@ -175,9 +413,8 @@ private:
     QString Write(const QString &name, const QByteArray &bytes)
     {
         const QString path = folder.filePath(name);
-        QFile file(path);
         QDir().mkpath(QFileInfo(path).path());
-        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? path : QString();
+        return WriteTestFile(path, bytes) ? path : QString();
     }
     Outcome Prepare(const QStringList &paths)
     {
@@ -196,9 +433,8 @@ private:
     {
         OfficeProgram program;
         program.strPath = work.Path() + "/fake";
-        QFile file(program.strPath);
-        if (!file.open(QIODevice::WriteOnly) || file.write(script) != script.size() ||
-            !file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner))
+        if (!WriteTestFile(program.strPath, script) ||
+            !QFile::setPermissions(program.strPath, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner))
             program.strPath.clear();
         return program;
     }
@@ -209,313 +445,18 @@ private:
             jobs.append({Write(content + ".rtf", content), "rtf", content, {}, {}, {}});
         return jobs;
     }
+    void Convert(QList<OfficeJob> &jobs, const OfficeProgram &program) const
+    {
+        OfficeConverter(program, work.Path(), {}, [](const QString &) {}).Convert(jobs);
+    }
     int PidIn(const QString &name) const
     {
-        QFile file(work.Path() + "/tmp/" + name);
-        return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed().toInt() : 0;
+        return ReadTestFile(work.Path() + "/tmp/" + name).trimmed().toInt();
     }
 
     QTemporaryDir folder;
     WorkFolder work;
 };
-
-void tst_PrintToolDocuments::filesAreKnownByTheirContents_data()
-{
-    const TestTable<QString, QByteArray, QString> row{"name", "contents", "told"};
-    row("text", "a.txt", "Hello", "3 txt");
-    row("text of unknown ending", "a.log", "Hello", "3 txt");
-    row("text without ending", "read, me", "Gr\xfc\xdf", "3 txt");
-    row("text in UTF-16", "a.txt", "\xff\xfe" + Utf16("Hello"), "3 txt");
-    row("text like a picture", "a.txt", "BMW, an offer", "3 txt");
-    row("HTML", "a.HTM", "<p>Hello", "3 html");
-    row("HTML by another name", "a.doc", "\n<!DOCTYPE html><p>Hello", "3 html");
-    row("HTML as text", "a.txt", "<html>", "3 txt");
-    row("RTF by another name", "a.doc", "{\\rtf1 Hello}", "3 rtf");
-    row("Word", "a.bin", OleOf("WordDocument"), "3 doc");
-    row("Excel", "a.xls", OleOf("Workbook"), "3 xls");
-    row("PowerPoint as Word", "a.doc", OleOf("PowerPoint Document"), "3 ppt");
-    row("other OLE", "a.doc", OleOf("Contents"), "Files of this kind cannot be faxed.");
-    row("Word, cut off", "a.doc", OleOf("WordDocument").left(3000), "The document is damaged.");
-    row("docx", "a.zip", ZipOf({{"[Content_Types].xml", ""}, {"word/document.xml", ""}}), "3 docx");
-    row("xlsx with a docx inside", "a.docx", ZipOf({{"xl/embeddings/word/x", ""}}), "3 xlsx");
-    row("pptx", "a.pptx", ZipOf({{"ppt/presentation.xml", ""}}), "3 pptx");
-    row("odt as docx", "a.docx", OpenDocument("text", "<a/>"), "3 odt");
-    row("ods", "a.ods", OpenDocument("spreadsheet-template", "<a/>"), "3 ods");
-    row("odp", "a.odp", OpenDocument("presentation", "<a/>"), "3 odp");
-    row("other ZIP", "a.zip", ZipOf({{"letter.txt", "Hello"}}), "Files of this kind cannot be faxed.");
-    row("docx, cut off", "a.docx", ZipOf({{"word/document.xml", "Hello"}}).left(60),
-        "The document is damaged.");
-    row("flat", "a.xml", FlatDocument("text", {}), "3 fodt");
-    row("flat, cut off", "a.fodt", FlatDocument("text", {}).chopped(30), "The document is damaged.");
-    row("PDF by another name", "a.txt", "%PDF-1.4\n", "1 ");
-    row("PDF behind rubbish", "a.pdf", QByteArray("\1\2\n%PDF-1.4"), "1 ");
-    row("text as PDF", "a.pdf", "404 Not found", "The file is damaged, or not what its name says.");
-    row("PNG by another name", "a.jpg", "\x89PNG\r\n\x1a\n", "2 ");
-    row("PSD", "a", "8BPS\0\1", "2 ");
-    row("fax by another name", "a.3g", FaxFile{.bGroup3 = true}.Bytes(), "0 ");
-    row("fax with its size in front", "a.tif", FaxFile{.bSizePrefix = true}.Bytes(), "0 ");
-    row("TIFF that is no fax", "a.tif", FaxFile{.lWidth = 800}.Bytes(), "2 ");
-    row("marked fax", "*a.tif", FaxFile{.lWidth = 800}.Bytes(), "0 ");
-    row("marked, but no fax", "*a.tif", "%PDF-1.4", "It is no fax file.");
-    row("marked fax, damaged", "*a.tif", FaxFile().Bytes().left(100), "The fax file is damaged.");
-    row("program", "a.exe", QByteArray("MZ\0\1\2\3", 6), "Files of this kind cannot be faxed.");
-    row("rubbish as Word", "a.docx", QByteArray("\0\1\2\3", 4),
-        "The file is damaged, or not what its name says.");
-    row("empty", "a.docx", "", "The file is empty.");
-}
-
-void tst_PrintToolDocuments::filesAreKnownByTheirContents()
-{
-    QFETCH(QString, name);
-    QFETCH(QByteArray, contents);
-    const QString path = Write(QString(name).remove('*'), contents);
-    QString told;
-    try {
-        const FileType type = DetectFileType(path, name.startsWith('*'));
-        told = QStringLiteral("%1 %2").arg(type.kind).arg(type.strEnding);
-    } catch (const ConversionError &error) {
-        told = error.Text();
-    }
-    QTEST(told, "told");
-}
-
-void tst_PrintToolDocuments::whatIsNoFileIsRefused()
-{
-    const Outcome outcome = Prepare({folder.path(), folder.filePath("none.pdf"), "/dev/zero", ""});
-    QStringList reasons;
-    for (const FailedDocument &failed : outcome.aFailed)
-        reasons.append(failed.strReason);
-    QCOMPARE(reasons, QStringList({"It is a folder, not a file.", "The file does not exist.",
-                                   "It is no ordinary file.", "The file does not exist."}));
-    QVERIFY(std::all_of(outcome.aDocuments.begin(), outcome.aDocuments.end(),
-                        [](const Document &document) { return document.strReadable.isEmpty(); }));
-}
-
-void tst_PrintToolDocuments::passwordsAreRecognised_data()
-{
-    const TestTable<QByteArray, bool> row{"contents", "asks"};
-    const QByteArray begin = QByteArray("\x09\x08\x04\0\0\6\5\0", 8);
-    row("odt", OpenDocument("text", "\x17\x94\x3c"), true);
-    row("odt in the clear", OpenDocument("text", "<a/>"), false);
-    row("docx", OleOf("EncryptedPackage"), true);
-    row("doc", OleOf("WordDocument", QByteArray(11, '\0') + '\1'), true);
-    row("doc in the clear", OleOf("WordDocument", QByteArray(11, '\xff')), false);
-    row("xls", OleOf("Workbook", begin + QByteArray("\x2f\0\2\0", 4)), true);
-    row("xls, protected as well", OleOf("Workbook", begin + QByteArray("\x86\0\0\0\x2f\0", 6)), true);
-    row("xls in the clear", OleOf("Workbook", begin + QByteArray("\xe1\0\2\0", 4)), false);
-    row("ppt", OleOf("EncryptedSummary"), true);
-}
-
-void tst_PrintToolDocuments::passwordsAreRecognised()
-{
-    QFETCH(QByteArray, contents);
-    QTEST(OfficeContents::AsksForPassword(Write("protected", contents)), "asks");
-}
-
-void tst_PrintToolDocuments::documentsOfOneRequestAreConverted()
-{
-    const std::pair<QString, QByteArray> files[] = {
-        {"same.rtf", "{\\rtf1 Rich letters}"},
-        {"other/same.rtf", "{\\rtf1 Other letters}"},
-        {"a, b|c\n\"'*;$(id) --help.txt", "Gr\xfc\xdf"
-                                          "e in ANSI"},
-        {"-o", "\xef\xbb\xbf"
-               "\xd0\x9f\xd1\x80\xd0\xb8\xd0\xb2\xd0\xb5\xd1\x82"},
-        {QString::fromUtf8("\xe4\xbd\xa0\xe5\xa5\xbd.html"),
-         "<meta charset=windows-1251><h1>Head</h1>\xcf\xf0\xe8"},
-        {"damaged.rtf", "{\\rtf1 No end"},
-        {"secret.odt", OpenDocument("text", "\x17\x94\x3c")},
-        {"sheets.fods", FlatDocument("spreadsheet", "<office:spreadsheet>" + Table("One", "first") +
-                                                        Table("Two", "second") + "</office:spreadsheet>")},
-        {"text.odt", FlatDocument("text", "<office:text><text:p>Flat</text:p></office:text>")},
-    };
-    QStringList paths;
-    for (const auto &[name, contents] : files)
-        paths.append(Write(name, contents));
-    const Outcome outcome = Prepare(paths);
-
-    QStringList texts;
-    for (const Document &document : outcome.aDocuments)
-        texts.append(document.strReadable.isEmpty() ? "-" : TextOf(document.strReadable));
-    const QStringList expected{"Rich letters",
-                               "Other letters",
-                               QString::fromUtf8("Gr\xc3\xbc\xc3\x9f"
-                                                 "e in ANSI"),
-                               QString::fromUtf8("\xd0\x9f\xd1\x80\xd0\xb8\xd0\xb2\xd0\xb5\xd1\x82"),
-                               QString::fromUtf8("Head \xd0\x9f\xd1\x80\xd0\xb8"),
-                               "-",
-                               "-",
-                               "One first Page 1 Two second Page 2",
-                               "Flat"};
-    QCOMPARE(texts, expected);
-    QCOMPARE(outcome.aFailed.size(), 2);
-    QCOMPARE(outcome.aFailed[0].strName, QStringLiteral("damaged.rtf"));
-    QCOMPARE(outcome.aFailed[1].strName, QStringLiteral("secret.odt"));
-    QCOMPARE(outcome.aFailed[1].strReason, QStringLiteral("The document is protected by a password."));
-    QCOMPARE(outcome.aTold.value(0), QStringLiteral("Reading same.rtf"));
-    for (const Document &document : outcome.aDocuments)
-        QVERIFY(document.strReadable.isEmpty() || document.strReadable.startsWith(work.Path() + '/'));
-    QCOMPARE(::OpenDocument(outcome.aDocuments[7])->Count(), 2);
-}
-
-/// 17 cm hold 80 letters; longer lines are broken, a tab reaches to the ninth column.
-void tst_PrintToolDocuments::textKeepsItsLinesAndPages()
-{
-    const QByteArray text = "   in\tdented\r\n\tnext\n" + QByteArray("word ").repeated(100) +
-                            "\x1b[1mbold\x1b[0m" + "\a<&>\fsecond page\f";
-    const Outcome outcome = Prepare({Write("lines.txt", text)});
-    QCOMPARE(outcome.aDocuments.size(), 1);
-    const std::unique_ptr<poppler::document> document(
-        poppler::document::load_from_file(outcome.aDocuments[0].strReadable.toStdString()));
-    QVERIFY(document);
-    QCOMPARE(document->pages(), 2);
-    const std::unique_ptr<poppler::page> page(document->create_page(0));
-    QMap<QString, poppler::rectf> boxes;
-    double right = 0;
-    for (const poppler::text_box &box : page->text_list()) {
-        const poppler::byte_array bytes = box.text().to_utf8();
-        boxes.insert(QString::fromUtf8(bytes.data(), qsizetype(bytes.size())), box.bbox());
-        right = std::max(right, box.bbox().right());
-    }
-    QCOMPARE(boxes.keys(), QStringList({"bold<&>", "dented", "in", "next", "word"}));
-    QVERIFY(qAbs(boxes["dented"].left() - boxes["next"].left()) < 0.5);
-    QVERIFY(boxes["in"].left() < boxes["next"].left());
-    QVERIFY(boxes["word"].top() > boxes["next"].top() + 20 && right < page->page_rect().width() - 40);
-    QVERIFY(TextOf(outcome.aDocuments[0].strReadable).endsWith("second page"));
-}
-
-void tst_PrintToolDocuments::nothingBesideTheDocumentIsRead()
-{
-    QTcpServer server;
-    QVERIFY(server.listen(QHostAddress::LocalHost));
-    QImage black(100, 100, QImage::Format_RGB32);
-    black.fill(Qt::black);
-    const QByteArray local = QUrl::fromLocalFile(Write("black.png", {})).toEncoded();
-    QVERIFY(black.save(folder.filePath("black.png")));
-    const QByteArray remote = "http://127.0.0.1:" + QByteArray::number(server.serverPort()) + "/black.png";
-    QByteArray html =
-        "<meta http-equiv=refresh content='0;" + remote + "'><link rel=stylesheet href='" + remote + "'>";
-    QByteArray frames;
-    for (const QByteArray &url : {remote, local, QByteArray("black.png")}) {
-        html += "<img width=100 height=100 src='" + url + "'><iframe src='" + url + "'></iframe>";
-        frames += "<draw:frame text:anchor-type=\"as-char\" svg:width=\"5cm\" svg:height=\"5cm\"><draw:image "
-                  "xlink:href=\"" +
-                  url + "\" xlink:type=\"simple\"/></draw:frame>";
-    }
-    const Outcome outcome =
-        Prepare({Write("links.html", html),
-                 Write("links.fodt",
-                       FlatDocument("text", "<office:text><text:p>" + frames + "</text:p></office:text>"))});
-    QCOMPARE(outcome.aFailed.size(), 0);
-    QVERIFY(!server.waitForNewConnection(0));
-    for (const Document &document : outcome.aDocuments) {
-        const QImage page = ::OpenDocument(document)->Render(0, {210, 297}, 0);
-        int ink = 0;
-        for (int y = 0; y < page.height(); ++y)
-            ink += int(std::count_if(page.constScanLine(y), page.constScanLine(y) + page.width(),
-                                     [](uchar gray) { return gray < 64; }));
-        QVERIFY2(ink < 400,
-                 qPrintable(QString::number(ink))); // frames, but no picture of 500 dots at the least
-    }
-}
-
-void tst_PrintToolDocuments::oneThatKillsTheProgramSpoilsNoOther()
-{
-    QList<OfficeJob> jobs = JobsOf({"one", "damaged", crash, "two", "crash too", "three"});
-    OfficeConverter(MakeFake(), work.Path(), {}, [](const QString &) {}).Convert(jobs);
-    for (const OfficeJob &job : jobs) {
-        const bool bad = job.strName.contains(crash) || job.strName == "damaged";
-        QCOMPARE(job.strPdf.isEmpty(), bad);
-        QCOMPARE(job.strReason.isEmpty(), !bad);
-        QFile pdf(job.strPdf);
-        QVERIFY(bad || (pdf.open(QIODevice::ReadOnly) && pdf.readAll().contains(job.strName.toUtf8())));
-    }
-}
-
-void tst_PrintToolDocuments::oneThatHangsIsGivenUp()
-{
-    OfficeProgram program = MakeFake();
-    program.limit = std::chrono::milliseconds(1000);
-    QList<OfficeJob> jobs = JobsOf({"four", hang, "five"});
-    OfficeConverter(program, work.Path(), {}, [](const QString &) {}).Convert(jobs);
-    QVERIFY(!jobs[0].strPdf.isEmpty() && !jobs[2].strPdf.isEmpty());
-    QCOMPARE(jobs[1].strReason, QStringLiteral("The document takes too long to be read."));
-    QVERIFY(PidIn("child") > 0 && !IsAlive(PidIn("child")));
-}
-
-void tst_PrintToolDocuments::stopEndsAllProcesses()
-{
-    QFile::remove(work.Path() + "/tmp/child");
-    QList<OfficeJob> jobs = JobsOf({hang});
-    std::stop_source stopper;
-    std::thread thread([&] {
-        OfficeConverter(MakeFake(), work.Path(), stopper.get_token(), [](const QString &) {}).Convert(jobs);
-    });
-    const bool started = QTest::qWaitFor([this] { return PidIn("child") > 0; }, 10'000);
-    stopper.request_stop();
-    thread.join();
-    QVERIFY(started);
-    QVERIFY(jobs[0].IsOpen());
-    QTRY_VERIFY(!IsAlive(PidIn("office")) && !IsAlive(PidIn("child")));
-}
-
-void tst_PrintToolDocuments::programIsWalledIn()
-{
-    if (syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) < 1)
-        QSKIP("This system cannot keep a program from files.");
-    const QString secret = QCoreApplication::applicationFilePath();
-    const QByteArray script = "#!/bin/sh\n"
-                              "head -c 4 '" +
-                              QFile::encodeName(secret) +
-                              "' > \"$TMPDIR/seen\"\n"
-                              "echo x > '" +
-                              QFile::encodeName(secret + ".stray") +
-                              "'\n"
-                              "head -c 3 /etc/passwd > \"$TMPDIR/allowed\"\n"
-                              "ls /tmp > \"$TMPDIR/listed\"\n";
-    QList<OfficeJob> jobs = JobsOf({"six"});
-    OfficeConverter(MakeFake(script), work.Path(), {}, [](const QString &) {}).Convert(jobs);
-    QCOMPARE(QFileInfo(work.Path() + "/tmp/allowed").size(), 3);
-    QVERIFY(QFile::exists(work.Path() + "/tmp/seen"));
-    QCOMPARE(QFileInfo(work.Path() + "/tmp/seen").size(), 0);
-    QVERIFY(!QFile::remove(secret + ".stray"));
-}
-
-/// As a process, from the shell; what the killed one has left is swept by the next one.
-void tst_PrintToolDocuments::killedToolLeavesNothing()
-{
-    QTemporaryDir place(QCoreApplication::applicationDirPath() + "/XXXXXX");
-    const QString temporary = place.filePath("tmp"), fake = place.filePath("office");
-    QVERIFY(QDir().mkpath(temporary));
-    QVERIFY(QFile::copy(MakeFake().strPath, fake));
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("TMPDIR", temporary);
-    environment.insert("VELMAR_OFFICE", fake);
-    QProcess tool;
-    tool.setProcessEnvironment(environment);
-    const auto start = [&](const QString &document) {
-        tool.start(qEnvironmentVariable("VELMAR_BIN_DIR") + "/ZemPrint.exe",
-                   {"--out", place.filePath("fax.tif"), document});
-    };
-    start(Write("hang.rtf", "{\\rtf1 hang}"));
-    const QDir left(temporary);
-    int office = 0;
-    QTRY_VERIFY_WITH_TIMEOUT(!left.entryList({"velmar-print-*"}).isEmpty(), 10'000);
-    const QString pidFile = left.filePath(left.entryList({"velmar-print-*"}).first() + "/tmp/office");
-    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(pidFile).size() > 1, 10'000);
-    QFile file(pidFile);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    office = file.readAll().trimmed().toInt();
-    QVERIFY(office > 0 && IsAlive(office));
-    tool.kill();
-    QVERIFY(tool.waitForFinished());
-    QTRY_VERIFY(!IsAlive(office));
-
-    start(Write("crash.rtf", "{\\rtf1 crash}"));
-    QVERIFY(tool.waitForFinished());
-    QCOMPARE(tool.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(left.entryList({"velmar-print-*"}), QStringList());
-}
 
 QTEST_GUILESS_MAIN(tst_PrintToolDocuments)
 #include "tst_PrintToolDocuments.moc"

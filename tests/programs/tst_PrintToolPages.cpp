@@ -1,6 +1,9 @@
 #include "controls/HeaderPainter.h"
 #include "core/FaxImage.h"
 #include "fixtures/FaxFile.h"
+#include "fixtures/Ink.h"
+#include "fixtures/Profile.h"
+#include "fixtures/SmallDisk.h"
 #include "fixtures/TestTable.h"
 #include "programs/printtool/ConversionError.h"
 #include "programs/printtool/FaxFileSource.h"
@@ -10,55 +13,7 @@
 #include "programs/printtool/PdfSource.h"
 #include "programs/printtool/SheetLayout.h"
 
-#include <QFile>
 #include <QTemporaryDir>
-
-#include <csignal>
-
-#include <sys/resource.h>
-#include <tiffio.h>
-
-Q_DECLARE_METATYPE(Fitting)
-
-/// From documents to the sheets of a fax, and to its file.
-class tst_PrintToolPages final : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void documentPagesAreLaidOnSheets_data();
-    void documentPagesAreLaidOnSheets();
-    void picturesAreFitted_data();
-    void picturesAreFitted();
-    void pdfPageStandsWhereItShould_data();
-    void pdfPageStandsWhereItShould();
-    void pdfOfStrangePagesIsShown_data();
-    void pdfOfStrangePagesIsShown();
-    void unreadablePdfIsToldWhy_data();
-    void unreadablePdfIsToldWhy();
-    void hairlinesStayVisible();
-    void readyPagesKeepTheirPixels_data();
-    void readyPagesKeepTheirPixels();
-    void otherPagesOfAReadyFileAreLaidOnASheet();
-    void damagedFaxFileIsRefused();
-    void headerLeavesWhatItDoesNotReach();
-    void pageMakesRoomForItsHeader_data();
-    void pageMakesRoomForItsHeader();
-    void readyPageMakesRoomForItsHeader();
-    void headerIsPaintedOnPagesOfTheOtherResolution();
-    void writtenFileIsAFax();
-    void unwritableFileIsNoticed();
-
-private:
-    QString Write(const QString &name, const QByteArray &bytes) const
-    {
-        QFile file(folder.filePath(name));
-        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? file.fileName()
-                                                                                    : QString();
-    }
-
-    const QTemporaryDir folder;
-};
 
 namespace {
 
@@ -77,19 +32,6 @@ QByteArray MakePdf(const QByteArray &page, const QByteArray &content, const QByt
 }
 
 const QByteArray a4Page = "/MediaBox[0 0 595 842]";
-
-/// The smallest rectangle that holds all ink.
-QRect InkOf(const QImage &sheet)
-{
-    QRect ink;
-    for (int y = 0; y < sheet.height(); ++y) {
-        for (int x = 0; x < sheet.width(); ++x) {
-            if (sheet.pixelIndex(x, y) == 1)
-                ink |= QRect(x, y, 1, 1);
-        }
-    }
-    return ink;
-}
 
 bool IsNear(const QRect &one, const QRect &other, int most = 2)
 {
@@ -151,360 +93,290 @@ QImage LoadSheet(const QString &path, int page)
 
 } // namespace
 
-void tst_PrintToolPages::documentPagesAreLaidOnSheets_data()
+/// From documents to the sheets of a fax, and to its file.
+class tst_PrintToolPages final : public QObject
 {
-    const TestTable<QSizeF, bool, int, int, QRect> row{"size", "isFine", "sheet", "rotation", "place"};
-    row("A4", {a4Width, a4Height}, true, 2292, 0, {20, 0, 1687, 2291});
-    row("A4 standard", {a4Width, a4Height}, false, 1146, 0, {20, 0, 1687, 1146});
-    row("A4 landscape", {a4Height, a4Width}, true, 2292, 270, {20, 0, 1687, 2291});
-    row("Letter, reduced a hair", {8.5, 11}, true, 2149, 0, {0, 0, 1728, 2149});
-    row("Legal", {8.4, 14}, true, 2744, 0, {7, 0, 1714, 2744});
-    row("A5 upright", {5.83, a4Width}, true, 2292, 0, {269, 0, 1189, 1621});
-    row("A5 landscape is not turned", {a4Width, 5.83}, true, 2292, 0, {20, 0, 1687, 1143});
-    row("slide is turned", {10, 7.5}, true, 2292, 270, {99, 0, 1530, 1960});
-    row("A3 is reduced to A4", {a4Height, 16.54}, true, 2292, 0, {21, 0, 1686, 2292});
-    row("roll of paper", {4, 28}, true, 2744, 0, {660, 0, 408, 2744});
-    row("strip", {30, 1}, false, 1372, 270, {816, 0, 95, 1372});
-    row("point", {0.001, 0.001}, true, 2292, 0, {863, 0, 1, 1});
-    row("without a size", {}, true, 2292, 0, {0, 0, 1728, 2292});
-}
+    Q_OBJECT
 
-void tst_PrintToolPages::documentPagesAreLaidOnSheets()
-{
-    QFETCH(QSizeF, size);
-    QFETCH(bool, isFine);
-    QFETCH(int, sheet);
-    QFETCH(int, rotation);
-    QFETCH(QRect, place);
-    const SheetLayout layout = LayDocumentPage(size, {isFine});
-    QCOMPARE(layout.place, place);
-    QCOMPARE(layout.lSheetHeight, sheet);
-    QCOMPARE(layout.lRotation, rotation);
-}
-
-void tst_PrintToolPages::picturesAreFitted_data()
-{
-    const TestTable<Fitting, QSizeF, int, int, QRect> row{"fitting", "size", "sheet", "rotation", "place"};
-    const QSizeF tall(2, 4), wide(4, 2), large(20, 30);
-    row("match", Fitting::Match, tall, 2292, 0, {268, 0, 1193, 2292});
-    row("match turns", Fitting::Match, wide, 2292, 270, {268, 0, 1193, 2292});
-    row("match reduces", Fitting::Match, large, 2292, 0, {69, 0, 1590, 2292});
-    row("stretch", Fitting::Stretch, wide, 2292, 0, {0, 0, 1728, 2292});
-    row("width", Fitting::Width, wide, 2292, 0, {0, 0, 1728, 830});
-    row("width makes the sheet longer", Fitting::Width, large, 2490, 0, {0, 0, 1728, 2490});
-    row("width up to Legal", Fitting::Width, tall, 2744, 0, {150, 0, 1428, 2744});
-    row("height", Fitting::Height, tall, 2292, 0, {268, 0, 1193, 2292});
-    row("height within the width", Fitting::Height, wide, 2292, 0, {0, 0, 1728, 830});
-    row("original", Fitting::Original, wide, 2292, 0, {456, 0, 816, 392});
-    row("original reduces", Fitting::Original, large, 2292, 0, {69, 0, 1590, 2292});
-}
-
-void tst_PrintToolPages::picturesAreFitted()
-{
-    QFETCH(Fitting, fitting);
-    QFETCH(QSizeF, size);
-    QFETCH(int, sheet);
-    QFETCH(int, rotation);
-    QFETCH(QRect, place);
-    const SheetLayout layout = LayPicture(size, fitting, fine);
-    QVERIFY(IsNear(layout.place, place, 1));
-    QCOMPARE(layout.lSheetHeight, sheet);
-    QCOMPARE(layout.lRotation, rotation);
-}
-
-void tst_PrintToolPages::pdfPageStandsWhereItShould_data()
-{
-    // A box of 100 x 50 points, 100 from the left and 92 from the upper edge of an upright A4 page.
-    const TestTable<QByteArray, QByteArray, bool, QRect> row{"page", "content", "isFine", "ink"};
-    const QByteArray box = "100 700 100 50 re f", landscape = "/MediaBox[0 0 842 595]";
-    row("fine", a4Page, box, true, {304, 250, 283, 136});
-    row("standard", a4Page, box, false, {304, 125, 283, 68});
-    row("landscape, its top to the left", landscape, "100 453 100 50 re f", true, {282, 1748, 142, 272});
-    row("turned by its entry", landscape + "/Rotate 90", "92 100 50 100 re f", true, {304, 250, 283, 136});
-    row("upside down", a4Page + "/Rotate 180", "395 92 100 50 re f", true, {304, 250, 283, 136});
-    row("cropped", "/MediaBox[0 0 800 1000]/CropBox[10 20 605 862]", "0 0 800 1000 re 110 720 100 50 re f*",
-        true, {20, 0, 1687, 2292});
-    row("box from below zero", "/MediaBox[-100 -100 495 742]", "0 600 100 50 re f", true,
-        {304, 250, 283, 136});
-}
-
-void tst_PrintToolPages::pdfPageStandsWhereItShould()
-{
-    QFETCH(QByteArray, page);
-    QFETCH(QByteArray, content);
-    QFETCH(bool, isFine);
-    QFETCH(QRect, ink);
-    const SheetFormat format{isFine};
-    const QImage sheet = MakePdfSheet(Write("page.pdf", MakePdf(page, content)), format);
-    QCOMPARE(sheet.size(), QSize(1728, format.A4Height()));
-    QCOMPARE(Monochrome::DotsPerInchY(sheet), format.DotsPerInchY());
-    QVERIFY2(IsNear(InkOf(sheet), ink), qPrintable(QDebug::toString(InkOf(sheet))));
-}
-
-void tst_PrintToolPages::pdfOfStrangePagesIsShown_data()
-{
-    const TestTable<QByteArray, bool> row{"page", "isBlank"};
-    row("absurdly large", "/MediaBox[0 0 2000000 3000000]", false);
-    row("no height", "/MediaBox[0 0 100 0]", true);
-    row("no box", "", false);
-    row("not numbers", "/MediaBox[(a) /b null 0]", false);
-    row("odd rotation", a4Page + "/Rotate 45", false);
-    row("a hair", "/MediaBox[0 0 0.01 14400]", false);
-}
-
-void tst_PrintToolPages::pdfOfStrangePagesIsShown()
-{
-    QFETCH(QByteArray, page);
-    QFETCH(bool, isBlank);
-    const QImage sheet = MakePdfSheet(Write("strange.pdf", MakePdf(page, "0 0 3000000 3000000 re f")), fine);
-    QCOMPARE(sheet.width(), 1728);
-    QVERIFY(sheet.height() >= 2148 && sheet.height() <= 2744);
-    QCOMPARE(InkOf(sheet).isEmpty(), isBlank);
-}
-
-void tst_PrintToolPages::unreadablePdfIsToldWhy_data()
-{
-    const TestTable<QByteArray, QString> row{"bytes", "reason"};
-    const QString damaged = QStringLiteral("damaged");
-    const QByteArray password = "/Encrypt<</Filter/Standard/V 1/R 2/P -4/O(" + QByteArray(32, 'o') + ")/U(" +
-                                QByteArray(32, 'u') + ")>>/ID[(a)(a)]";
-    row("empty", "", damaged);
-    row("garbage", QByteArray(5000, '\x93'), damaged);
-    row("only a head", "%PDF-1.4\n%%EOF", damaged);
-    row("without pages",
-        "%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n2 0 obj<</Type/Pages/Count 0/Kids[]>>"
-        "endobj\ntrailer<</Root 1 0 R>>\n%%EOF\n",
-        QStringLiteral("no pages"));
-    row("protected", MakePdf(a4Page, "0 0 9 9 re f", password), QStringLiteral("password"));
-}
-
-void tst_PrintToolPages::unreadablePdfIsToldWhy()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(QString, reason);
-    const QString text = ReasonOf<PdfSource>(Write("unreadable.pdf", bytes));
-    QVERIFY2(text.contains(reason), qPrintable(text));
-    QVERIFY(ReasonOf<PdfSource>(folder.filePath("missing.pdf")).contains("opened"));
-}
-
-void tst_PrintToolPages::hairlinesStayVisible()
-{
-    QByteArray content;
-    for (int line = 0; line < 20; ++line)
-        content += QString("%1 w 100 %2 m 400 %2.37 l S %3 100 m %3 400 l S\n")
-                       .arg(QString::number(line * 0.05), QString::number(500 + line * 7),
-                            QString::number(100.13 + line * 11))
-                       .toLatin1();
-    const QString path = Write("lines.pdf", MakePdf(a4Page, content));
-    for (const SheetFormat &format : {fine, standard}) {
-        const QImage sheet = MakePdfSheet(path, format);
-        const QRect ink = InkOf(sheet);
-        const int across = ink.top() + ink.height() * 3 / 4, dotsInBox = ink.width();
-        int stems = 0;
-        for (int x = 1; x < sheet.width(); ++x)
-            stems += sheet.pixelIndex(x, across) == 1 && sheet.pixelIndex(x - 1, across) == 0;
-        QCOMPARE(stems, 20);
-        int rows = 0;
-        for (int y = 1; y < across; ++y)
-            rows += sheet.pixelIndex(ink.left() + dotsInBox / 2, y) == 1 &&
-                    sheet.pixelIndex(ink.left() + dotsInBox / 2, y - 1) == 0;
-        QCOMPARE(rows, 20);
-    }
-}
-
-void tst_PrintToolPages::readyPagesKeepTheirPixels_data()
-{
-    const TestTable<FaxFile> row{"fax"};
-    FaxFile fax;
-    row("standard", fax);
-    fax.lDotsPerInchY = 196;
-    fax.lHeight = 2292;
-    row("fine", fax);
-    fax.bMinIsBlack = fax.bSizePrefix = true;
-    row("black is 0, behind its size", fax);
-    fax.bNoise = true;
-    fax.lHeight = 77;
-    row("short, noise", fax);
-    fax.bGroup3 = true;
-    fax.bNoise = false;
-    row("Group 3", fax);
-}
-
-void tst_PrintToolPages::readyPagesKeepTheirPixels()
-{
-    QFETCH(FaxFile, fax);
-    fax.lPages = 2;
-    const QString path = folder.filePath("ready.tif");
-    QVERIFY(fax.Write(path));
-    for (const SheetFormat &format : {fine, standard}) {
-        const QImage sheet = MakeReadySheet(path, format, {}, 1);
-        QCOMPARE(sheet.convertToFormat(QImage::Format_RGB32),
-                 LoadSheet(path, 1).convertToFormat(QImage::Format_RGB32));
-        QCOMPARE(Monochrome::DotsPerInchY(sheet), fax.lDotsPerInchY);
-        QVERIFY(!InkOf(sheet).isEmpty());
-    }
-}
-
-void tst_PrintToolPages::otherPagesOfAReadyFileAreLaidOnASheet()
-{
-    FaxFile fax{.lWidth = 2592, .lHeight = 3508, .lDotsPerInchX = 300, .lDotsPerInchY = 300};
-    const QString path = folder.filePath("scan.tif");
-    QVERIFY(fax.Write(path));
-    const QImage sheet = MakeReadySheet(path, standard);
-    QCOMPARE(sheet.size(), QSize(1728, 1146));
-    QVERIFY(IsNear(InkOf(sheet), QRect(10, 5, 97, 6), 1));
-}
-
-void tst_PrintToolPages::damagedFaxFileIsRefused()
-{
-    QVERIFY(ReasonOf<FaxFileSource>(Write("bad.tif", "II*")).contains("damaged"));
-    const QString path = Write("short.tif", FaxFile{.lPages = 2, .bNoise = true}.Bytes());
-    FaxFileSource source(path);
-    QVERIFY(QFile::resize(path, 2000));
-    QVERIFY_THROWS_EXCEPTION(ConversionError, source.FaxPage(0));
-}
-
-void tst_PrintToolPages::headerLeavesWhatItDoesNotReach()
-{
-    const QString path = Write("letter.pdf", MakePdf(a4Page, "100 100 300 650 re f"));
-    const QImage bare = MakePdfSheet(path, fine);
-    const auto header = MakeHeader(fine);
-    const QImage sheet = MakePdfSheet(path, fine, header);
-    const int top = header->HeaderHeight(1), end = sheet.height() - header->FooterHeight(1);
-    QVERIFY(top > 100 && end < sheet.height() - 100);
-    QCOMPARE(sheet.copy(0, top, 1728, end - top), bare.copy(0, top, 1728, end - top));
-    QVERIFY(!InkOf(sheet.copy(0, 0, 1728, top)).isEmpty());
-    QVERIFY(!InkOf(sheet.copy(0, end, 1728, sheet.height() - end)).isEmpty());
-}
-
-void tst_PrintToolPages::pageMakesRoomForItsHeader_data()
-{
-    const TestTable<QByteArray, bool> row{"content", "isMoved"};
-    row("moved down", "100 400 300 440 re f", true);
-    row("moved up", "100 5 300 440 re f", true);
-    row("made smaller", "100 2 300 838 re f", false);
-}
-
-void tst_PrintToolPages::pageMakesRoomForItsHeader()
-{
-    QFETCH(QByteArray, content);
-    QFETCH(bool, isMoved);
-    const QString path = Write("full.pdf", MakePdf(a4Page, content));
-    for (const SheetFormat &format : {fine, standard}) {
-        const auto header = MakeHeader(format);
-        const QRect before = InkOf(MakePdfSheet(path, format));
-        QImage sheet = MakePdfSheet(path, format, header);
-        const int room = sheet.height() - header->HeaderHeight(1) - header->FooterHeight(1);
-        const QRect ink = InkOf(sheet.copy(0, header->HeaderHeight(1), 1728, room));
-        QImage blank = Monochrome::MakeBlank(sheet.height(), format.DotsPerInchY());
-        header->Paint(blank, {});
-        const int top = header->HeaderHeight(1);
-        QCOMPARE(sheet.copy(0, 0, 1728, top), blank.copy(0, 0, 1728, top));
-        QVERIFY(ink.top() <= 2 || ink.bottom() >= room - 3);
-        if (isMoved)
-            QCOMPARE(ink.size(), before.size());
-        else // and keeps its proportions
-            QVERIFY(std::abs(double(ink.width()) / ink.height() - double(before.width()) / before.height()) <
-                    0.01);
-    }
-}
-
-void tst_PrintToolPages::readyPageMakesRoomForItsHeader()
-{
-    const QString path = folder.filePath("ready.tif");
-    QVERIFY(FaxFile().Write(path)); // ink in rows 16 to 31
-    const auto header = MakeHeader(standard);
-    const int top = header->HeaderHeight(1);
-    const QImage sheet = MakeReadySheet(path, standard, header);
-    QVERIFY(top > 16);
-    QCOMPARE(sheet.height(), 1146);
-    QCOMPARE(sheet.copy(0, top, 1728, 16), LoadSheet(path, 0).copy(0, 16, 1728, 16));
-    // From edge to edge: made smaller.
-    const QString fullPath = folder.filePath("full.tif");
-    FaxFile fullFax;
-    fullFax.lPages = 46; // the last one has a box that ends in row 1112
-    QVERIFY(fullFax.Write(fullPath));
-    const QImage full = MakeReadySheet(fullPath, standard, header, 45);
-    const int room = full.height() - top - header->FooterHeight(1);
-    const QRect ink = InkOf(full.copy(0, top, 1728, room));
-    QVERIFY(ink.top() <= 1 && ink.bottom() >= room - 3);
-    QVERIFY(ink.width() < 144);
-}
-
-void tst_PrintToolPages::headerIsPaintedOnPagesOfTheOtherResolution()
-{
-    const QString path = folder.filePath("ready.tif");
-    QVERIFY(FaxFile().Write(path));
-    const auto header = MakeHeader(fine, 60);
-    const QImage sheet = MakeReadySheet(path, fine, header);
-    QImage blank = Monochrome::MakeBlank(2292, 196);
-    header->Paint(blank, {1, 1, {}, {}, {}});
-    const QRect expected = InkOf(blank.copy(0, 0, 1728, header->HeaderHeight(1)));
-    const QRect painted = InkOf(sheet.copy(0, 0, 1728, header->HeaderHeight(1) / 2));
-    QCOMPARE(sheet.height(), 1146);
-    QVERIFY(
-        IsNear(painted, {expected.left(), expected.top() / 2, expected.width(), expected.height() / 2}, 1));
-}
-
-void tst_PrintToolPages::writtenFileIsAFax()
-{
-    const QString path = folder.filePath("written.tif");
-    QImage sheet = Monochrome::MakeBlank(1146, 98);
-    for (int x = 0; x < sheet.width(); ++x)
-        sheet.setPixel(x, (x * 7) % 1146, 1);
-    FaxTiffWriter writer(path, 2);
-    writer.Append(FaxTiffWriter::Encode(sheet));
-    writer.Append(FaxTiffWriter::Encode(Monochrome::MakeBlank(2292, 196)));
-    writer.Finish();
-    QCOMPARE(FaxImage::GetPageCount(path), 2);
-    QCOMPARE(LoadSheet(path, 0).convertToFormat(QImage::Format_RGB32),
-             sheet.convertToFormat(QImage::Format_RGB32));
-    TIFF *file = TIFFOpen(path.toUtf8().constData(), "r");
-    const auto field = [&](ttag_t tag) {
-        uint16_t value = 0, total = 0;
-        TIFFGetField(file, tag, &value, &total);
-        return int(value);
-    };
-    float across = 0, down = 0;
-    TIFFSetDirectory(file, 1);
-    TIFFGetField(file, TIFFTAG_XRESOLUTION, &across);
-    TIFFGetField(file, TIFFTAG_YRESOLUTION, &down);
-    QCOMPARE(field(TIFFTAG_COMPRESSION), COMPRESSION_CCITTFAX4);
-    QCOMPARE(field(TIFFTAG_PHOTOMETRIC), PHOTOMETRIC_MINISWHITE);
-    QCOMPARE(field(TIFFTAG_FILLORDER), FILLORDER_MSB2LSB);
-    QCOMPARE(field(TIFFTAG_RESOLUTIONUNIT), RESUNIT_INCH);
-    QCOMPARE(field(TIFFTAG_PAGENUMBER), 1);
-    QCOMPARE(int(TIFFNumberOfStrips(file)), 1);
-    QCOMPARE(QSizeF(across, down), QSizeF(204, 196));
-    TIFFClose(file);
-}
-
-void tst_PrintToolPages::unwritableFileIsNoticed()
-{
-    QVERIFY_THROWS_EXCEPTION(ConversionError, FaxTiffWriter(folder.filePath("missing/fax.tif")));
-    const QString path = folder.filePath("full.tif");
-    const EncodedPage page = FaxTiffWriter::Encode(Monochrome::MakeBlank(2292, 196));
-    rlimit usual{};
-    getrlimit(RLIMIT_FSIZE, &usual);
-    const auto previous = std::signal(SIGXFSZ, SIG_IGN);
-    bool isRaised = false;
+private slots:
+    void pagesAreLaidOnSheets_data()
     {
-        FaxTiffWriter writer(path);
-        const rlimit small{20000, usual.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-        try {
-            for (int count = 0; count < 100; ++count)
-                writer.Append(page);
-            writer.Finish();
-        } catch (const ConversionError &) {
-            isRaised = true;
-        }
-        setrlimit(RLIMIT_FSIZE, &usual);
+        const TestTable<SheetLayout, SheetLayout> row{"layout", "expected"};
+        const QSizeF a4(a4Width, a4Height), a3(a4Height, 16.54), tall(2, 4), wide(4, 2), large(20, 30);
+        row("A4", LayDocumentPage(a4, fine), {2292, 0, {20, 0, 1687, 2291}});
+        row("A4 standard", LayDocumentPage(a4, standard), {1146, 0, {20, 0, 1687, 1146}});
+        row("A4 landscape", LayDocumentPage(a4.transposed(), fine), {2292, 270, {20, 0, 1687, 2291}});
+        row("Letter, reduced a hair", LayDocumentPage({8.5, 11}, fine), {2149, 0, {0, 0, 1728, 2149}});
+        row("Legal", LayDocumentPage({8.4, 14}, fine), {2744, 0, {7, 0, 1714, 2744}});
+        row("A5 upright", LayDocumentPage({5.83, a4Width}, fine), {2292, 0, {269, 0, 1189, 1621}});
+        row("A5 is not turned", LayDocumentPage({a4Width, 5.83}, fine), {2292, 0, {20, 0, 1687, 1143}});
+        row("slide is turned", LayDocumentPage({10, 7.5}, fine), {2292, 270, {99, 0, 1530, 1960}});
+        row("A3 is reduced to A4", LayDocumentPage(a3, fine), {2292, 0, {21, 0, 1686, 2292}});
+        row("roll of paper", LayDocumentPage({4, 28}, fine), {2744, 0, {660, 0, 408, 2744}});
+        row("strip", LayDocumentPage({30, 1}, standard), {1372, 270, {816, 0, 95, 1372}});
+        row("point", LayDocumentPage({0.001, 0.001}, fine), {2292, 0, {863, 0, 1, 1}});
+        row("without a size", LayDocumentPage({}, fine), {2292, 0, {0, 0, 1728, 2292}});
+        const auto picture = [](Fitting fitting, const QSizeF &size) {
+            return LayPicture(size, fitting, fine);
+        };
+        row("match", picture(Fitting::Match, tall), {2292, 0, {267, 0, 1193, 2292}});
+        row("match turns", picture(Fitting::Match, wide), {2292, 270, {267, 0, 1193, 2292}});
+        row("match reduces", picture(Fitting::Match, large), {2292, 0, {69, 0, 1590, 2292}});
+        row("stretch", picture(Fitting::Stretch, wide), {2292, 0, {0, 0, 1728, 2292}});
+        row("width", picture(Fitting::Width, wide), {2292, 0, {0, 0, 1728, 830}});
+        row("width makes the sheet longer", picture(Fitting::Width, large), {2490, 0, {0, 0, 1728, 2490}});
+        row("width up to Legal", picture(Fitting::Width, tall), {2744, 0, {150, 0, 1428, 2744}});
+        row("height", picture(Fitting::Height, tall), {2292, 0, {267, 0, 1193, 2292}});
+        row("height within the width", picture(Fitting::Height, wide), {2292, 0, {0, 0, 1728, 830}});
+        row("original", picture(Fitting::Original, wide), {2292, 0, {456, 0, 816, 392}});
+        row("original reduces", picture(Fitting::Original, large), {2292, 0, {69, 0, 1590, 2292}});
     }
-    std::signal(SIGXFSZ, previous);
-    QVERIFY(isRaised);
-    QVERIFY(!QFile::exists(path));
-}
+
+    void pagesAreLaidOnSheets()
+    {
+        QFETCH(SheetLayout, layout);
+        QFETCH(SheetLayout, expected);
+        QCOMPARE(layout.place, expected.place);
+        QVERIFY(layout == expected);
+    }
+
+    void pdfPageStandsWhereItShould_data()
+    {
+        // A box of 100 x 50 points, 100 from the left and 92 from the upper edge of an upright A4 page.
+        const TestTable<QByteArray, QByteArray, bool, QRect> row{"page", "content", "isFine", "ink"};
+        const QByteArray box = "100 700 100 50 re f", landscape = "/MediaBox[0 0 842 595]";
+        row("fine", a4Page, box, true, {304, 250, 283, 136});
+        row("standard", a4Page, box, false, {304, 125, 283, 68});
+        row("landscape, its top to the left", landscape, "100 453 100 50 re f", true, {282, 1748, 142, 272});
+        row("turned by its entry", landscape + "/Rotate 90", "92 100 50 100 re f", true,
+            {304, 250, 283, 136});
+        row("upside down", a4Page + "/Rotate 180", "395 92 100 50 re f", true, {304, 250, 283, 136});
+        row("cropped", "/MediaBox[0 0 800 1000]/CropBox[10 20 605 862]",
+            "0 0 800 1000 re 110 720 100 50 re f*", true, {20, 0, 1687, 2292});
+        row("box from below zero", "/MediaBox[-100 -100 495 742]", "0 600 100 50 re f", true,
+            {304, 250, 283, 136});
+    }
+
+    void pdfPageStandsWhereItShould()
+    {
+        QFETCH(QByteArray, page);
+        QFETCH(QByteArray, content);
+        QFETCH(bool, isFine);
+        QFETCH(QRect, ink);
+        const SheetFormat format{isFine};
+        const QImage sheet = MakePdfSheet(Write("page.pdf", MakePdf(page, content)), format);
+        QCOMPARE(sheet.size(), QSize(1728, format.A4Height()));
+        QCOMPARE(Monochrome::DotsPerInchY(sheet), format.DotsPerInchY());
+        QVERIFY2(IsNear(FindInk(sheet), ink), qPrintable(QDebug::toString(FindInk(sheet))));
+    }
+
+    void pdfOfStrangePagesIsShown()
+    {
+        const QByteArray boxes[] = {"/MediaBox[0 0 100 0]", // the only one with nothing to show
+                                    "/MediaBox[0 0 2000000 3000000]", "",
+                                    "/MediaBox[(a) /b null 0]",       a4Page + "/Rotate 45",
+                                    "/MediaBox[0 0 0.01 14400]"};
+        for (const QByteArray &box : boxes) {
+            const QImage sheet =
+                MakePdfSheet(Write("strange.pdf", MakePdf(box, "0 0 3000000 3000000 re f")), fine);
+            QCOMPARE(sheet.width(), 1728);
+            QVERIFY(sheet.height() >= 2148 && sheet.height() <= 2744);
+            QVERIFY2(FindInk(sheet).isEmpty() == (&box == boxes), box.constData());
+        }
+    }
+
+    void unreadablePdfIsToldWhy()
+    {
+        const QByteArray password = "/Encrypt<</Filter/Standard/V 1/R 2/P -4/O(" + QByteArray(32, 'o') +
+                                    ")/U(" + QByteArray(32, 'u') + ")>>/ID[(a)(a)]";
+        const QByteArray noPages =
+            "%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n"
+            "2 0 obj<</Type/Pages/Count 0/Kids[]>>endobj\ntrailer<</Root 1 0 R>>\n%%EOF\n";
+        const std::pair<QByteArray, QString> files[] = {
+            {"", "damaged"},
+            {QByteArray(5000, '\x93'), "damaged"},
+            {"%PDF-1.4\n%%EOF", "damaged"},
+            {noPages, "no pages"},
+            {MakePdf(a4Page, "0 0 9 9 re f", password), "password"}};
+        for (const auto &[bytes, reason] : files) {
+            const QString text = ReasonOf<PdfSource>(Write("unreadable.pdf", bytes));
+            QVERIFY2(text.contains(reason), qPrintable(text));
+        }
+        QVERIFY(ReasonOf<PdfSource>(folder.filePath("missing.pdf")).contains("opened"));
+    }
+
+    void hairlinesStayVisible()
+    {
+        QByteArray content;
+        for (int line = 0; line < 20; ++line)
+            content += QString("%1 w 100 %2 m 400 %2.37 l S %3 100 m %3 400 l S\n")
+                           .arg(QString::number(line * 0.05), QString::number(500 + line * 7),
+                                QString::number(100.13 + line * 11))
+                           .toLatin1();
+        const QString path = Write("lines.pdf", MakePdf(a4Page, content));
+        for (const SheetFormat &format : {fine, standard}) {
+            const QImage sheet = MakePdfSheet(path, format);
+            const QRect ink = FindInk(sheet);
+            const int across = ink.top() + ink.height() * 3 / 4, dotsInBox = ink.width();
+            int stems = 0;
+            for (int x = 1; x < sheet.width(); ++x)
+                stems += sheet.pixelIndex(x, across) == 1 && sheet.pixelIndex(x - 1, across) == 0;
+            QCOMPARE(stems, 20);
+            int rows = 0;
+            for (int y = 1; y < across; ++y)
+                rows += sheet.pixelIndex(ink.left() + dotsInBox / 2, y) == 1 &&
+                        sheet.pixelIndex(ink.left() + dotsInBox / 2, y - 1) == 0;
+            QCOMPARE(rows, 20);
+        }
+    }
+
+    void readyPagesKeepTheirPixels_data()
+    {
+        const TestTable<FaxFile> row{"fax"};
+        row("standard", {.lPages = 2});
+        row("fine, black is 0, behind its size",
+            {.lPages = 2, .lHeight = 2292, .lDotsPerInchY = 196, .bMinIsBlack = true, .bSizePrefix = true});
+        row("short, noise", {.lPages = 2, .lHeight = 77, .bNoise = true});
+        row("Group 3", {.lPages = 2, .lDotsPerInchY = 196, .bGroup3 = true});
+    }
+
+    void readyPagesKeepTheirPixels()
+    {
+        QFETCH(FaxFile, fax);
+        const QString path = folder.filePath("ready.tif");
+        QVERIFY(fax.Write(path));
+        for (const SheetFormat &format : {fine, standard}) {
+            const QImage sheet = MakeReadySheet(path, format, {}, 1);
+            QCOMPARE(sheet.convertToFormat(QImage::Format_RGB32),
+                     LoadSheet(path, 1).convertToFormat(QImage::Format_RGB32));
+            QCOMPARE(Monochrome::DotsPerInchY(sheet), fax.lDotsPerInchY);
+            QVERIFY(!FindInk(sheet).isEmpty());
+        }
+    }
+
+    void otherPagesOfAReadyFileAreLaidOnASheet()
+    {
+        FaxFile fax{.lWidth = 2592, .lHeight = 3508, .lDotsPerInchX = 300, .lDotsPerInchY = 300};
+        const QString path = folder.filePath("scan.tif");
+        QVERIFY(fax.Write(path));
+        const QImage sheet = MakeReadySheet(path, standard);
+        QCOMPARE(sheet.size(), QSize(1728, 1146));
+        QVERIFY(IsNear(FindInk(sheet), QRect(10, 5, 97, 6), 1));
+    }
+
+    void damagedFaxFileIsRefused()
+    {
+        QVERIFY(ReasonOf<FaxFileSource>(Write("bad.tif", "II*")).contains("damaged"));
+        const QString path = Write("short.tif", FaxFile{.lPages = 2, .bNoise = true}.Bytes());
+        FaxFileSource source(path);
+        QVERIFY(QFile::resize(path, 2000));
+        QVERIFY_THROWS_EXCEPTION(ConversionError, source.FaxPage(0));
+    }
+
+    void headerLeavesWhatItDoesNotReach()
+    {
+        const QString path = Write("letter.pdf", MakePdf(a4Page, "100 100 300 650 re f"));
+        const QImage bare = MakePdfSheet(path, fine);
+        const auto header = MakeHeader(fine);
+        const QImage sheet = MakePdfSheet(path, fine, header);
+        const int top = header->HeaderHeight(1), end = sheet.height() - header->FooterHeight(1);
+        QVERIFY(top > 100 && end < sheet.height() - 100);
+        QCOMPARE(sheet.copy(0, top, 1728, end - top), bare.copy(0, top, 1728, end - top));
+        QVERIFY(!FindInk(sheet.copy(0, 0, 1728, top)).isEmpty());
+        QVERIFY(!FindInk(sheet.copy(0, end, 1728, sheet.height() - end)).isEmpty());
+    }
+
+    void pageMakesRoomForItsHeader_data()
+    {
+        const TestTable<QByteArray, bool> row{"content", "isMoved"};
+        row("moved down", "100 400 300 440 re f", true);
+        row("moved up", "100 5 300 440 re f", true);
+        row("made smaller", "100 2 300 838 re f", false);
+    }
+
+    void pageMakesRoomForItsHeader()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(bool, isMoved);
+        const QString path = Write("full.pdf", MakePdf(a4Page, content));
+        for (const SheetFormat &format : {fine, standard}) {
+            const auto header = MakeHeader(format);
+            const QRect before = FindInk(MakePdfSheet(path, format));
+            QImage sheet = MakePdfSheet(path, format, header);
+            const int room = sheet.height() - header->HeaderHeight(1) - header->FooterHeight(1);
+            const QRect ink = FindInk(sheet.copy(0, header->HeaderHeight(1), 1728, room));
+            QImage blank = Monochrome::MakeBlank(sheet.height(), format.DotsPerInchY());
+            header->Paint(blank, {});
+            const int top = header->HeaderHeight(1);
+            QCOMPARE(sheet.copy(0, 0, 1728, top), blank.copy(0, 0, 1728, top));
+            QVERIFY(ink.top() <= 2 || ink.bottom() >= room - 3);
+            if (isMoved)
+                QCOMPARE(ink.size(), before.size());
+            else // and keeps its proportions
+                QVERIFY(std::abs(double(ink.width()) / ink.height() -
+                                 double(before.width()) / before.height()) < 0.01);
+        }
+    }
+
+    void readyPageMakesRoomForItsHeader()
+    {
+        const QString path = folder.filePath("ready.tif");
+        QVERIFY(FaxFile().Write(path)); // ink in rows 16 to 31
+        const auto header = MakeHeader(standard);
+        const int top = header->HeaderHeight(1);
+        const QImage sheet = MakeReadySheet(path, standard, header);
+        QVERIFY(top > 16);
+        QCOMPARE(sheet.height(), 1146);
+        QCOMPARE(sheet.copy(0, top, 1728, 16), LoadSheet(path, 0).copy(0, 16, 1728, 16));
+        // From edge to edge: made smaller.
+        const QString fullPath = folder.filePath("full.tif");
+        QVERIFY(FaxFile{.lPages = 46}.Write(fullPath)); // the last one has a box that ends in row 1112
+        const QImage full = MakeReadySheet(fullPath, standard, header, 45);
+        const int room = full.height() - top - header->FooterHeight(1);
+        const QRect ink = FindInk(full.copy(0, top, 1728, room));
+        QVERIFY(ink.top() <= 1 && ink.bottom() >= room - 3);
+        QVERIFY(ink.width() < 144);
+    }
+
+    void headerIsPaintedOnPagesOfTheOtherResolution()
+    {
+        const QString path = folder.filePath("ready.tif");
+        QVERIFY(FaxFile().Write(path));
+        const auto header = MakeHeader(fine, 60);
+        const QImage sheet = MakeReadySheet(path, fine, header);
+        QImage blank = Monochrome::MakeBlank(2292, 196);
+        header->Paint(blank, {1, 1, {}, {}, {}});
+        const QRect expected = FindInk(blank.copy(0, 0, 1728, header->HeaderHeight(1)));
+        const QRect painted = FindInk(sheet.copy(0, 0, 1728, header->HeaderHeight(1) / 2));
+        QCOMPARE(sheet.height(), 1146);
+        QVERIFY(IsNear(painted,
+                       {expected.left(), expected.top() / 2, expected.width(), expected.height() / 2}, 1));
+    }
+
+    void unwritableFileIsNoticed()
+    {
+        QVERIFY_THROWS_EXCEPTION(ConversionError, FaxTiffWriter(folder.filePath("missing/fax.tif")));
+        const QString path = folder.filePath("full.tif");
+        const auto fillTheDisk = [&] {
+            const SmallDisk disk(20000);
+            FaxTiffWriter writer(path);
+            for (int count = 0; count < 100; ++count)
+                writer.Append(FaxTiffWriter::Encode(Monochrome::MakeBlank(2292, 196)));
+            writer.Finish();
+        };
+        QVERIFY_THROWS_EXCEPTION(ConversionError, fillTheDisk());
+        QVERIFY(!QFile::exists(path));
+    }
+
+private:
+    QString Write(const QString &name, const QByteArray &bytes) const
+    {
+        const QString path = folder.filePath(name);
+        return WriteTestFile(path, bytes) ? path : QString();
+    }
+
+    const QTemporaryDir folder;
+};
 
 QTEST_MAIN(tst_PrintToolPages)
 #include "tst_PrintToolPages.moc"
