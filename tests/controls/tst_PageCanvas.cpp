@@ -1,5 +1,4 @@
 #include "controls/Colors.h"
-#include "controls/Icons.h"
 #include "controls/PageCanvas.h"
 #include "controls/PageScaler.h"
 
@@ -66,21 +65,18 @@ private slots:
     void allFormsShrinkAlike()
     {
         const PageBits bits = StrokedPage(203, 60, 102);
+        const QImage picture = PageScaler::Crop(bits, {0, 0, 203, 60});
         PageBits turned = bits, bytes = bits, colors = bits;
         turned.aPalette = {0xff000000, 0xffffffff};
         for (char &byte : turned.abBits)
             byte = static_cast<char>(~byte);
         bytes.lBitsPerPixel = 8;
         bytes.lBytesPerLine = 204;
+        bytes.abBits = (QByteArray(102, 0) + '\1' + QByteArray(101, 0)).repeated(60);
         colors.lBitsPerPixel = 32;
         colors.lBytesPerLine = 203 * 4;
-        const QImage picture = PageScaler::Crop(bits, {0, 0, 203, 60});
-        bytes.abBits.fill(0, 204 * 60);
-        colors.abBits.clear();
-        for (int y = 0; y < 60; ++y) {
-            bytes.abBits[y * 204 + 102] = 1;
-            colors.abBits.append(reinterpret_cast<const char *>(picture.constScanLine(y)), 203 * 4);
-        }
+        colors.abBits =
+            QByteArray(reinterpret_cast<const char *>(picture.constBits()), picture.sizeInBytes());
         const QRect part(10, 3, 60, 30);
         const QImage expected = PageScaler::Shrink(bits, {91, 77}, part);
         QVERIFY(qGray(expected.pixel(35, 0)) < 200); // the stroke
@@ -125,16 +121,12 @@ private slots:
         QCOMPARE(canvas->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
     }
 
-    void stretchedPageCountsTwice()
+    void smallPageIsCentredAndStaysPut()
     {
-        canvas->SetPage(StrokedPage(100, 50, 10), false, true, false);
+        canvas->SetPage(StrokedPage(100, 50, 10), false, true, false); // a stretched page counts twice
         QCOMPARE(canvas->PageRect().size(), QSizeF(100, 100));
         canvas->SetPage(StrokedPage(50, 100, 10), true, false, false);
         QCOMPARE(canvas->PageRect().size(), QSizeF(100, 100));
-    }
-
-    void smallPageIsCentredAndStaysPut()
-    {
         canvas->SetPage(StrokedPage(101, 50, 10), false, false, false);
         QCOMPARE(canvas->PageRect().topLeft(), QPointF(149, 125));
         Drag({150, 130}, {50, 30});
@@ -168,16 +160,18 @@ private slots:
         const QSignalSpy zoomed(canvas.get(), &PageCanvas::ZoomedByUser);
         const QPointF cursor(300, 200);
         const QPointF before = (cursor - canvas->PageRect().topLeft()) / canvas->ZValue();
-        QWheelEvent turn(cursor, cursor, {}, {0, 120}, Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase,
-                         false);
-        QCoreApplication::sendEvent(canvas->viewport(), &turn);
+        const auto turn = [&](int angle, Qt::KeyboardModifiers modifiers) {
+            QWheelEvent event(cursor, cursor, {}, {0, angle}, Qt::NoButton, modifiers, Qt::NoScrollPhase,
+                              false);
+            QCoreApplication::sendEvent(canvas->viewport(), &event);
+        };
+        turn(120, Qt::ControlModifier);
         QCOMPARE(canvas->ZValue(), 1.2);
         QCOMPARE(zoomed.size(), 1);
         const QPointF after = (cursor - canvas->PageRect().topLeft()) / canvas->ZValue();
         QVERIFY((after - before).manhattanLength() < 0.01);
-        QWheelEvent scroll(cursor, cursor, {}, {0, -120}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
         const QPointF offset = Offset();
-        QCoreApplication::sendEvent(canvas->viewport(), &scroll);
+        turn(-120, {});
         QVERIFY(Offset().y() > offset.y());
         QCOMPARE(zoomed.size(), 1);
     }
@@ -227,16 +221,6 @@ private slots:
         const QColor onDark = GetReadableColor(blue, QColor(30, 30, 30));
         QVERIFY(onDark.lightness() > blue.lightness());
         QVERIFY(GetReadableColor(QColor(150, 150, 150), Qt::white).lightness() >= 140);
-    }
-
-    void iconsExist()
-    {
-        for (const char *key : {"imgReceived", "imgNotRead", "tbSendReceive", "btnFixWidth"}) {
-            QVERIFY(!Icons::Get(key).isNull());
-            for (const int size : {16, 22, 32})
-                QCOMPARE(Icons::Get(key).pixmap(size, size).size(), QSize(size, size));
-        }
-        QVERIFY(Icons::Get("imgNobody").isNull());
     }
 
 private:

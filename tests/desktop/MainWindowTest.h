@@ -1,34 +1,27 @@
 #pragma once
 
-#include "core/Globals.h"
 #include "core/SettingsFile.h"
 #include "desktop/forms/frmMain.h"
-#include "fakes/FakePorts.h"
 #include "fixtures/FaxFile.h"
-#include "fixtures/Profile.h"
-#include "mailbox/ShownMailbox.h"
+#include "fixtures/MailboxTest.h"
 
 #include <QAction>
-#include <QTest>
 #include <QTreeView>
 
 #include <memory>
 
 /// The main window over a profile of two received faxes of two pages each, "A" and the newer "B".
-class MainWindowTest : public QObject
+class MainWindowTest : public QObject, protected MailboxTest
 {
     Q_OBJECT
 
 private slots:
     void init()
     {
-        profile = std::make_unique<Profile>();
-        fakes = std::make_unique<FakePorts>();
+        SetUp();
         Global().SwitchTo = true;
-        FaxFile file;
-        file.lPages = 2;
         for (const char *id : {"A", "B"}) {
-            QVERIFY(file.Write(Global().strInputBoxPath + id + ".tif"));
+            QVERIFY(FaxFile{.lPages = 2}.Write(Global().strInputBoxPath + id + ".tif"));
             profile->InsertReceivedFax(
                 id, {{"fileName", QString(id) + ".tif"},
                      {"title", QString("Subject ") + id},
@@ -40,9 +33,7 @@ private slots:
     void cleanup()
     {
         window.reset();
-        mailbox.reset();
-        fakes.reset();
-        profile.reset();
+        TearDown();
     }
 
 protected:
@@ -75,8 +66,5 @@ protected:
         QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, tree.visualRect(Index(text)).center());
     }
 
-    std::unique_ptr<Profile> profile;
-    std::unique_ptr<FakePorts> fakes;
-    std::unique_ptr<ShownMailbox> mailbox;
     std::unique_ptr<frmMain> window;
 };

@@ -2,9 +2,7 @@
 #include "desktop/HelpCommands.h"
 #include "fakes/FakePorts.h"
 #include "fixtures/Profile.h"
-
-#include <QTemporaryDir>
-#include <QTest>
+#include "fixtures/TestTable.h"
 
 using CommandStates::GridInput;
 using CommandStates::States;
@@ -57,11 +55,7 @@ private slots:
 
     void gridCommandsFollowFolderAndSelection_data()
     {
-        QTest::addColumn<GridInput>("input");
-        QTest::addColumn<QString>("enabled"); // names in their order, without "mnu"
-        const auto row = [](const char *name, const GridInput &input, const char *enabled) {
-            QTest::newRow(name) << input << enabled;
-        };
+        const TestTable<GridInput, QString> row{"input", "enabled"}; // names in their order, without "mnu"
         row("empty folder", Input("1001", FolderFamily::Received, "empty viewing"), "");
         row("fax without a file", Input("1001", FolderFamily::Received),
             "EditDelete FaxProperty FindFax HadRead MoveFax ReverseSel SelectAll UnRead");

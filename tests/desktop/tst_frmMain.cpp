@@ -17,19 +17,6 @@ class tst_frmMain : public MainWindowTest
     Q_OBJECT
 
 private slots:
-    void gridCommandsFollowTheSession()
-    {
-        frmMain::SessionState state;
-        window->SetSessionState([&] { return state; });
-        window->SetCommand("mnuEditDelete", [] {});
-        window->SetGridCommands();
-        auto &deleteFax = Get<QAction>("tbDeleteFax");
-        QVERIFY(deleteFax.isEnabled());
-        state.bIsSocketBusy = true;
-        window->SetGridCommands();
-        QVERIFY(!deleteFax.isEnabled());
-    }
-
     void firstActivationComesOnce()
     {
         int activations = 0;
@@ -46,39 +33,39 @@ private slots:
 
     void folderShowsItsFaxesAndTheFirstPage()
     {
+        auto &grid = Get<QTreeView>("grdFaxList");
+        auto &title = Get<QLineEdit>("txtTitle"), &page = Get<QLineEdit>("txtPage");
+        auto &canvas = Get<PageCanvas>("picPreviewImage");
         QCOMPARE(window->windowTitle(), "Velmar Client");
         SelectInTree("Draft");
-        QCOMPARE(Get<QTreeView>("grdFaxList").model()->rowCount(), 0);
-        QCOMPARE(Get<QTreeView>("grdFaxList").accessibleDescription(), "No faxes in this folder.");
+        QCOMPARE(grid.model()->rowCount(), 0);
+        QCOMPARE(grid.accessibleDescription(), "No faxes in this folder.");
         mailbox->SelectYear(1);
-        QVERIFY(Get<QTreeView>("grdFaxList").accessibleDescription().contains(" from "));
+        QVERIFY(grid.accessibleDescription().contains(" from "));
         mailbox->NotifySaveFax(3, false, " and title='Offer'");
-        QVERIFY(Get<QTreeView>("grdFaxList").accessibleDescription().contains("matches the search"));
+        QVERIFY(grid.accessibleDescription().contains("matches the search"));
         mailbox->SelectYear(0);
-        QVERIFY(!Get<PageCanvas>("picPreviewImage").HasPage());
+        QVERIFY(!canvas.HasPage());
         SelectInTree("Incoming");
-        auto &grid = Get<QTreeView>("grdFaxList");
         QCOMPARE(grid.model()->rowCount(), 2);
         QCOMPARE(grid.currentIndex().row(), 0);
-        QVERIFY(grid.isColumnHidden(0));
-        QCOMPARE(Get<QLineEdit>("txtTitle").text(), "Subject B");
-        QCOMPARE(Get<QLineEdit>("txtPage").text(), "1 / 2");
-        QVERIFY(Get<PageCanvas>("picPreviewImage").HasPage());
+        QVERIFY(grid.isColumnHidden(0) && canvas.HasPage());
+        QCOMPARE(title.text() + ", " + page.text(), "Subject B, 1 / 2");
         QCOMPARE(Get<QLabel>("labFolderTip").text().trimmed(), "Incoming");
         QCOMPARE(Get<QLabel>("labTotals").text(), "Total Faxes: 2  Unread: 2");
         QTest::keyClick(&grid, Qt::Key_Down);
-        QCOMPARE(Get<QLineEdit>("txtTitle").text(), "Subject A");
+        QCOMPARE(title.text(), "Subject A");
         Profile::Execute("UPDATE ReceiveFax SET title='Tab\tand\nline', sender='A\x1b'");
         mailbox->SelectCurrentRow();
-        QCOMPARE(Get<QLineEdit>("txtTitle").text(), "Tab and line");
+        QCOMPARE(title.text(), "Tab and line");
         QCOMPARE(Get<QLineEdit>("txtSender").text(), "A ");
         QVERIFY(!Get<QToolButton>("btnPreviousPage").isEnabled());
         Get<QToolButton>("btnNextPage").click();
-        QCOMPARE(Get<QLineEdit>("txtPage").text(), "2 / 2");
+        QCOMPARE(page.text(), "2 / 2");
         QVERIFY(!Get<QToolButton>("btnNextPage").isEnabled());
         Get<QToolButton>("btnZoom100").click();
         QVERIFY(!Get<QToolButton>("btnFixWidth").isChecked());
-        QCOMPARE(Get<PageCanvas>("picPreviewImage").ZValue(), 1.0);
+        QCOMPARE(canvas.ZValue(), 1.0);
     }
 
     void turnedPageShowsThePartThatWasLookedAt()
@@ -226,26 +213,17 @@ private slots:
         Command("mnuSelectAll").trigger();
         QCOMPARE(mailbox->SelectedFaxes(), QStringList({"B", "A"}));
         const auto &grid = Get<QTreeView>("grdFaxList");
-        mailbox->LoadGridItem("1001", 2, {}, false, false);
-        QCOMPARE(grid.selectionModel()->selectedRows().size(), 2); // a fetch leaves them
+        profile->InsertReceivedFax("C", {{"receiveTime", "2026-01-03 00:00:00"}});
+        mailbox->LoadGridItem("1001", 2, {}, false, false); // a fetch leaves them
+        QCOMPARE(grid.selectionModel()->selectedRows().size(), 2);
+        QCOMPARE(grid.selectionModel()->selectedRows().last().row(), 2);
+        QCOMPARE(mailbox->SelectedFaxes(), QStringList({"B", "A"}));
         mailbox->SelectCurrentRow();
         QCOMPARE(grid.selectionModel()->selectedRows().size(), 1);
         Command("mnuSelectAll").trigger();
         Command("mnuReverseSel").trigger();
         QCOMPARE(mailbox->SelectedFaxes(), QStringList());
         QVERIFY(!mailbox->Preview().HasImage());
-    }
-
-    void newFaxKeepsTheSelectedRow()
-    {
-        mailbox->SelectRow(2);
-        profile->InsertReceivedFax("C", {{"receiveTime", "2026-01-03 00:00:00"}});
-        mailbox->LoadGridItem("1001", 2, {}, false, false);
-        const auto &grid = Get<QTreeView>("grdFaxList");
-        QCOMPARE(grid.model()->rowCount(), 3);
-        QCOMPARE(grid.selectionModel()->selectedRows().size(), 1);
-        QCOMPARE(grid.selectionModel()->selectedRows().first().row(), 2);
-        QCOMPARE(mailbox->SelectedFaxes(), QStringList("A"));
     }
 
     void commandsFollowTheirRoutineAndTheConnection()
@@ -262,6 +240,14 @@ private slots:
         QCOMPARE(runs, 1);
         window->SetCommMenu(false);
         QVERIFY(!Command("mnuReceive").isEnabled() && !Command("tbReceiveFax").isEnabled());
+        frmMain::SessionState state;
+        window->SetSessionState([&] { return state; });
+        window->SetCommand("mnuEditDelete", [] {});
+        for (const bool isBusy : {false, true}) {
+            state.bIsSocketBusy = isBusy;
+            window->SetGridCommands();
+            QCOMPARE(Command("tbDeleteFax").isEnabled(), !isBusy);
+        }
         window->SetCommand("mnuOption", [] { throw RaisedError(5, "here", "no such thing"); });
         Command("mnuOption").trigger();
         QVERIFY(fakes->prompts.Texts().join(' ').contains("no such thing"));
@@ -314,41 +300,18 @@ private slots:
         QTest::keyClicks(&grid, "tom");
         QCOMPARE(mailbox->SelectedFaxes(), QStringList("A"));
         QCOMPARE(fakes->prompts.aBoxes.size(), 1);
-        QTest::keyClick(&grid, Qt::Key_Home, Qt::ShiftModifier);
-        QCOMPARE(mailbox->SelectedFaxes(), QStringList({"B", "A"}));
-    }
-
-    void faxKeysKeepOutOfTheTrees()
-    {
         int deletions = 0;
         window->SetCommand("mnuEditDelete", [&] { ++deletions; });
-        QTest::keyClick(&Get<QTreeView>("tvFolder"), Qt::Key_Delete);
-        QCOMPARE(deletions, 0);
-        Get<QTreeView>("grdFaxList").setFocus();
-        QTest::keyClick(&Get<QTreeView>("grdFaxList"), Qt::Key_Delete);
+        QTest::keyClick(&grid, Qt::Key_Delete);
         QCOMPARE(deletions, 1);
-    }
-
-    void popupShowsTheKeysOfItsCommands()
-    {
-        for (const QAction *action : Get<QMenu>("GridRightMenu").actions()) {
-            const QAction *item = action->isSeparator()
-                                      ? nullptr
-                                      : &Command(CommandStates::GetMenuOfTool(action->objectName()));
-            if (item)
-                QCOMPARE(action->text().section('\t', 1),
-                         item->shortcut().toString(QKeySequence::NativeText));
-        }
+        QTest::keyClick(&grid, Qt::Key_Home, Qt::ShiftModifier);
+        QCOMPARE(mailbox->SelectedFaxes(), QStringList({"B", "A"}));
     }
 
 private:
     void AddFolder(const QString &id, const QString &name)
     {
-        profile->InsertRow("FaxFolder", {{"Folder_ID", id},
-                                         {"Folder_Name", name},
-                                         {"Folder_Type", "1"},
-                                         {"parentID", "1001"},
-                                         {"isSystem", "0"}});
+        profile->InsertFolder(id, "1001", "1", name);
         mailbox->Folders().Add(mailbox->Folders().Find("1001"), id, name);
     }
 };

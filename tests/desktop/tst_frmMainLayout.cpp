@@ -37,28 +37,20 @@ private slots:
         QCOMPARE(width("My Faxes", 1), 250);
     }
 
-    void paneKeyGoesRound()
-    {
-        Get<QTreeView>("tvFolder").setFocus();
-        const QStringList expected{"grdFaxList", "picPreviewImage", "tvFolder"};
-        for (const QString &name : expected) {
-            Command("mnuNextPane").trigger();
-            QCOMPARE(window->focusWidget()->objectName(), name);
-        }
-    }
-
     void layoutComesBack()
     {
         Get<QSplitter>("picVSource").setSizes({333, 400});
         const int width = Get<QWidget>("tvFolder").width();
         Command("mnuPreview").trigger();
+        Command("mnuToolBarTextBeside").trigger();
         QVERIFY(Get<QWidget>("picPreview").isHidden());
         window->close();
         QCOMPARE(Setting("picPreview_IsVisible"), "False");
         QVERIFY(Setting("picPreview_Height").toInt() > 50); // as it was before
         OpenWindow();
         QVERIFY(Get<QWidget>("picPreview").isHidden());
-        QVERIFY(!Command("mnuPreview").isChecked());
+        QVERIFY(!Command("mnuPreview").isChecked() && Command("mnuToolBarTextBeside").isChecked());
+        QCOMPARE(Get<QToolBar>("tbClient").toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
         QCOMPARE(Get<QWidget>("tvFolder").width(), width);
         Command("mnuPreview").trigger();
         QTRY_VERIFY(Get<QWidget>("picPreview").height() > 50);
@@ -69,24 +61,22 @@ private slots:
         QString parent = "1001";
         for (int level = 0; level < 20; ++level) { // more than one value of the settings holds
             const QString key = QString("%1").arg(level, 32, 16, QChar('0'));
-            Profile::Execute("INSERT INTO FaxFolder VALUES('" + key + "','Level " + QString::number(level) +
-                             "','1','" + parent + "','0')");
+            profile->InsertFolder(key, parent, "1", "Level " + QString::number(level));
             parent = key;
         }
         OpenWindow();
-        const auto isOpen = [this](const char *folder) {
-            return Get<QTreeView>("tvFolder").isExpanded(Index(folder));
-        };
+        const auto tree = [this]() -> QTreeView & { return Get<QTreeView>("tvFolder"); };
+        const auto isOpen = [&](const char *folder) { return tree().isExpanded(Index(folder)); };
         QVERIFY(isOpen("Sent") && !isOpen("Incoming"));
-        Get<QTreeView>("tvFolder").expandAll();
-        Get<QTreeView>("tvFolder").collapse(Index("Level 5"));
+        tree().expandAll();
+        tree().collapse(Index("Level 5"));
         window->close();
         OpenWindow();
         QVERIFY(isOpen("Incoming") && isOpen("Level 4") && !isOpen("Level 5") && isOpen("Level 18"));
         for (const char *folder : {"Incoming", "Level 0", "Level 1", "Level 2", "Sent"})
-            Get<QTreeView>("tvFolder").collapse(Index(folder));
+            tree().collapse(Index(folder));
         for (int level = 8; level < 20; ++level)
-            Get<QTreeView>("tvFolder").collapse(Index(qPrintable(QString("Level %1").arg(level))));
+            tree().collapse(Index(qPrintable(QString("Level %1").arg(level))));
         Profile::Execute("DELETE FROM FaxFolder WHERE folder_name='Level 6'");
         window->close();
         OpenWindow();
@@ -172,76 +162,80 @@ private slots:
             "imgPublicContact imgFolderRoot imgIsRead imgNotRead imgReaded imgWait imgLevel imgOK imgWarning "
             "imgError imgLowLevel imgSortDown imgSortUp imgPublicGroup imgPersonGroup imgNewFaxItem "
             "imgEditContact imgNormalLevel imgFaxMouseOn imgProgram";
-        for (const QString &key : keys.split(' '))
+        for (const QString &key : keys.split(' ')) {
             QVERIFY2(!Icons::Get(key).isNull(), qPrintable(key));
+            QCOMPARE(Icons::Get(key).pixmap(22, 22).size(), QSize(22, 22));
+        }
+        QVERIFY(Icons::Get("imgNobody").isNull());
         for (const QAction *action : Get<QToolBar>("tbClient").actions())
             QVERIFY2(action->isSeparator() || !action->icon().isNull(), qPrintable(action->objectName()));
     }
 
-    void tabKeyReachesEveryPane()
+    void keysReachEveryPane()
     {
-        QStringList order;
-        for (const QWidget *widget = &Get<QWidget>("tvFolder"); !order.contains(widget->objectName());
-             widget = widget->nextInFocusChain()) {
-            if (widget->focusPolicy() & Qt::TabFocus && widget->isVisible() && widget->isEnabled())
-                order.append(widget->objectName());
-            else
-                continue;
+        Get<QTreeView>("tvFolder").setFocus();
+        for (const char *name : {"grdFaxList", "picPreviewImage", "tvFolder"}) {
+            Command("mnuNextPane").trigger();
+            QCOMPARE(window->focusWidget()->objectName(), name);
         }
-        QCOMPARE(order.first(), "tvFolder");
+        QStringList order;
         const QStringList panes{"tvFolder", "cmbYear", "grdFaxList", "txtSender", "picPreviewImage"};
-        order.removeIf([&](const QString &name) { return !panes.contains(name); });
+        const QWidget *widget = &Get<QWidget>("tvFolder");
+        do {
+            if (widget->focusPolicy() & Qt::TabFocus && widget->isVisible() && widget->isEnabled() &&
+                panes.contains(widget->objectName()))
+                order.append(widget->objectName());
+            widget = widget->nextInFocusChain();
+        } while (widget->objectName() != "tvFolder");
         QCOMPARE(order, panes);
-    }
-
-    void oddSettingsGiveAWindowThatCanBeUsed_data()
-    {
-        QTest::addColumn<QString>("value");
-        for (const char *value : {"9000", "-9000", "1", "0", "many"})
-            QTest::newRow(value) << value;
     }
 
     void oddSettingsGiveAWindowThatCanBeUsed()
     {
-        QFETCH(QString, value);
-        window->close();
-        QList<std::pair<QString, QString>> values{{"tvAddressbook_IsVisible", "True"},
-                                                  {"tbClient_Style", value}};
-        for (const char *pane : {"Main", "tvFolder", "tvAddressbook", "grdFaxList", "picPreview"}) {
-            for (const char *side : {"_Left", "_Top", "_Width", "_Height"})
-                values.append({QString(pane) + side, value});
-        }
-        QVERIFY(WriteIniValues("anna", values, Global().strIniFile));
-        OpenWindow();
-        const QRect room = window->screen()->availableGeometry();
-        QVERIFY(window->width() <= room.width() && window->height() <= room.height());
-        QVERIFY(room.intersects(window->geometry()));
-        for (const char *pane : {"tvFolder", "tvAddressbook", "grdFaxList", "picPreview"}) {
-            const QWidget &shown = Get<QWidget>(pane);
-            QVERIFY2(shown.width() >= 133 && shown.height() >= 33, pane);
-            const int bottom = shown.mapTo(window.get(), QPoint(0, shown.height())).y();
-            QVERIFY2(bottom <= Get<QWidget>("stbInfo").y(), pane);
+        const char *const panes[] = {"tvFolder", "tvAddressbook", "grdFaxList", "picPreview"};
+        for (const char *value : {"9000", "-9000", "1", "0", "many"}) {
+            window->close();
+            QList<std::pair<QString, QString>> values{{"tvAddressbook_IsVisible", "True"},
+                                                      {"tbClient_Style", value}};
+            for (const char *side : {"_Left", "_Top", "_Width", "_Height"}) {
+                values.append({QString("Main") + side, value});
+                for (const char *pane : panes)
+                    values.append({QString(pane) + side, value});
+            }
+            QVERIFY(WriteIniValues("anna", values, Global().strIniFile));
+            OpenWindow();
+            const QRect room = window->screen()->availableGeometry();
+            QVERIFY(window->width() <= room.width() && window->height() <= room.height());
+            QVERIFY(room.intersects(window->geometry()));
+            for (const char *pane : panes) {
+                const QWidget &shown = Get<QWidget>(pane);
+                const int bottom = shown.mapTo(window.get(), QPoint(0, shown.height())).y();
+                QVERIFY2(shown.width() >= 133 && shown.height() >= 33 &&
+                             bottom <= Get<QWidget>("stbInfo").y(),
+                         qPrintable(QString("%1 of %2").arg(pane, value)));
+            }
         }
     }
 
     void draggedBorderKeepsClearOfTheEdges()
     {
-        auto &splitter = Get<QSplitter>("picHSource_2");
-        const int before = Get<QWidget>("picPreview").height();
-        const QPoint grip = splitter.handle(1)->rect().center();
-        QTest::mousePress(splitter.handle(1), Qt::LeftButton, {}, grip);
-        QTest::mouseMove(splitter.handle(1), grip + QPoint(0, 2000));
-        QCOMPARE(Get<QWidget>("picPreview").height(), before); // only a strip moves
-        QTest::mouseRelease(splitter.handle(1), Qt::LeftButton, {}, grip + QPoint(0, 2000));
-        QVERIFY(Get<QWidget>("picPreview").height() < before);
-        const int clear = Get<QWidget>("picPreview").height();
+        QWidget *handle = Get<QSplitter>("picHSource_2").handle(1);
+        const auto &preview = Get<QWidget>("picPreview");
+        const int before = preview.height();
+        const QPoint grip = handle->rect().center();
+        QTest::mousePress(handle, Qt::LeftButton, {}, grip);
+        QTest::mouseMove(handle, grip + QPoint(0, 2000));
+        QCOMPARE(preview.height(), before); // only a strip moves
+        QTest::mouseRelease(handle, Qt::LeftButton, {}, grip + QPoint(0, 2000));
+        QVERIFY(preview.height() < before);
+        const int clear = preview.height();
         QVERIFY(clear >= 2000 * window->logicalDpiY() / 1440);
         Command("mnuMoveBorder").trigger();
         Command("mnuMoveBorder").trigger();
-        QVERIFY(splitter.handle(1)->hasFocus());
-        QTest::keyClick(splitter.handle(1), Qt::Key_Up);
-        QVERIFY(Get<QWidget>("picPreview").height() > clear);
-        QTest::keyClick(splitter.handle(1), Qt::Key_Escape);
+        QVERIFY(handle->hasFocus());
+        QTest::keyClick(handle, Qt::Key_Up);
+        QVERIFY(preview.height() > clear);
+        QTest::keyClick(handle, Qt::Key_Escape);
         QVERIFY(Get<QTreeView>("tvFolder").hasFocus());
     }
 
@@ -275,15 +269,6 @@ private slots:
         mayClose = true;
         Command("mnuExit").trigger();
         QCOMPARE(closings, 1);
-    }
-
-    void toolBarStyleComesBack()
-    {
-        Command("mnuToolBarTextBeside").trigger();
-        window->close();
-        OpenWindow();
-        QCOMPARE(Get<QToolBar>("tbClient").toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
-        QVERIFY(Command("mnuToolBarTextBeside").isChecked());
     }
 
 private:
