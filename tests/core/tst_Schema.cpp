@@ -4,35 +4,11 @@
 #include "fakes/FakePorts.h"
 #include "fixtures/OldDatabases.h"
 #include "fixtures/Profile.h"
+#include "fixtures/SmallDisk.h"
 #include "fixtures/TestTable.h"
 
 #include <QDir>
 #include <QFile>
-
-#include <csignal>
-
-#include <sys/resource.h>
-
-namespace {
-
-/// While it lives, no file grows beyond the limit, as on a full disk.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &before);
-        const rlimit limit{bytes, before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &before); }
-
-private:
-    rlimit before{};
-};
-
-} // namespace
 
 class tst_Schema : public QObject
 {
@@ -90,26 +66,24 @@ private slots:
         QVERIFY(!CreateClientDatabase(folder->path() + "/missing/MFax_Client.mfd"));
     }
 
-    void unsuitableVersionIsRefused_data()
-    {
-        const TestTable<QString, QString, QString> row{"schema", "change", "text"};
-        const QString setVersion = "Update DatabaseVersion Set Version='%1'";
-        const QString invalid = "Invalid or incompatible user profile.";
-        const QString noVersion = "Invalid or incompatible user profile(Can not get Version).";
-        row("unknown", "2.5", setVersion.arg("%2"), "Unsupported database version: %2 , need version: 2.8");
-        row("2.8 over 2.5", "2.5", setVersion.arg("2.8"), invalid);
-        row("table gone", "1.0", "Drop Table UserList", invalid);
-        row("no version", "2.5", "Delete From DatabaseVersion", noVersion);
-    }
-
     void unsuitableVersionIsRefused()
     {
-        QFETCH(QString, schema);
-        QFETCH(QString, change);
-        OldDatabases::Make(Path(), schema);
-        OldDatabases::Execute(Path(), change);
-        QVERIFY(!CheckFile());
-        QTEST(fakes->prompts.Texts().join('|'), "text");
+        const QString setVersion = "Update DatabaseVersion Set Version='%1'";
+        const QString invalid = "Invalid or incompatible user profile.";
+        const std::tuple<QString, QString, QString> rows[] = {
+            {"2.5", setVersion.arg("%2"), "Unsupported database version: %2 , need version: 2.8"},
+            {"2.5", setVersion.arg("2.8"), invalid},
+            {"1.0", "Drop Table UserList", invalid},
+            {"2.5", "Delete From DatabaseVersion", invalid.chopped(1) + "(Can not get Version)."}};
+        for (const auto &[schema, change, text] : rows) {
+            OldDatabases::Make(Path(), schema);
+            OldDatabases::Execute(Path(), change);
+            QVERIFY(!CheckFile());
+            Global().objDB->CloseDB();
+            QVERIFY(QFile::remove(Path()));
+            QCOMPARE(fakes->prompts.Texts().last(), text);
+        }
+        QCOMPARE(fakes->prompts.aBoxes.size(), 4);
         QVERIFY(Backups().isEmpty());
     }
 
@@ -166,7 +140,7 @@ private slots:
         const QByteArray before = ReadTestFile(Path());
         fakes->prompts.aAnswers = {answer};
         {
-            const FileSizeLimit limit(obstacle.isEmpty() ? before.size() - 1 : RLIM_INFINITY);
+            const SmallDisk disk(obstacle.isEmpty() ? before.size() - 1 : RLIM_INFINITY);
             QVERIFY(!CheckFile());
         }
         const QStringList failure{"Upgrade version " + version + " Failed."};

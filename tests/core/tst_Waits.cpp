@@ -1,9 +1,9 @@
 #include "core/PrinterProgress.h"
 #include "core/clsWaitableTimer.h"
 #include "fakes/FakePorts.h"
-#include "fixtures/TestTable.h"
 
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <functional>
 #include <stdexcept>
@@ -79,22 +79,18 @@ private slots:
         QVERIFY(!fakes->pump.IsStuck());
     }
 
-    void printerIsWaitedForUntilItIsDone_data()
-    {
-        const TestTable<PrinterStatus, bool, int> row{"end", "result", "time"};
-        row("done", printerDone, true, 4000);
-        row("failed", printerFailed, false, 4000);
-        row("given up", printerBusy, false, 10000);
-    }
-
     void printerIsWaitedForUntilItIsDone()
     {
-        QFETCH(PrinterStatus, end);
         QVERIFY(WaitForPrinter(fakes->ports, 0)); // it never worked yet
-        QVERIFY(SetPrinterStatus(fakes->folders, printerBusy));
-        fakes->pump.After(3500).Then([&] { SetPrinterStatus(fakes->folders, end); });
-        QTEST(WaitForPrinter(fakes->ports, 10), "result");
-        QTEST(int(fakes->clock.Milliseconds()), "time");
+        for (const auto &[end, result, time] : {std::tuple(printerDone, true, 4000),
+                                                {printerFailed, false, 4000},
+                                                {printerBusy, false, 10000}}) {
+            const qint64 start = fakes->clock.Milliseconds();
+            QVERIFY(SetPrinterStatus(fakes->folders, printerBusy));
+            fakes->pump.After(3500).Then([&, status = end] { SetPrinterStatus(fakes->folders, status); });
+            QCOMPARE(WaitForPrinter(fakes->ports, 10), result);
+            QCOMPARE(int(fakes->clock.Milliseconds() - start), time);
+        }
     }
 
 private:

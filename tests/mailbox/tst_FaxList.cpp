@@ -1,10 +1,10 @@
 #include "core/ModelRoles.h"
 #include "fixtures/Profile.h"
+#include "fixtures/TestTable.h"
 #include "mailbox/FaxList.h"
 #include "mailbox/FaxListModel.h"
 
 #include <QAbstractItemModelTester>
-#include <QTest>
 
 #include <memory>
 #include <tuple>
@@ -27,15 +27,12 @@ private slots:
 
     void cellsOfTheModes_data()
     {
-        QTest::addColumn<int>("mode");
-        QTest::addColumn<QString>("folder");
-        QTest::addColumn<QStringList>("cells"); // from column 4 on
-        QTest::newRow("draft") << 1 << "1002"
-                               << QStringList{"Ann;Bob", "It's", "2", "03/04/2026 05:06:07", "a.doc,b.doc"};
-        QTest::newRow("outgoing") << 4 << "1003" << QStringList{"Ann;Bob", "It's", "2", "x.tif"};
+        const TestTable<int, QString, QStringList> row{"mode", "folder", "cells"}; // from column 4 on
+        row("draft", 1, "1002", {"Ann;Bob", "It's", "2", "03/04/2026 05:06:07", "a.doc,b.doc"});
+        row("outgoing", 4, "1003", {"Ann;Bob", "It's", "2", "x.tif"});
         const QStringList sent{"Ann;Bob", "It's", "2", "Busy", "03/05/2026 05:06:07", "C:\\out\\x.tif"};
-        QTest::newRow("sending") << 5 << "1005" << sent;
-        QTest::newRow("undelivered") << 7 << "1007" << sent;
+        row("sending", 5, "1005", sent);
+        row("undelivered", 7, "1007", sent);
     }
 
     void cellsOfTheModes()
@@ -56,42 +53,33 @@ private slots:
         QTEST(Cells(1, colFirstText), "cells");
     }
 
-    void rowIsReadAgain_data()
-    {
-        QTest::addColumn<int>("mode");
-        QTest::addColumn<QString>("table");
-        QTest::addColumn<int>("titleColumn");
-        QTest::newRow("draft") << 1 << "SendFax" << 5;
-        QTest::newRow("received") << 2 << "ReceiveFax" << 6;
-        QTest::newRow("recycled sent") << 3 << "SendFax" << 5;
-        QTest::newRow("recycled received") << 3 << "ReceiveFax" << 5;
-        QTest::newRow("outgoing") << 4 << "SendFax" << 5;
-        QTest::newRow("undelivered") << 7 << "SendFax" << 5;
-    }
-
     void rowIsReadAgain()
     {
-        QFETCH(int, mode);
-        QFETCH(QString, table);
-        QFETCH(int, titleColumn);
-        const QString folder = mode == 3 ? "" : "1001";
-        const Profile::Columns columns{{"folderID", folder}, {"RecyleID", mode == 3 ? "1001" : ""}};
-        if (table == "SendFax") {
-            profile->InsertSentFax("A", columns);
-        } else {
-            profile->InsertReceivedFax("A", columns);
-            Profile::Execute("UPDATE ReceiveFax SET FirstReader='Carl'");
+        for (const auto &[mode, table, titleColumn] : {std::tuple(1, "SendFax", 5),
+                                                       {2, "ReceiveFax", 6},
+                                                       {3, "SendFax", 5},
+                                                       {3, "ReceiveFax", 5},
+                                                       {4, "SendFax", 5},
+                                                       {7, "SendFax", 5}}) {
+            const Profile::Columns columns{{"folderID", mode == 3 ? "" : "1001"},
+                                           {"RecyleID", mode == 3 ? "1001" : ""}};
+            if (*table == 'S') {
+                profile->InsertSentFax("A", columns);
+            } else {
+                profile->InsertReceivedFax("A", columns);
+                Profile::Execute("UPDATE ReceiveFax SET FirstReader='Carl'");
+            }
+            Load(mode, "1001");
+            QStringList wanted = Cells(1, colFirstText);
+            wanted[titleColumn - colFirstText] = "It's";
+            Profile::Execute(QString("UPDATE %1 SET title='It~$@~s', faxLevel='2'").arg(table));
+            list->ReloadRow(1, "A", mode);
+            QCOMPARE(list->Row(1).Level(), 2);
+            QCOMPARE(Cells(1, colFirstText), wanted);
+            Profile::Execute(QString("DELETE FROM %1").arg(table));
+            list->ReloadRow(1, "A", mode);
+            QCOMPARE(list->Row(1).ID(), "A");
         }
-        Load(mode, "1001");
-        QStringList wanted = Cells(1, colFirstText);
-        wanted[titleColumn - colFirstText] = "It's";
-        Profile::Execute("UPDATE " + table + " SET title='It~$@~s', faxLevel='2'");
-        list->ReloadRow(1, "A", mode);
-        QCOMPARE(list->Row(1).Level(), 2);
-        QCOMPARE(Cells(1, colFirstText), wanted);
-        Profile::Execute("DELETE FROM " + table);
-        list->ReloadRow(1, "A", mode);
-        QCOMPARE(list->Row(1).ID(), "A");
     }
 
     void textsOfUsualLengthsAreKept()

@@ -1,6 +1,5 @@
 #include "core/clsDBcon.h"
 #include "fixtures/Profile.h"
-#include "fixtures/TestTable.h"
 #include "platform/DatabaseWatch.h"
 #include "platform/DesktopFileDialogs.h"
 #include "platform/DesktopFontDialogs.h"
@@ -14,6 +13,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTest>
 #include <QTimer>
 
 class tst_MessagePrompts : public QObject
@@ -21,28 +21,24 @@ class tst_MessagePrompts : public QObject
     Q_OBJECT
 
 private slots:
-    void flagsGiveButtonsAndAnswers_data()
-    {
-        const TestTable<long, int, long> row{"flags", "key", "answer"};
-        row("escape of ok", mbCritical, Qt::Key_Escape, mbAnswerOK);
-        row("ok of two", mbOKCancel, Qt::Key_Return, mbAnswerOK);
-        row("cancel", mbOKCancel, Qt::Key_Escape, mbAnswerCancel);
-        row("yes", mbYesNo + mbQuestion, Qt::Key_Return, mbAnswerYes);
-        row("no by default", mbYesNo + mbDefaultButton2, Qt::Key_Return, mbAnswerNo);
-        row("escape of yes and no", mbYesNo, Qt::Key_Escape, mbAnswerNo);
-    }
-
     void flagsGiveButtonsAndAnswers()
     {
-        QFETCH(long, flags);
-        QFETCH(int, key);
-        Qt::TextFormat format = Qt::AutoText;
-        WhenShown<QMessageBox>([&](QMessageBox *box) {
-            format = box->textFormat();
-            QTest::keyClick(box, Qt::Key(key));
-        });
-        QTEST(prompts.Show("A text", flags, {}), "answer");
-        QCOMPARE(format, Qt::PlainText); // text from a server is never markup
+        const std::tuple<long, Qt::Key, long> rows[] = {
+            {mbCritical, Qt::Key_Escape, mbAnswerOK},
+            {mbOKCancel, Qt::Key_Return, mbAnswerOK},
+            {mbOKCancel, Qt::Key_Escape, mbAnswerCancel},
+            {mbYesNo + mbQuestion, Qt::Key_Return, mbAnswerYes},
+            {mbYesNo + mbDefaultButton2, Qt::Key_Return, mbAnswerNo},
+            {mbYesNo, Qt::Key_Escape, mbAnswerNo}};
+        for (const auto &[flags, pressed, answer] : rows) {
+            Qt::TextFormat format = Qt::AutoText;
+            WhenShown<QMessageBox>([&format, key = pressed](QMessageBox *box) {
+                format = box->textFormat();
+                QTest::keyClick(box, key);
+            });
+            QCOMPARE(prompts.Show("A text", flags, {}), answer);
+            QCOMPARE(format, Qt::PlainText); // text from a server is never markup
+        }
     }
 
     void boxOverADisabledWindowStaysAlive()

@@ -1,6 +1,5 @@
 #include "fakes/FakePorts.h"
 #include "fixtures/Profile.h"
-#include "fixtures/TestTable.h"
 #include "platform/CanberraSound.h"
 #include "platform/DesktopShell.h"
 #include "platform/SystemFolders.h"
@@ -8,6 +7,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QTest>
 
 /// Folders, sound, and the programs that are started: small scripts that write down folder and arguments.
 class tst_SystemServices : public QObject
@@ -26,32 +26,27 @@ private slots:
         qputenv("RECORD", root.filePath("record").toUtf8());
     }
 
-    void argumentsAreNeverReadByAShell_data()
-    {
-        const TestTable<QString, QStringList, QStringList> row{"file", "parameters", "started"};
-        const QString companion = root.filePath("program/Companion.exe"), hard = root.filePath(hardName);
-        const QString opener = root.filePath("path/xdg-open"),
-                      mail = "mailto:a@example.com?body=Version%201.0";
-        row("viewer", companion, {"/Brenmot", hard}, {"Companion.exe", "/Brenmot", hard});
-        row("several", companion, {"one", "two words", "", "\"three\""},
-            {"Companion.exe", "one", "two words", "", "\"three\""});
-        row("document", hard, {}, {"xdg-open", hard});
-        row("foreign program, not run", opener, {}, {"xdg-open", opener});
-        row("address", mail, {}, {"xdg-open", mail});
-    }
-
     void argumentsAreNeverReadByAShell()
     {
-        QFETCH(QString, file);
-        QFETCH(QStringList, parameters);
-        const QString record = root.filePath("record");
-        QFile::remove(record);
-        QVERIFY(Open(file, parameters) >= 33);
-        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(record), 20000);
-        QStringList started = QString::fromUtf8(ReadTestFile(record)).chopped(1).split('\n');
-        QCOMPARE(QFileInfo(started.takeAt(1)).canonicalFilePath(),
-                 QFileInfo(root.path()).canonicalFilePath());
-        QTEST(started, "started");
+        const QString companion = root.filePath("program/Companion.exe"), hard = root.filePath(hardName);
+        const QString opener = root.filePath("path/xdg-open"), record = root.filePath("record");
+        const QString mail = "mailto:a@example.com?body=Version%201.0";
+        // What is opened, with which parameters, and which program then runs.
+        const std::tuple<QString, QStringList, QString> rows[] = {
+            {companion, {"/Brenmot", hard}, "Companion.exe"},
+            {companion, {"one", "two words", "", "\"three\""}, "Companion.exe"},
+            {hard, {}, "xdg-open"},
+            {opener, {}, "xdg-open"}, // a foreign program is not run
+            {mail, {}, "xdg-open"}};
+        for (const auto &[file, parameters, program] : rows) {
+            QFile::remove(record);
+            QVERIFY(Open(file, parameters) >= 33);
+            QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(record), 20000);
+            QStringList started = QString::fromUtf8(ReadTestFile(record)).chopped(1).split('\n');
+            QCOMPARE(QFileInfo(started.takeAt(1)).canonicalFilePath(),
+                     QFileInfo(root.path()).canonicalFilePath());
+            QCOMPARE(started, QStringList(program) + (file == companion ? parameters : QStringList(file)));
+        }
     }
 
     void failuresAreBelow33()

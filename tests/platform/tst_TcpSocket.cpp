@@ -48,18 +48,14 @@ private slots:
 
     void failedConnectionIsToldThroughTheLoop()
     {
-        struct
-        {
-            const char *host;
-            int port, number;
-        } rows[] = {
-            {"127.0.0.1", 1, 10061}, {"no-such-host.invalid", 8750, 11001}, {"127.0.0.1", 65616, 10049}};
-        for (const auto &row : rows) {
+        for (const auto &[host, port, number] : {std::tuple("127.0.0.1", 1, 10061),
+                                                 {"no-such-host.invalid", 8750, 11001},
+                                                 {"127.0.0.1", 65616, 10049}}) {
             QSignalSpy errors(socket.get(), &Socket::Error);
-            socket->Connect(row.host, row.port);
+            socket->Connect(host, port);
             QVERIFY(errors.isEmpty());
             QTRY_COMPARE_WITH_TIMEOUT(errors.size(), 1, 30000);
-            QCOMPARE(errors.first().at(0).toInt(), row.number);
+            QCOMPARE(errors.first().at(0).toInt(), number);
             QCOMPARE(socket->State(), Socket::sckError);
         }
     }
@@ -85,8 +81,7 @@ private slots:
     void resetIs10054()
     {
         QTcpSocket *peer = ConnectPair();
-        QSignalSpy errors(socket.get(), &Socket::Error);
-        QSignalSpy closes(socket.get(), &Socket::Closed);
+        QSignalSpy errors(socket.get(), &Socket::Error), closes(socket.get(), &Socket::Closed);
         const linger now{1, 0};
         setsockopt(static_cast<int>(peer->socketDescriptor()), SOL_SOCKET, SO_LINGER, &now, sizeof now);
         peer->abort();
@@ -154,21 +149,19 @@ private slots:
     }
 
 private:
-    QTcpSocket *ConnectPair();
+    /// Connects and gives the server's end.
+    QTcpSocket *ConnectPair()
+    {
+        QSignalSpy connected(socket.get(), &Socket::Connected);
+        socket->Connect("127.0.0.1", server->serverPort());
+        if (!connected.wait() || (!server->hasPendingConnections() && !server->waitForNewConnection(5000)))
+            qFatal("No loopback connection.");
+        return server->nextPendingConnection();
+    }
 
     std::unique_ptr<QTcpServer> server;
     std::unique_ptr<TcpSocket> socket;
 };
-
-/// Connects and gives the server's end.
-QTcpSocket *tst_TcpSocket::ConnectPair()
-{
-    QSignalSpy connected(socket.get(), &Socket::Connected);
-    socket->Connect("127.0.0.1", server->serverPort());
-    if (!connected.wait() || (!server->hasPendingConnections() && !server->waitForNewConnection(5000)))
-        qFatal("No loopback connection.");
-    return server->nextPendingConnection();
-}
 
 QTEST_GUILESS_MAIN(tst_TcpSocket)
 #include "tst_TcpSocket.moc"

@@ -75,7 +75,6 @@ private:
     std::mt19937 random;
 };
 } // namespace
-Q_DECLARE_METATYPE(Ask)
 
 /// The bytes that the server gets, and replies put together from reads.
 class tst_clsClient : public QObject
@@ -217,32 +216,25 @@ private slots:
         QVERIFY(wire.aReplies.isEmpty()); // nothing more came after the reconnection
     }
 
-    void rubbishHurtsNoReader_data()
-    {
-        const TestTable<quint32, Ask> row{"seed", "ask"};
-        row("short reply", 1000, [](auto &wire) { wire.client->GetContactVersion(); });
-        row("long reply", 2000000, [](auto &wire) { wire.client->GetUserList(); });
-        row("announcement", 3000000, [](auto &wire) { wire.client->GetFax(0, "A1", wire.Folder()); });
-        row("file", 4000000, [](auto &wire) { wire.BeginDownload("A1"); });
-        row("header", 5000000, [](auto &wire) { wire.client->SendFaxFile("header", wire.Path("out.tif")); });
-    }
-
     /// A server that lies, stutters and sends rubbish. Whatever comes, in whatever cuts: no crash, no endless
     /// wait, no more memory than what came, no file but the one asked for, and the next connection works.
     void rubbishHurtsNoReader()
     {
-        QFETCH(quint32, seed);
-        QFETCH(Ask, ask);
+        const Ask asks[] = {[](auto &wire) { wire.client->GetContactVersion(); },
+                            [](auto &wire) { wire.client->GetUserList(); },
+                            [](auto &wire) { wire.client->GetFax(0, "A1", wire.Folder()); },
+                            [](auto &wire) { wire.BeginDownload("A1"); },
+                            [](auto &wire) { wire.client->SendFaxFile("header", wire.Path("out.tif")); }};
         WireDialogue wire;
         wire.MakeFile("out.tif", "fax");
         qsizetype largest = 0;
         connect(wire.client.get(), &clsClient::DataArrival,
                 [&](const ClientReply &reply) { largest = qMax(largest, reply.abData.capacity()); });
-        for (const quint32 last = seed + 3000; seed < last; ++seed) {
+        for (quint32 seed = 0; seed < 15000; ++seed) {
             Liar server(seed);
             qint64 fed = 0;
             largest = 0;
-            ask(wire);
+            asks[seed % 5](wire);
             const QByteArrayList reads = server.Reads();
             for (const QByteArray &read : reads) {
                 fed += read.size();

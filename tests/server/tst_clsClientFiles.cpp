@@ -28,7 +28,6 @@ void BeginUpload(WireDialogue &wire, const QByteArray &content)
     wire.Sent();
 }
 } // namespace
-Q_DECLARE_METATYPE(Action)
 
 /// Files in both directions.
 class tst_clsClientFiles : public QObject
@@ -132,48 +131,47 @@ private slots:
                                                       content.sliced(2048000, 2048000), "f"}));
     }
 
-    void waitForTheAnswer_data()
+    void waitForTheAnswer()
     {
-        const TestTable<int, Action, bool, bool, int> row{"delay", "act", "starts", "timesOut", "end"};
         const auto answer = [](const QByteArray &text) {
             return [text](WireDialogue &wire) { wire.socket.FeedShort(text); };
         };
-        const Action nothing = [](auto &) {}, quit = [](auto &wire) { wire.ports.pump.Quit(); };
-        const Action close = [](auto &wire) { wire.socket.CloseByServer(); };
-        const Action destroy = [](auto &wire) { wire.client.reset(); };
-        const Action reconnect = [](auto &wire) { wire.client->Cancel(), wire.Reconnect(); };
-        row("answered late", 7900, answer("OK"), true, false, 8000);
-        row("refused: told as a time-out", 100, answer("ERR\r\n7\r\n"), false, true, 8000);
-        row("never answered", 100, nothing, false, true, 8000);
-        row("closed by the server", 100, close, false, false, 200);
-        row("program quits", 100, quit, false, false, 200);
-        row("client destroyed", 100, destroy, false, false, 200);
-        row("cancelled and connected again", 100, reconnect, false, false, 200);
-    }
-
-    void waitForTheAnswer()
-    {
-        QFETCH(int, delay);
-        QFETCH(Action, act);
-        QFETCH(bool, starts);
-        QFETCH(bool, timesOut);
-        QFETCH(int, end);
-        WireDialogue wire;
-        BeginUpload(wire, "fax");
-        wire.ports.pump.After(delay).Then([&] { act(wire); }).Then([&] { // the watchdog stands still
-            QCOMPARE(wire.client && wire.client->IsWaitingServerReady(), timesOut);
-        });
-        wire.socket.DrainSends();
-        QVERIFY(wire.ports.clock.lMilliseconds > end - 200 && wire.ports.clock.lMilliseconds <= end);
-        QCOMPARE(wire.aErrors.size(), timesOut ? 1 : 0);
-        if (timesOut) {
-            QCOMPARE(wire.aErrors.first().lNumber, 748);
-            QCOMPARE(wire.aErrors.first().strDescription, "Sending Fax Out of Time");
-            QCOMPARE(wire.client->State(), int(Socket::sckClosed));
-            QVERIFY(wire.aReplies.isEmpty());
+        const struct
+        {
+            int lDelay;
+            Action act;
+            bool bStarts, bTimesOut;
+            int lEnd;
+        } rows[] = {
+            {7900, answer("OK"), true, false, 8000},
+            {100, answer("ERR\r\n7\r\n"), false, true, 8000}, // a refusal is told as a time-out
+            {100, [](auto &) {}, false, true, 8000},
+            {100, [](auto &wire) { wire.socket.CloseByServer(); }, false, false, 200},
+            {100, [](auto &wire) { wire.ports.pump.Quit(); }, false, false, 200},
+            {100, [](auto &wire) { wire.client.reset(); }, false, false, 200},
+            {100, [](auto &wire) { wire.client->Cancel(), wire.Reconnect(); }, false, false, 200},
+        };
+        for (const auto &row : rows) {
+            WireDialogue wire;
+            BeginUpload(wire, "fax");
+            wire.ports.pump.After(row.lDelay)
+                .Then([&] { row.act(wire); })
+                .Then([&] { // the watchdog stands still
+                    QCOMPARE(wire.client && wire.client->IsWaitingServerReady(), row.bTimesOut);
+                });
+            wire.socket.DrainSends();
+            const qint64 end = wire.ports.clock.lMilliseconds;
+            QVERIFY2(end > row.lEnd - 200 && end <= row.lEnd, qPrintable(QString::number(&row - rows)));
+            QCOMPARE(wire.aErrors.size(), row.bTimesOut ? 1 : 0);
+            if (row.bTimesOut) {
+                QCOMPARE(wire.aErrors.first().lNumber, 748);
+                QCOMPARE(wire.aErrors.first().strDescription, "Sending Fax Out of Time");
+                QCOMPARE(wire.client->State(), int(Socket::sckClosed));
+                QVERIFY(wire.aReplies.isEmpty());
+            }
+            if (wire.client)
+                QCOMPARE(wire.Sent(), row.bStarts ? Frames::FormC(3, "fax") : QByteArray());
         }
-        if (wire.client)
-            QCOMPARE(wire.Sent(), starts ? Frames::FormC(3, "fax") : QByteArray());
     }
 
     void fileThatShrinksEndsTheConnection()
