@@ -23,6 +23,7 @@
 #include <QScopeGuard>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 constexpr qsizetype lIDLength = 32;
@@ -45,12 +46,7 @@ FaxUpload::FaxUpload(const Ports &ports, const UploadRooms &rooms)
     , rooms(rooms)
 {
     rooms.session.SetHandler(pndUpload, [this](const ClientReply &reply) { HandleUploadReply(reply); });
-    rooms.session.SetUploadEvents({[this](int percent) { ShowTransfer(percent); },
-                                   [this] {
-                                       // The program may die before the answer comes.
-                                       OutgoingFaxes::MarkHandedOver(CurrentSendFaxID);
-                                       stage = Stage::Leaving;
-                                   },
+    rooms.session.SetUploadEvents({[this](int percent) { ShowTransfer(percent); }, [this] { MarkCurrent(); },
                                    [this] { stage = std::max(stage, Stage::Left); }});
 }
 
@@ -67,6 +63,7 @@ bool FaxUpload::GetSendFaxID(bool useList, const QString &idList, bool clearRows
         CurrentSendFaxID.clear();
     });
     strError.clear();
+    strMarkedAhead.clear();
     bool result = false;
     try {
         rooms.session.SetIdleState(false);
@@ -108,6 +105,9 @@ void FaxUpload::LeaveOutDoubtful(QStringList &ids)
 {
     constexpr qsizetype most = 10;
     const QList<OutgoingFaxes::Doubtful> doubtful = OutgoingFaxes::MayHaveArrived(ids);
+    aMarked.clear();
+    for (const OutgoingFaxes::Doubtful &fax : doubtful)
+        aMarked.append(fax.strFaxID);
     if (doubtful.isEmpty())
         return;
     QStringList titles;
@@ -119,8 +119,8 @@ void FaxUpload::LeaveOutDoubtful(QStringList &ids)
                          "\n\n" + Tr("Send them again? Otherwise they stay in Outgoing.");
     if (ports.message.ShowMessage(text, mbYesNo + mbQuestion + mbDefaultButton2) == mbAnswerYes)
         return;
-    for (const OutgoingFaxes::Doubtful &fax : doubtful)
-        ids.removeAll(fax.strFaxID);
+    for (const QString &id : aMarked)
+        ids.removeAll(id);
 }
 
 bool FaxUpload::RunUpload(const QStringList &ids, const Run &run)
@@ -167,11 +167,27 @@ void FaxUpload::EndEmpty(const Run &run)
 bool FaxUpload::SendEach(const QStringList &ids, bool &result)
 {
     rooms.session.bUserAbort = false;
-    for (int i = 0; i < ids.size(); ++i) {
-        if (!SendOne(ids.at(i), i + 1, result))
-            return false;
+    bool goesOn = true;
+    for (int i = 0; goesOn && i < ids.size(); ++i) {
+        strNextID = ids.value(i + 1);
+        if (aMarked.contains(strNextID))
+            strNextID.clear();
+        goesOn = SendOne(ids.at(i), i + 1, result);
+        if (strMarkedAhead != strNextID) // it did not go
+            OutgoingFaxes::Unmark(std::exchange(strMarkedAhead, {}));
     }
-    return true;
+    OutgoingFaxes::Unmark(std::exchange(strMarkedAhead, {}));
+    return goesOn;
+}
+
+/// The program may die before the answer comes.
+void FaxUpload::MarkCurrent()
+{
+    if (strMarkedAhead == CurrentSendFaxID)
+        strMarkedAhead.clear();
+    else
+        OutgoingFaxes::MarkHandedOver(CurrentSendFaxID);
+    stage = Stage::Leaving;
 }
 
 /// False when the run cannot go on.
@@ -283,7 +299,8 @@ void FaxUpload::HandleUploadReply(const ClientReply &reply)
         if (OutgoingFaxes::IsTaken(id))
             return; // another fax's row must not get mixed up with this one
         LastServerFaxID = id;
-        OutgoingFaxes::Accept(CurrentSendFaxID, id, strPath, Now());
+        OutgoingFaxes::Accept(CurrentSendFaxID, id, strPath, Now(), strNextID);
+        strMarkedAhead = strNextID;
     }
     stage = Stage::Accepted;
     rooms.session.SignalServerReply();

@@ -50,6 +50,7 @@ private:
 
     void TellBusy();
     QStringList PickFaxes(bool useList, const QString &idList);
+    void MarkCurrent();
     void LeaveOutDoubtful(QStringList &ids);
     bool RunUpload(const QStringList &ids, const Run &run);
     void EndEmpty(const Run &run);
@@ -77,6 +78,9 @@ private:
     QString CurrentSendFaxID; ///< the local id of the fax in transfer
     QString LastServerFaxID;  ///< the id that the server gave the last fax
     QString strPath;          ///< the file in transfer
+    QString strNextID;        ///< of the fax after this one, as far as it may be marked already
+    QString strMarkedAhead;   ///< of a fax that is marked and has not begun to leave; empty for none
+    QStringList aMarked;      ///< of those that were marked before this run
     Stage stage = Stage::Waiting;
     QString strError; ///< the first error of the run, for the user; empty for none
     bool bSent = false;

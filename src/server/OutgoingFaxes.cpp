@@ -1,6 +1,7 @@
 #include "server/OutgoingFaxes.h"
 
 #include "core/Globals.h"
+#include "core/TransactionScope.h"
 #include "core/Utilities.h"
 #include "mailbox/FaxFiles.h"
 
@@ -164,6 +165,13 @@ void OutgoingFaxes::MarkHandedOver(const QString &id)
         QStringLiteral("Update SendFax Set sSndReserve1=Fax_ID Where Fax_ID='%1'").arg(EscapeText(id)));
 }
 
+void OutgoingFaxes::Unmark(const QString &id)
+{
+    if (!id.isEmpty())
+        Global().objDB->Execute(
+            QStringLiteral("Update SendFax Set sSndReserve1='' Where Fax_ID='%1'").arg(EscapeText(id)));
+}
+
 bool OutgoingFaxes::IsTaken(const QString &id)
 {
     const auto row = Global().objDB->SelectEx(
@@ -172,13 +180,18 @@ bool OutgoingFaxes::IsTaken(const QString &id)
     return row->Next() && row->Number(0) > 0;
 }
 
-void OutgoingFaxes::Accept(const QString &id, const QString &newID, const QString &path, const QString &time)
+void OutgoingFaxes::Accept(const QString &id, const QString &newID, const QString &path, const QString &time,
+                           const QString &nextID)
 {
-    // When the statement fails the second name stays: `Recover` finds the server's id by it.
+    // When the database refuses the second name stays: `Recover` finds the server's id by it.
     AddName(path, NewPath(newID));
+    TransactionScope change(*Global().objDB);
     Global().objDB->Execute(QStringLiteral("Update SendFax set Fax_ID='%1', FileName='%1.tif', "
                                            "FolderID='1005',Result='Sending',SendTime='%2' Where Fax_ID='%3'")
                                 .arg(newID, time, EscapeText(id)));
+    if (!nextID.isEmpty())
+        MarkHandedOver(nextID);
+    change.Commit();
     DropName(path, NewPath(newID));
 }
 

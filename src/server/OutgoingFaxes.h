@@ -37,12 +37,16 @@ bool IsSendable(const QString &path);
 
 /// To be called before the last bytes of the file go.
 void MarkHandedOver(const QString &id);
+/// The file has not gone after all. An empty id does nothing.
+void Unmark(const QString &id);
 
 /// True when a fax has this id, or a file with its name.
 bool IsTaken(const QString &id);
 /// The server has accepted the fax under an id of its own: row and file get it, and the fax is in "Sending".
-/// At every moment the row names a complete file. `path` is the file that was sent.
-void Accept(const QString &id, const QString &newID, const QString &path, const QString &time);
+/// At every moment the row names a complete file. `path` is the file that was sent. The fax `nextID`, if it
+/// is not empty, is marked as handed over with the same write to the disk: one of its own takes as long.
+void Accept(const QString &id, const QString &newID, const QString &path, const QString &time,
+            const QString &nextID = {});
 /// The fax goes to "Sending" under the id that it has; nothing happens when it has got another. `answered`
 /// ends the doubt.
 void MoveToSending(const QString &id, bool answered, const QString &time);
