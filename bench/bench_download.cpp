@@ -1,3 +1,4 @@
+#include "Loopback.h"
 #include "platform/SystemPorts.h"
 #include "platform/TcpSocket.h"
 #include "server/wire/Frames.h"
@@ -12,14 +13,10 @@
 #include <cstring>
 #include <functional>
 #include <memory>
-#include <thread>
 #include <vector>
 
-#include <arpa/inet.h>
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -33,96 +30,44 @@ constexpr qint32 peakFileSize = 500 * 1000 * 1000;
 constexpr std::size_t blockSize = 256 * 1024;
 const QByteArray announcement = "OK\r\nsender\r\n";
 
-void ReadAll(int connection, std::size_t count)
-{
-    std::vector<char> bytes(count);
-    if (recv(connection, bytes.data(), count, MSG_WAITALL) != static_cast<ssize_t>(count))
-        std::perror("server reads");
-}
-
 /// Serves one file per connection: the first block, then the rest as fast as it is taken.
-class FileServer
+class FileServer final : public Loopback::Server
 {
 public:
     explicit FileServer(qint32 size)
-        : lSize(size)
-        , lListener(socket(AF_INET, SOCK_STREAM, 0))
+        : Server([this](int connection) { Serve(connection); })
+        , lSize(size)
     {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t length = sizeof address;
-        bind(lListener, reinterpret_cast<sockaddr *>(&address), length);
-        listen(lListener, 1);
-        getsockname(lListener, reinterpret_cast<sockaddr *>(&address), &length);
-        lPort = ntohs(address.sin_port);
-        thread = std::thread([this] { Run(); });
     }
-    ~FileServer()
-    {
-        shutdown(lListener, SHUT_RDWR);
-        thread.join();
-        close(lListener);
-    }
-    int Port() const { return lPort; }
 
 private:
-    void Run()
-    {
-        for (int connection; (connection = accept(lListener, nullptr, nullptr)) >= 0; close(connection))
-            Serve(connection);
-    }
     void Serve(int connection) const
     {
-        const int yes = 1;
-        setsockopt(connection, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
-        ReadAll(connection, Frames::FormA(Frames::cmdGetFax, QByteArray("0\0A1", 4)).size());
-        Send(connection, Frames::Long(static_cast<qint32>(announcement.size())) + announcement);
-        ReadAll(connection, 4);
+        Loopback::Read(connection, Frames::FormA(Frames::cmdGetFax, QByteArray("0\0A1", 4)).size());
+        Loopback::Send(connection, Frames::Long(static_cast<qint32>(announcement.size())) + announcement);
+        Loopback::Read(connection, 4);
         QByteArray block(blockSize, 'x');
-        Send(connection, Frames::Long(lSize) + block);
-        ReadAll(connection, 4);
+        Loopback::Send(connection, Frames::Long(lSize) + block);
+        Loopback::Read(connection, 4);
         for (qint64 left = lSize - block.size(); left > 0; left -= block.size()) {
             block.truncate(qMin<qint64>(left, block.size()));
-            Send(connection, block);
+            Loopback::Send(connection, block);
             char goOns[4096];
             while (recv(connection, goOns, sizeof goOns, MSG_DONTWAIT) > 0) {
             }
         }
-        shutdown(connection, SHUT_WR);
-        char rest[4096];
-        while (recv(connection, rest, sizeof rest, 0) > 0) {
-        }
-    }
-    static void Send(int connection, const QByteArray &bytes)
-    {
-        for (qsizetype done = 0; done < bytes.size();) {
-            const ssize_t sent =
-                send(connection, bytes.constData() + done, bytes.size() - done, MSG_NOSIGNAL);
-            if (sent <= 0)
-                return;
-            done += sent;
-        }
+        Loopback::ReadToEnd(connection);
     }
 
     qint32 lSize;
-    int lListener;
-    int lPort = 0;
-    std::thread thread;
 };
 
 /// Read, write, permit; nothing else.
 qint64 DownloadMinimally(int port, const QString &path)
 {
-    const int connection = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(static_cast<uint16_t>(port));
-    if (connect(connection, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0)
+    const int connection = Loopback::Connect(port);
+    if (connection < 0)
         return -1;
-    const int yes = 1;
-    setsockopt(connection, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
     const QByteArray request = Frames::FormA(Frames::cmdGetFax, QByteArray("0\0A1", 4));
     send(connection, request.constData(), request.size(), 0);
     std::vector<char> buffer(blockSize);
