@@ -59,6 +59,7 @@ CommandStates::States CommandStates::SetGridCommands(const GridInput &input)
         {"mnuUnRead", hasFaxes},
         {"mnuSelectAll", hasFaxes},
         {"mnuReverseSel", hasFaxes},
+        {"mnuRefresh", mayChange},
         {"mnuCancelSend", key == "1005" && hasRows && input.bOnline},
         {"mnuResendError", input.bOnline && hasRows && isFailed},
         {"mnuInterResend", canResend},

@@ -66,6 +66,17 @@ int FaxList::RowOf(const QString &id) const
     return found == aRows.rend() ? 0 : static_cast<int>(found - aRows.rbegin()) + 1;
 }
 
+QList<int> FaxList::RowsOf(const QStringList &ids) const
+{
+    const FaxFinder finder(QSet<QString>(ids.begin(), ids.end()));
+    QList<int> rows;
+    for (int row = 1; row <= RowCount(); ++row) {
+        if (finder.Finds(Row(row)))
+            rows.append(row);
+    }
+    return rows;
+}
+
 QString FaxList::QuotedIds() const
 {
     constexpr qsizetype usualSize = 35; // 32 digits, the quotes and a comma
@@ -103,16 +114,22 @@ void FaxList::LoadSummary(const FaxListQueries::Subtrees &subtrees, const QStrin
 void FaxList::LoadFaxes(FaxListQueries::Selection selection, bool clearFirst)
 {
     selection.strListed = clearFirst ? QString() : QuotedIds();
+    Rows rows = ReadRows(selection);
+    if (clearFirst)
+        Replace(std::move(rows));
+    else
+        AddOnTop(std::move(rows));
+}
+
+FaxList::Rows FaxList::ReadRows(const FaxListQueries::Selection &selection)
+{
     Rows rows;
     for (const FaxListQueries::Query &query : FaxListQueries::ForFolder(selection)) {
         const auto statement = Global().objDB->SelectEx(query.strSql);
         while (statement->Next())
             rows.emplace_back(*statement, selection.lMode, query.lFaxTable);
     }
-    if (clearFirst)
-        Replace(std::move(rows));
-    else
-        AddOnTop(std::move(rows));
+    return rows;
 }
 
 void FaxList::Replace(Rows rows)
@@ -131,6 +148,54 @@ void FaxList::AddOnTop(Rows rows)
     emit AboutToInsertOnTop(static_cast<int>(rows.size()));
     std::move(rows.begin(), rows.end(), std::back_inserter(aRows));
     emit InsertedOnTop();
+}
+
+int FaxList::FollowFaxes(FaxListQueries::Selection selection, const QStringList &ids,
+                         const QStringList &hidden, int row)
+{
+    QSet<QString> leaving(ids.begin(), ids.end());
+    Rows rows;
+    if (!ids.isEmpty()) {
+        selection.strExtraFilter += " and Fax_ID in('" + ids.join("','") + "')";
+        rows = ReadRows(selection);
+    }
+    for (const FaxRow &fax : rows)
+        leaving.remove(fax.ID());
+    leaving.unite(QSet<QString>(hidden.begin(), hidden.end()));
+    rows = ReplaceListed(std::move(rows));
+    int above = 0;
+    for (const Block &block : FindBlocks(leaving))
+        above += std::clamp(row - block.lFirst, 0, block.lLast - block.lFirst + 1);
+    Remove(leaving);
+    const int added = static_cast<int>(rows.size());
+    AddOnTop(std::move(rows));
+    return row == 0 ? 0 : std::min(row - above + added, RowCount());
+}
+
+/// Puts rows that were read again in the place of the old ones; those that are not listed yet come back.
+FaxList::Rows FaxList::ReplaceListed(Rows rows)
+{
+    QMultiHash<QString, std::size_t> places;
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        places.insert(rows[i].ID(), i);
+    const QList<int> listed = RowsOf(places.uniqueKeys());
+    std::vector<bool> isUsed(rows.size());
+    for (const int row : listed) {
+        FaxRow &fax = aRows[Place(row)];
+        const auto found = places.find(fax.ID());
+        if (found == places.end()) // two rows of one id, of which one has left
+            continue;
+        isUsed[*found] = true;
+        fax = std::move(rows[*found]);
+        places.erase(found);
+        emit RowsChanged(row, row);
+    }
+    Rows others;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (!isUsed[i])
+            others.push_back(std::move(rows[i]));
+    }
+    return others;
 }
 
 void FaxList::ReloadRow(int row, const QString &id, int mode)

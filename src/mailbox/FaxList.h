@@ -28,6 +28,8 @@ public:
     const FaxRow &Row(int row) const { return aRows[Place(row)]; }
     /// The row of a fax; 0 when it is not listed.
     int RowOf(const QString &id) const;
+    /// The rows of those faxes that are listed, from the top.
+    QList<int> RowsOf(const QStringList &ids) const;
     /// The ids of all rows, quoted for a statement.
     QString QuotedIds() const;
     int UnreadCount() const;
@@ -38,6 +40,13 @@ public:
     void LoadSummary(const FaxListQueries::Subtrees &subtrees, const QString &dateRange);
     /// Fills the list for modes 1 to 7. `clearFirst` false adds on top what is not listed yet.
     void LoadFaxes(FaxListQueries::Selection selection, bool clearFirst);
+
+    /// Brings some faxes up to date that changed in the tables, among them perhaps some that are not listed:
+    /// those that `selection` gives no more go, and with them the `hidden` ones; new ones come on top, the
+    /// others are read again where they stand. Ids must be safe for a statement. Gives the new number of
+    /// `row`, or of the one that took its place; 0 for 0.
+    int FollowFaxes(FaxListQueries::Selection selection, const QStringList &ids, const QStringList &hidden,
+                    int row);
 
     /// Reads a fax again into a row; a fax that is gone leaves the row as it was. `mode` is 1 to 7.
     void ReloadRow(int row, const QString &id, int mode);
@@ -78,7 +87,9 @@ private:
     };
 
     std::size_t Place(int row) const { return aRows.size() - static_cast<std::size_t>(row); }
+    static Rows ReadRows(const FaxListQueries::Selection &selection);
     void Replace(Rows rows);
+    Rows ReplaceListed(Rows rows);
     std::vector<Block> FindBlocks(const QSet<QString> &ids) const;
     void RemoveBlock(const Block &block);
     void RemoveInOnePass(const std::vector<Block> &blocks);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 /// What the runs of the server room ask of the mailbox on the screen. Folder keys are the ids of the folders.
 class Mailbox
@@ -39,6 +40,12 @@ public:
 
     /// A fax of the list has got another id.
     virtual void ChangeFaxID(const QString &oldID, const QString &newID) = 0;
+
+    /// Sent faxes changed in the tables, perhaps their folder: a list of sent faxes takes out those that
+    /// left, puts new ones on top, and shows the others anew. Those of `hidden` it takes out wherever they
+    /// are. The selection stays with its faxes; when the one on show goes, the one that took its place is
+    /// selected. The counts follow with `RefreshFolderUnreadCounts`.
+    virtual void FollowFaxes(const QStringList &ids, const QStringList &hidden) = 0;
 
     /// Recounts the unread faxes of all folders under the date range on the screen.
     virtual void RefreshFolderUnreadCounts() = 0;

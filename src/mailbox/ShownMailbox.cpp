@@ -74,6 +74,7 @@ void ShownMailbox::ReloadSelectedFolder()
 void ShownMailbox::ShowFolder(FolderNode *node)
 {
     selected = node;
+    loaded = {};
     ClearSelection();
     ResetPreview();
     Trap("Error In InitFaxList", [&] { list.SetLayout(GetColumnLayout(node->Family)); });
@@ -154,10 +155,12 @@ std::optional<long> ShownMailbox::LoadList(const QString &key, int mode, const Q
                                            bool allFolders, bool clearFirst)
 {
     const QString previousFax = clearFirst ? QString() : strCurrent;
+    const FaxListQueries::Selection selection{key, mode, extraFilter, allFolders, {}, dates.Text()};
     if (mode == 0)
         LoadSummary();
     else
-        list.LoadFaxes({key, mode, extraFilter, allFolders, {}, dates.Text()}, clearFirst);
+        list.LoadFaxes(selection, clearFirst);
+    loaded = selection;
     narrowing = {dates.FirstDay(), dates.LastDay(), !extraFilter.isEmpty()};
     SelectAfterLoad(previousFax);
     emit CommandsChanged();

@@ -61,6 +61,7 @@ public:
     void NotifySaveFax(int kind, bool isNew, const QString &id) override;
     bool DropFirstWaiting() override;
     void ChangeFaxID(const QString &oldID, const QString &newID) override;
+    void FollowFaxes(const QStringList &ids, const QStringList &hidden) override;
 
     // What the user does
     void SelectFolder(const QString &key);
@@ -134,6 +135,7 @@ private:
     void NotifySending(bool isNew, const QString &id);
     void Recount(QStringList keys);
     void SelectAfterLoad(const QString &previousFax);
+    void KeepSelection(int row);
     void ClearSelection();
     void ResetPreview();
     void ShowStatus(const char *format, std::optional<long> unread = {});
@@ -146,6 +148,7 @@ private:
     FaxList list;
     FaxPreview preview;
     DateFilter dates;
+    FaxListQueries::Selection loaded; ///< what the list was filled with last
     Narrowing narrowing;
     ReadMarks marks;
     FolderNode *selected = nullptr;

@@ -1,6 +1,7 @@
 // What happens to single faxes of the list.
 
 #include "core/Globals.h"
+#include "core/Utilities.h"
 #include "mailbox/FaxFiles.h"
 #include "mailbox/ShownMailbox.h"
 
@@ -11,6 +12,7 @@
 
 namespace {
 
+constexpr int lFirstSentMode = 5; ///< of `LoadGridItem`: the lists of faxes that the server has got
 enum SavedKind { savedDraft = 0, savedOutgoing = 1, savedSending = 2, savedFilter = 3 };
 
 } // namespace
@@ -78,6 +80,43 @@ void ShownMailbox::DeleteSpecItemFromGrid(const QStringList &ids, bool refresh)
 }
 
 // Faxes that changed hands
+
+void ShownMailbox::FollowFaxes(const QStringList &ids, const QStringList &hidden)
+{
+    if (loaded.lMode < lFirstSentMode || (ids.isEmpty() && hidden.isEmpty()))
+        return;
+    Guard("LoadGridItem", [&] {
+        QStringList safe;
+        std::copy_if(ids.begin(), ids.end(), std::back_inserter(safe), IsSafeFaxID);
+        const bool wasEmpty = list.RowCount() == 0;
+        int row = SelectedRow();
+        {
+            const QScopedValueRollback<bool> reloading(bReloading, true);
+            row = list.FollowFaxes(loaded, safe, hidden, row);
+        }
+        KeepSelection(wasEmpty ? 1 : row);
+    });
+}
+
+/// After rows went and came: `row` is now that of the fax on show, or took its place; 0 when none was.
+void ShownMailbox::KeepSelection(int row)
+{
+    QStringList listed;
+    for (const int selectedRow : list.RowsOf(aSelected))
+        listed.append(list.Row(selectedRow).ID());
+    aSelected = listed;
+    if (row > 0 && aSelected.isEmpty()) {
+        SelectRowOrNone(row);
+    } else if (row > 0) {
+        const bool hasLeft = SelectedRow() == 0; // the one on show, of several selected
+        if (hasLeft)
+            strCurrent = aSelected.first();
+        emit RowSelected(SelectedRow());
+        if (hasLeft)
+            ShowFax(strCurrent);
+    }
+    emit CommandsChanged();
+}
 
 void ShownMailbox::NotifySaveFax(int kind, bool isNew, const QString &id)
 {

@@ -27,7 +27,10 @@ void Session::SetHandler(PendingCommand pending, Handler handler)
 void Session::SetOwnHandlers()
 {
     const Handler signal = [this](const ClientReply &) { SignalServerReply(); };
-    SetHandler(pndCancelSending, signal);
+    SetHandler(pndCancelSending, [this](const ClientReply &reply) {
+        if (reply.lState != ClientReply::statPart) // the rest would answer the next command
+            SignalServerReply();
+    });
     SetHandler(pndLogIn, signal);
     SetHandler(pndLogOut, [this](const ClientReply &) {
         bReplyDone = true;

@@ -56,25 +56,28 @@ private slots:
     void gridCommandsFollowFolderAndSelection_data()
     {
         const TestTable<GridInput, QString> row{"input", "enabled"}; // names in their order, without "mnu"
-        row("empty folder", Input("1001", FolderFamily::Received, "empty viewing"), "");
+        row("empty folder", Input("1001", FolderFamily::Received, "empty viewing"), "Refresh");
         row("fax without a file", Input("1001", FolderFamily::Received),
-            "EditDelete FaxProperty FindFax HadRead MoveFax ReverseSel SelectAll UnRead");
+            "EditDelete FaxProperty FindFax HadRead MoveFax Refresh ReverseSel SelectAll UnRead");
         row("fax on show", Input("1001", FolderFamily::Received, "viewing"),
-            "EditDelete FaxProperty FindFax HadRead InterResend MoveFax Print ResendToMail ReverseSel SaveAs "
+            "EditDelete FaxProperty FindFax HadRead InterResend MoveFax Print Refresh ResendToMail "
+            "ReverseSel SaveAs "
             "SelectAll UnRead ViewFax");
         row("busy", Input("1001", FolderFamily::Received, "viewing busy"),
             "FaxProperty FindFax HadRead Print ResendToMail ReverseSel SelectAll UnRead ViewFax");
         row("outgoing", Input("1003", FolderFamily::WaitSend, "viewing"),
-            "EditDelete FaxProperty FindFax HadRead MoveFax Print ResendToMail ReverseSel SaveAs SelectAll "
+            "EditDelete FaxProperty FindFax HadRead MoveFax Print Refresh ResendToMail ReverseSel SaveAs "
+            "SelectAll "
             "UnRead ViewFax");
         row("sending online", Input("1005", FolderFamily::Sended, "online"),
-            "CancelSend EditDelete FaxProperty FindFax HadRead MoveFax ReverseSel SelectAll UnRead");
+            "CancelSend EditDelete FaxProperty FindFax HadRead MoveFax Refresh ReverseSel SelectAll UnRead");
         row("sending offline", Input("1005", FolderFamily::Sended),
-            "EditDelete FaxProperty FindFax HadRead MoveFax ReverseSel SelectAll UnRead");
+            "EditDelete FaxProperty FindFax HadRead MoveFax Refresh ReverseSel SelectAll UnRead");
         row("below undelivered", Input("USER", FolderFamily::Sended, "online below"),
-            "EditDelete FaxProperty FindFax HadRead MoveFax ResendError ReverseSel SelectAll UnRead");
+            "EditDelete FaxProperty FindFax HadRead MoveFax Refresh ResendError ReverseSel SelectAll UnRead");
         row("recycle bin", Input("1008", FolderFamily::Recyle, "viewing"),
-            "EditDelete FaxProperty HadRead MoveFax Print ResendToMail Resume ReverseSel SaveAs SelectAll "
+            "EditDelete FaxProperty HadRead MoveFax Print Refresh ResendToMail Resume ReverseSel SaveAs "
+            "SelectAll "
             "UnRead ViewFax");
     }
 

@@ -68,6 +68,34 @@ private slots:
         QCOMPARE(canvas.ZValue(), 1.0);
     }
 
+    /// So many rows go that the view has to begin anew.
+    void selectionOutlivesFaxesThatLeave()
+    {
+        QStringList leaving;
+        for (int i = 0; i < 150; ++i) {
+            const QString id = QString("S%1").arg(i, 3, 10, QChar('0'));
+            profile->InsertSentFax(id, {{"folderID", "1006"}, {"SendTime", id}});
+            if (i % 2)
+                leaving.append(id);
+        }
+        SelectInTree("Sent");
+        mailbox->SelectFolder("1006");
+        auto &grid = Get<QTreeView>("grdFaxList");
+        const auto select = [&](int row, QItemSelectionModel::SelectionFlag flag) {
+            grid.selectionModel()->setCurrentIndex(grid.model()->index(row, 3),
+                                                   flag | QItemSelectionModel::Rows);
+        };
+        select(149, QItemSelectionModel::ClearAndSelect); // "S000"
+        select(147, QItemSelectionModel::Select);
+        select(146, QItemSelectionModel::Select); // "S003", which leaves
+        Profile::Execute("Update SendFax Set FolderID='1007' Where Fax_ID in('" + leaving.join("','") + "')");
+        mailbox->FollowFaxes(leaving, {});
+        QCOMPARE(grid.model()->rowCount(), 75);
+        QCOMPARE(mailbox->SelectedFaxes(), QStringList({"S002", "S000"}));
+        QCOMPARE(grid.selectionModel()->selectedRows().size(), 2);
+        QCOMPARE(grid.currentIndex().row(), mailbox->SelectedRow() - 1);
+    }
+
     void turnedPageShowsThePartThatWasLookedAt()
     {
         auto &canvas = Get<PageCanvas>("picPreviewImage");

@@ -72,9 +72,9 @@ public:
                 sound, blocks, instance, sockets, fileDialogs, fontDialogs, printers};
 
     FakeDesktop desktop;
-    FaxStatus faxStatus;
     Progress progress{timers};
     Session session{ports, progress, desktop.mainWindow};
+    FaxStatus faxStatus{ports, {session, progress, desktop.mainWindow, desktop.mailbox}};
     ReturnReceipts receipts{ports, session, desktop.mailbox, desktop.mainWindow};
     AddressSync addressSync{ports, {session, progress, receipts, desktop.addressTree}};
     FaxUpload faxUpload{ports, {session, progress, faxStatus, desktop.mainWindow, desktop.mailbox}};

@@ -14,7 +14,7 @@ constexpr int lLongestRun = 30000; // milliseconds
 bool FetchTest::Begin(const QStringList &files, const QByteArray &script, int timerFactor)
 {
     return server.AddUser("anna", "anna") && (files.isEmpty() || server.Deliver("anna", files)) &&
-           server.Start(script) && Restart(timerFactor);
+           server.Start(script, {}, {"--lines", "0"}) && Restart(timerFactor);
 }
 
 bool FetchTest::Restart(int timerFactor)

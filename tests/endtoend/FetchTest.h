@@ -12,8 +12,8 @@
 class FetchTest
 {
 public:
-    /// The server begins with the files delivered to "anna" and with the script; true when it runs and the
-    /// client is logged in. Ticks of the client's timers are shorter by `timerFactor`.
+    /// The server begins with the files delivered to "anna" and with the script, and dials nobody; true when
+    /// it runs and the client is logged in. Ticks of the client's timers are shorter by `timerFactor`.
     bool Begin(const QStringList &files, const QByteArray &script = {}, int timerFactor = 1);
     /// Ends the program and starts it again with the same data.
     bool Restart(int timerFactor = 1);

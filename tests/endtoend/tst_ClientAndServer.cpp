@@ -42,7 +42,7 @@ private slots:
         QCOMPARE(Profile::Values("Select 'fax' || Pages From ReceiveFax Where FolderID='1001' And IsReaded=0 "
                                  "Order By Title"),
                  titles);
-        QCOMPARE(test.client->progress.Text(), QString("Receive Complete"));
+        QCOMPARE(test.client->progress.Text(), QString("Tasks were completed successfully."));
         QCOMPARE(test.client->desktop.mailbox.aCalls,
                  QStringList({"recount", "load 1001 2", "current row", "row 1"}));
 
@@ -96,7 +96,7 @@ private slots:
                                                                             "storedByNextRun"};
         const QStringList completed(3, "Completed"), lost{"Completed", "Disconnected", "Disconnected"};
         const QStringList failed{"Completed", "Failed", "Completed"}, others{"first", "third"}, one{"first"};
-        const QString complete = "Receive Complete", away = "Disconnect from the server";
+        const QString complete = "Tasks were completed successfully.", away = "Disconnect from the server";
         add("on 7 #2 refuse 21", failed, complete, others, others);
         add("on 7 #2 fields 11", completed, complete, others, others);
         add("on 6 pieces 1 1\non 7 #2 pieces 3 0", completed, complete, aAll, aAll);

@@ -79,7 +79,7 @@ private slots:
         QCOMPARE(test.TreeLoads(), 2);
         QVERIFY(Versions() != versions);
         QCOMPARE(test.Boxes(), QStringList());
-        QCOMPARE(test.client->progress.Text(), QString("Completed."));
+        QCOMPARE(test.client->progress.Text(), QString("Tasks were completed successfully."));
     }
 
     void faultKeepsTheVersions_data()

@@ -31,6 +31,11 @@ void FakeMailbox::NotifySaveFax(int kind, bool isNew, const QString &id)
     aCalls.append(QStringLiteral("saved %1 %2 %3").arg(QString::number(kind), isNew ? "new" : "old", id));
 }
 
+void FakeMailbox::FollowFaxes(const QStringList &ids, const QStringList &hidden)
+{
+    aCalls.append(QStringLiteral("follow %1 hide %2").arg(ids.join(','), hidden.join(',')));
+}
+
 void FakePrinting::PrintFile(const QString &path, int first, int last, int copies, const QString &printerName)
 {
     aPrinted.append(

@@ -55,6 +55,7 @@ public:
     {
         aCalls.append(oldID + QStringLiteral(" became ") + newID);
     }
+    void FollowFaxes(const QStringList &ids, const QStringList &hidden) override;
     void RefreshFolderUnreadCounts() override { aCalls.append(QStringLiteral("recount")); }
 
     QString strFolder;

@@ -190,6 +190,53 @@ private slots:
         QVERIFY(!mailbox->DropFirstWaiting() && mailbox->RowCount() == 1);
     }
 
+    void sentFaxesAreFollowed_data()
+    {
+        const TestTable<QString, QString, QString, QString, QString> row(
+            {"change", "ids", "hidden", "rows", "selected"});
+        const auto move = [](const char *id) {
+            return QString("UPDATE SendFax SET FolderID='1007' WHERE Fax_ID='%1'").arg(id);
+        };
+        const QString all = "UPDATE SendFax SET FolderID='1007'";
+        row("one arrives", "UPDATE SendFax SET FolderID='1006' WHERE Fax_ID='E'", "E", "", "E D C B A", "B");
+        row("one above leaves", move("D"), "D", "", "C B A", "B");
+        row("the shown one leaves", move("B"), "B", "", "D C A", "A");
+        row("the others leave", all + " WHERE Fax_ID<>'B'", "A,C,D,E", "", "B", "B");
+        row("all leave", all, "A,B,C,D", "", "", "");
+        row("one is hidden", "", "", "C", "D B A", "B");
+        row("result changes", "UPDATE SendFax SET Result='new'", "B,A,X", "", "D C B! A!", "B");
+        row("not named", all, "A", "", "D C B", "B");
+        row("hostile", all, "x') or ('1'='1,A", "", "D C B", "B");
+        row("out of range", "UPDATE SendFax SET ModifyTime='2020'", "C", "", "D B A", "B");
+    }
+    void sentFaxesAreFollowed()
+    {
+        int day = 0;
+        for (const char *id : {"A", "B", "C", "D", "E"}) {
+            const QString time = QString("2026-01-0%1 00:00:00").arg(++day);
+            profile->InsertSentFax(
+                id, {{"folderID", day < 5 ? "1006" : "1005"}, {"ModifyTime", time}, {"SendTime", time}});
+        }
+        mailbox->LoadFaxFolderTree();
+        mailbox->SelectFolder("1006");
+        mailbox->SelectYear(1);
+        mailbox->SelectRow(3);
+        QFETCH(const QString, change);
+        if (!change.isEmpty())
+            Profile::Execute(change);
+        QFETCH(const QString, ids);
+        QFETCH(const QString, hidden);
+        mailbox->FollowFaxes(ids.split(',', Qt::SkipEmptyParts), hidden.split(',', Qt::SkipEmptyParts));
+        QStringList rows;
+        for (int row = 1; row <= mailbox->RowCount(); ++row)
+            rows.append(mailbox->List().Row(row).ID() +
+                        (mailbox->List().Row(row).Cell(7) == "new" ? "!" : ""));
+        QTEST(rows.join(' '), "rows");
+        QTEST(mailbox->SelectedFaxes().join(' '), "selected");
+        const int shown = mailbox->SelectedRow();
+        QCOMPARE(shown > 0 ? mailbox->List().Row(shown).ID() : "", mailbox->SelectedFaxes().join(' '));
+    }
+
     void lastFaxTakenOutEmptiesThePreview()
     {
         profile->InsertReceivedFax("A");

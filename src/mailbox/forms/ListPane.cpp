@@ -204,12 +204,27 @@ void ListPane::FollowMailbox(int row)
         grdFaxList->selectionModel()->clear();
         return;
     }
-    const qsizetype wanted = mailbox.SelectedFaxes().size();
-    if (grdFaxList->selectionModel()->isRowSelected(row - 1) && SelectedRows().size() == wanted)
+    const QStringList &wanted = mailbox.SelectedFaxes();
+    QItemSelectionModel *selection = grdFaxList->selectionModel();
+    if (selection->isRowSelected(row - 1) && SelectedRows().size() == wanted.size())
         return; // stays where its reader has scrolled it
-    grdFaxList->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect |
-                                                             QItemSelectionModel::Rows);
+    selection->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    if (wanted.size() > 1)
+        selection->select(RowsOf(wanted), QItemSelectionModel::ClearAndSelect);
     grdFaxList->scrollTo(index);
+}
+
+QItemSelection ListPane::RowsOf(const QStringList &ids) const
+{
+    QItemSelection rows;
+    for (const int row : mailbox.List().RowsOf(ids)) {
+        const QModelIndex last = model->index(row - 1, model->columnCount() - 1);
+        if (!rows.isEmpty() && rows.last().bottom() == row - 2)
+            rows.last() = QItemSelectionRange(rows.last().topLeft(), last);
+        else
+            rows.select(model->index(row - 1, 0), last);
+    }
+    return rows;
 }
 
 void ListPane::TakeSelection()

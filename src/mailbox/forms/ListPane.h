@@ -47,6 +47,7 @@ private:
     /// Rows of the view, from 0, in their order.
     QList<int> SelectedRows() const;
     QItemSelection AllRows() const;
+    QItemSelection RowsOf(const QStringList &ids) const;
     void FollowMailbox(int row);
     void TakeSelection();
     void ClickCell(const QModelIndex &index);

@@ -10,6 +10,7 @@
 #include "core/ports/Timer.h"
 #include "desktop/Forms.h"
 #include "mailbox/forms/frmAddFolder.h"
+#include "server/forms/frmGetHistoryFax.h"
 #include "server/forms/frmSetUserPwd.h"
 
 #include <QCoreApplication>
@@ -67,6 +68,11 @@ void MainStage::ConnectCommands()
     window.SetCommand("mnuNewFax", [this] { Compose({}); });
     window.SetCommand("mnuInterResend", [this] { ForwardFaxes(); });
     window.SetCommand("mnuViewFax", [this] { faxViewer.mnuViewFax(); });
+    window.SetCommand("mnuCancelSend",
+                      [this] { server.sentFaxes.mnuCancelSend(mailbox.GetGridSelectedID().aSent); });
+    window.SetCommand("mnuResendError",
+                      [this] { server.sentFaxes.mnuResendError(mailbox.GetGridSelectedID().aSent); });
+    window.SetCommand("mnuGetHistory", [this] { GetHistory(); });
     window.SetCommand("mnuSetPwd", [this] { SetPassword(); });
     window.SetCommand("mnuShowHelp", [this] { help.mnuShowHelp(); });
     window.SetCommand("mnuHelp_Website", [this] { help.mnuHelp_Website(); });
@@ -100,6 +106,14 @@ void MainStage::SetPassword()
         [this] { return server.session.IsConnected(); });
     PlaceOver(form, window);
     form.exec();
+}
+
+void MainStage::GetHistory()
+{
+    frmGetHistoryFax form(ports.clock);
+    PlaceOver(form, window);
+    form.exec();
+    server.faxHistory.mnuGetHistory(form.Request());
 }
 
 void MainStage::NameFolder(const std::optional<FolderChanges::Naming> &naming)

@@ -38,6 +38,7 @@ private:
     void LogOff();
     void SetPassword();
     void ForwardFaxes();
+    void GetHistory();
     void NameFolder(const std::optional<FolderChanges::Naming> &naming);
 
     Ports &ports;

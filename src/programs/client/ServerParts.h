@@ -5,11 +5,13 @@
 #include "mailbox/FaxPrinting.h"
 #include "server/AddressSync.h"
 #include "server/FaxDownload.h"
+#include "server/FaxHistory.h"
 #include "server/FaxStatus.h"
 #include "server/FaxUpload.h"
 #include "server/Polling.h"
 #include "server/Progress.h"
 #include "server/ReturnReceipts.h"
+#include "server/SentFaxCommands.h"
 #include "server/Session.h"
 #include "server/SessionRuns.h"
 
@@ -25,15 +27,17 @@ struct ServerParts
                 Polling::TakeFaxFile takeFaxFile);
 
     AddressTree addressTree;
-    FaxStatus faxStatus;
     FaxPrinting faxPrinting;
     Notifier notifier;
     Progress progress;
     Session session;
+    FaxStatus faxStatus;
+    SentFaxCommands sentFaxes;
     ReturnReceipts receipts;
     AddressSync addressSync;
     FaxUpload faxUpload;
     FaxDownload faxDownload;
+    FaxHistory faxHistory;
     SessionRuns runs;
     Polling polling;
 };
