@@ -35,7 +35,7 @@ public:
     virtual void NotifySaveFax(int kind, bool isNew, const QString &id) = 0;
 
     /// Takes the first row out while drafts or waiting faxes are on show, and shows the next one. False when
-    /// there was nothing to do.
+    /// other faxes are on show.
     virtual bool DropFirstWaiting() = 0;
 
     /// A fax of the list has got another id.

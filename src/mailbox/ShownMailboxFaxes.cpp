@@ -191,10 +191,9 @@ bool ShownMailbox::DropFirstWaiting()
 {
     const bool isShown =
         selected && (selected->Family == FolderFamily::Draft || selected->Family == FolderFamily::WaitSend);
-    if (!isShown || list.RowCount() == 0)
-        return false;
-    DeleteSpecItemFromGrid(list.Row(1).ID(), true);
-    return true;
+    if (isShown && list.RowCount() > 0)
+        DeleteSpecItemFromGrid(list.Row(1).ID(), true);
+    return isShown;
 }
 
 /// Recounts folders and the selected one, in case it is a folder of the user's.

@@ -61,6 +61,7 @@ void MainStage::ConnectReading()
 void MainStage::ConnectCommands()
 {
     window.SetCommand("mnuReceive", [this] { server.faxDownload.mnuReceive(); });
+    window.SetCommand("mnuSend", [this] { server.runs.mnuSend(); });
     window.SetCommand("mnuSendReceive", [this] { server.runs.mnuSendReceive(); });
     window.SetCommand("mnuSyncAddressBook", [this] { server.runs.mnuSyncAddressBook(); });
     window.SetCommand("mnuLoginServer", [this] { server.runs.mnuLoginServer(); });
