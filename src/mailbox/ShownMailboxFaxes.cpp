@@ -88,34 +88,35 @@ void ShownMailbox::FollowFaxes(const QStringList &ids, const QStringList &hidden
     Guard("LoadGridItem", [&] {
         QStringList safe;
         std::copy_if(ids.begin(), ids.end(), std::back_inserter(safe), IsSafeFaxID);
-        const bool wasEmpty = list.RowCount() == 0;
         int row = SelectedRow();
+        const bool hadSelection = row > 0 || list.RowCount() == 0;
         {
             const QScopedValueRollback<bool> reloading(bReloading, true);
             row = list.FollowFaxes(loaded, safe, hidden, row);
         }
-        KeepSelection(wasEmpty ? 1 : row);
+        if (hadSelection)
+            KeepSelection(row);
+        emit CommandsChanged();
     });
 }
 
-/// After rows went and came: `row` is now that of the fax on show, or took its place; 0 when none was.
+/// After rows went and came: `row` is now that of the fax on show, or took its place.
 void ShownMailbox::KeepSelection(int row)
 {
     QStringList listed;
     for (const int selectedRow : list.RowsOf(aSelected))
         listed.append(list.Row(selectedRow).ID());
     aSelected = listed;
-    if (row > 0 && aSelected.isEmpty()) {
-        SelectRowOrNone(row);
-    } else if (row > 0) {
-        const bool hasLeft = SelectedRow() == 0; // the one on show, of several selected
-        if (hasLeft)
-            strCurrent = aSelected.first();
-        emit RowSelected(SelectedRow());
-        if (hasLeft)
-            ShowFax(strCurrent);
+    if (aSelected.isEmpty()) {
+        SelectRowOrNone(std::max(row, 1));
+        return;
     }
-    emit CommandsChanged();
+    const bool hasLeft = SelectedRow() == 0; // the one on show, of several selected
+    if (hasLeft)
+        strCurrent = aSelected.first();
+    emit RowSelected(SelectedRow());
+    if (hasLeft)
+        ShowFax(strCurrent);
 }
 
 void ShownMailbox::NotifySaveFax(int kind, bool isNew, const QString &id)

@@ -217,6 +217,7 @@ private slots:
             profile->InsertSentFax(
                 id, {{"folderID", day < 5 ? "1006" : "1005"}, {"ModifyTime", time}, {"SendTime", time}});
         }
+        QVERIFY(FaxFile().Write(Global().strOutputBoxPath + "B.tif"));
         mailbox->LoadFaxFolderTree();
         mailbox->SelectFolder("1006");
         mailbox->SelectYear(1);
@@ -235,6 +236,7 @@ private slots:
         QTEST(mailbox->SelectedFaxes().join(' '), "selected");
         const int shown = mailbox->SelectedRow();
         QCOMPARE(shown > 0 ? mailbox->List().Row(shown).ID() : "", mailbox->SelectedFaxes().join(' '));
+        QCOMPARE(mailbox->Preview().HasImage(), mailbox->SelectedFaxes() == QStringList("B"));
     }
 
     void lastFaxTakenOutEmptiesThePreview()
