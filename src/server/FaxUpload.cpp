@@ -39,6 +39,11 @@ QString ErrorText(const QString &description)
 {
     return Tr("Failed to send faxes.") + '\n' + description;
 }
+
+QString ShownTitle(const QString &id, const QString &title)
+{
+    return title.isEmpty() ? id : ToListText(title);
+}
 } // namespace
 
 FaxUpload::FaxUpload(const Ports &ports, const UploadRooms &rooms)
@@ -112,7 +117,7 @@ void FaxUpload::LeaveOutDoubtful(QStringList &ids)
         return;
     QStringList titles;
     for (const OutgoingFaxes::Doubtful &fax : doubtful.mid(0, most))
-        titles.append(fax.strTitle.isEmpty() ? fax.strFaxID : ToListText(fax.strTitle));
+        titles.append(ShownTitle(fax.strFaxID, fax.strTitle));
     if (doubtful.size() > most)
         titles.append("...");
     const QString text = Tr("These faxes may already have reached the server:") + "\n\n" + titles.join('\n') +
@@ -166,7 +171,6 @@ void FaxUpload::EndEmpty(const Run &run)
 /// False when the run was cut short at the fax of `CurrentFaxIndex`.
 bool FaxUpload::SendEach(const QStringList &ids, bool &result)
 {
-    rooms.session.bUserAbort = false;
     bool goesOn = true;
     for (int i = 0; goesOn && i < ids.size(); ++i) {
         strNextID = ids.value(i + 1);
@@ -214,10 +218,12 @@ bool FaxUpload::SendOne(const QString &id, int index, bool &result)
         rooms.progress.ChangePos2(4, index, 0);
         return true;
     }
-    if (!AwaitReply(index))
-        return MayGoOn();
-    CompleteFax(id, index); // whether or not the connection still stands: the next fax connects again
-    return true;
+    const WaitEnd end = AwaitReply();
+    if (IsSent(end)) {
+        CompleteFax(id, index); // whether or not the connection still stands: the next fax connects again
+        return true;
+    }
+    return LeaveFax(index, end);
 }
 
 bool FaxUpload::IsStopped() const
@@ -255,25 +261,44 @@ bool FaxUpload::StartFax(const QString &id)
     clsClient &client = rooms.session.BeginCommand(pndUpload);
     rooms.progress.SetCurrent(rooms.session.CurrentFaxIndex);
     CurrentSendFaxID = id;
+    strTitle = ShownTitle(id, UnescapeText(fax->Title));
     stage = Stage::Waiting;
     client.SendFaxFile(FaxInfo(*fax, ports.clock.Now(), Global().strUserID), strPath);
     return true;
 }
 
-/// True when the fax is the server's. With its whole file gone and no answer it counts as that, too: the
-/// states tell what has become of it.
-bool FaxUpload::AwaitReply(int index)
+WaitEnd FaxUpload::AwaitReply()
 {
     const WaitEnd end = rooms.session.WaitForServerReply();
     if (strError.isEmpty() && !rooms.session.HandlerError().isEmpty())
         strError = ErrorText(rooms.session.HandlerError());
-    if (stage == Stage::Accepted || (stage == Stage::Left && end == WaitEnd::Silent))
-        return true;
-    if (MayGoOn()) {
-        rooms.session.MarkOutOfStep(); // an answer may still come, and is not the next fax's
-        rooms.progress.ChangePos2(4, index, 100);
-    }
-    return false;
+    return end;
+}
+
+/// True when the fax is the server's. With its whole file gone and no answer it counts as that, too: the
+/// states tell what has become of it.
+bool FaxUpload::IsSent(WaitEnd end) const
+{
+    return stage == Stage::Accepted || (stage == Stage::Left && end == WaitEnd::Silent);
+}
+
+/// The fax stays in "Outgoing". False when the run cannot go on with the next one.
+bool FaxUpload::LeaveFax(int index, WaitEnd end)
+{
+    // The client itself has ended the connection then. What is wrong with one fax must not keep back all that
+    // wait behind it.
+    const bool isOfThisFax =
+        end == WaitEnd::Refused || (end == WaitEnd::Failed && rooms.session.HandlerError().isEmpty());
+    if (IsStopped() || !(rooms.session.IsConnected() || isOfThisFax))
+        return false;
+    if (isOfThisFax && strError.isEmpty())
+        strError = (end == WaitEnd::Refused
+                        ? Tr("The server has not taken this fax, it stays in Outgoing:")
+                        : Tr("The file of this fax cannot be read to its end, it stays in Outgoing:")) +
+                   "\n\n" + strTitle;
+    rooms.session.MarkOutOfStep(); // an answer may still come, and is not the next fax's
+    rooms.progress.ChangePos2(4, index, 100);
+    return true;
 }
 
 void FaxUpload::CompleteFax(const QString &id, int index)
@@ -346,7 +371,7 @@ void FaxUpload::Report(int index, bool isWhole, const Run &run)
         rooms.progress.ChangePos2(6, index, 0);
     } else {
         rooms.progress.SetText(Tr("Completed."));
-        if (run.bCheckStateAfter)
+        if (run.bCheckStateAfter && session.IsConnected())
             CheckStates();
     }
     ShowClose();

@@ -58,7 +58,9 @@ private:
     bool SendOne(const QString &id, int index, bool &result);
     bool SendFax(const QString &id, bool &result);
     bool StartFax(const QString &id);
-    bool AwaitReply(int index);
+    WaitEnd AwaitReply();
+    bool IsSent(WaitEnd end) const;
+    bool LeaveFax(int index, WaitEnd end);
     void CompleteFax(const QString &id, int index);
     bool IsStopped() const;
     bool MayGoOn() const;
@@ -78,6 +80,7 @@ private:
     QString CurrentSendFaxID; ///< the local id of the fax in transfer
     QString LastServerFaxID;  ///< the id that the server gave the last fax
     QString strPath;          ///< the file in transfer
+    QString strTitle;         ///< of its fax, as the user is told of it
     QString strNextID;        ///< of the fax after this one, as far as it may be marked already
     QString strMarkedAhead;   ///< of a fax that is marked and has not begun to leave; empty for none
     QStringList aMarked;      ///< of those that were marked before this run

@@ -98,20 +98,25 @@ QStringList OldPaths(const QString &id)
 void OutgoingFaxes::DropOldNames()
 {
     bool isAny = false;
+    QString kept; // ids whose old name could not be taken away: the next run tries again
     const auto rows = Global().objDB->SelectEx(
         "Select FileName,sSndReserve1 From SendFax Where sSndReserve1<>'' and sSndReserve1<>Fax_ID");
     while (rows->Next()) {
         isAny = true;
         const QString path = Global().strOutputBoxPath + GetBareName(rows->Text(0));
         for (const QString &oldPath : OldPaths(rows->Text(1))) {
-            if (FileExists(oldPath) && (IsSameFile(oldPath, path) || !FileExists(path)))
-                DropName(oldPath, path);
+            if (!FileExists(oldPath) || (FileExists(path) && !IsSameFile(oldPath, path)))
+                continue;
+            DropName(oldPath, path);
+            if (FileExists(oldPath) && oldPath != path)
+                kept += ",'" + EscapeText(rows->Text(1)) + '\'';
         }
     }
     rows->Close();
     if (isAny)
-        Global().objDB->Execute(
-            "Update SendFax Set sSndReserve1='' Where sSndReserve1<>'' and sSndReserve1<>Fax_ID");
+        Global().objDB->Execute("Update SendFax Set sSndReserve1='' Where sSndReserve1<>'' and "
+                                "sSndReserve1<>Fax_ID and sSndReserve1 not in(''" +
+                                kept + ')');
 }
 
 QStringList OutgoingFaxes::Waiting()

@@ -12,8 +12,8 @@ struct Ports;
 /// How a wait for the server ended.
 enum class WaitEnd {
     Replied, ///< the reply was handled, or a caller ended the wait
-    Refused, ///< the server refused with "ERR"
-    Failed,  ///< the reply was damaged, or handling it raised an error
+    Refused, ///< the server refused with "ERR", or has not answered the header of a fax
+    Failed,  ///< the reply was damaged, handling it raised an error, or a file could not be read
     Silent,  ///< the watchdog gave up: more than 5 seconds without a sign of life
     Closed,  ///< the connection was lost, closed or made anew, or there was none
     Quitting ///< the program ends, or the time that it has for logging off is over

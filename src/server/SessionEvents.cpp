@@ -17,6 +17,18 @@ QStringList Lines(const ClientReply &reply)
 {
     return AnsiText::FromAnsi(reply.abData).split("\r\n");
 }
+
+WaitEnd EndOf(const ClientError &error)
+{
+    switch (error.lNumber) {
+    case ClientError::errHeaderNotAnswered:
+        return WaitEnd::Refused;
+    case ClientError::errReadingFailed:
+        return WaitEnd::Failed;
+    default:
+        return WaitEnd::Closed;
+    }
+}
 } // namespace
 
 void Session::SetHandler(PendingCommand pending, Handler handler)
@@ -130,7 +142,7 @@ void Session::sockClient_Error(const ClientError &error)
 {
     if (error.lNumber == Socket::sckConnectionRefused)
         bConnectRefused = true;
-    waits.Signal(WaitEnd::Closed);
+    waits.Signal(EndOf(error));
     if (!bUserLogout)
         sockClient_ConnectClosed();
 }

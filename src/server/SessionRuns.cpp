@@ -129,8 +129,7 @@ void SessionRuns::ReadUserID()
 {
     const auto row = Global().objDB->SelectEx(QStringLiteral("Select ID from UserList Where LoginName='%1'")
                                                   .arg(EscapeText(Global().strUserName.toLower())));
-    if (row->Next())
-        Global().strUserID = row->Text(0);
+    Global().strUserID = row->Next() ? row->Text(0) : QString(); // never that of an account before
 }
 
 void SessionRuns::SendAndReceive(bool checkState)
@@ -174,6 +173,8 @@ void SessionRuns::mnuLoginServer()
         return;
     session.bOnline = true;
     rooms.mainWindow.SetCommMenu(true);
+    // What goes before the synchronisation bears it, too.
+    TrapErrors("mnuLoginServer - frmMain", [this] { ReadUserID(); });
     if (Global().Connected) {
         rooms.faxDownload.ReceiveFaxes(false, false, true, true);
         mnuSend();

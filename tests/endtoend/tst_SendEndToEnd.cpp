@@ -131,7 +131,7 @@ private slots:
     {
         // Of three faxes: states, folders after the run and after a next one, in which the user agrees to
         // send again; what the server then has.
-        const TestTable<QStringList, QString, int, QString, QString> add{"states", "folders", "questions",
+        const TestTable<QStringList, QString, int, QString, QString> add{"states", "folders", "boxes",
                                                                          "foldersInTheEnd", "atServer"};
         const QStringList completed(3, "Completed"), lost{"Completed", "Disconnected"};
         const QString sent = "1005 1005 1005", unclear = "1005 1007? 1005", waits = "1005 1003 1003";
@@ -142,7 +142,8 @@ private slots:
         add("on 12 #2 silence", completed, unclear, 0, unclear, all);
         add("on 12 #2 delay 2500", completed, unclear, 0, unclear, all);
         add("on 12 #2 abort", lost, "1005 1003? 1003", 1, sent, twice);
-        add("on 8 #2 refuse 22", lost, waits, 0, sent, all);
+        add("on 8 #2 refuse 22", {"Completed", "Failed", "Completed"}, "1005 1003 1005", 1, sent, all);
+        add("on 8 #2 refuse 22 close", {"Completed", "Failed", "Completed"}, "1005 1003 1005", 1, sent, all);
         add("on 8 #2 delay 2500", completed, sent, 0, sent, all);
         add("on 8 #2 abort", lost, waits, 0, sent, all);
     }
@@ -157,7 +158,7 @@ private slots:
         QTEST(test.Folders(), "folders");
         test.client->prompts.aAnswers = {mbAnswerYes};
         QVERIFY(test.Upload());
-        QTEST(int(test.client->prompts.aBoxes.size()), "questions");
+        QTEST(int(test.client->prompts.aBoxes.size()), "boxes");
         QTEST(test.Folders(), "foldersInTheEnd");
         QTEST(test.AtServer(), "atServer");
     }

@@ -124,8 +124,6 @@ private slots:
             doubt, away);
         row(
             "lost before the file", [](Bench &at) { at.Drain().Close(); }, lost, waits, away);
-        row(
-            "refused header", [](Bench &at) { at.Drain().SayShort("ERR\r\n20\r\n"); }, lost, waits, away);
         // Nothing of the file has gone: this is not its answer.
         row(
             "id to the header", [](Bench &at) { at.Drain().SayShort(B.toLatin1()).Close(); }, lost, doubt,
@@ -270,6 +268,33 @@ private slots:
         QCOMPARE(States(), QString("Completed Failed Failed Failed"));
         QVERIFY(QFile::exists(Global().strOutputBoxPath + D + ".tif"));
         QCOMPARE(Profile::Value("Select Count(*) From SendFax Where FolderID='1003'"), QString("2"));
+    }
+
+    void refusedFaxKeepsNoOtherBack()
+    {
+        AddFax(A, {{"title", "O~$@~Neil"}});
+        AddFax(B);
+        AddFax(C);
+        bench->Drain().SayShort("ERR\r\n22\r\n").Silence(8500).AcceptConnection();
+        bench->Drain().SayShort("ERR\r\n22\r\n").Close().AcceptConnection();
+        bench->TakeFile().SayShort(D.toLatin1());
+        QVERIFY(Send());
+        QCOMPARE(States(), QString("Failed Failed Completed"));
+        QCOMPARE(RowsBut(""), A + " 1003  |" + B + " 1003  |" + D + " 1005 Sending ");
+        QCOMPARE(bench->ports.prompts.Texts(),
+                 QStringList("The server has not taken this fax, it stays in Outgoing:\n\nO'Neil"));
+    }
+
+    void cancelBeforeTheFirstFaxIsHeard()
+    {
+        AddFax(A);
+        QObject::connect(&bench->progress, &Progress::Changed, &bench->progress, [this] {
+            if (bench->progress.ButtonTag() == "Cancel")
+                bench->progress.ClickCancelOperate();
+        });
+        QVERIFY(Send());
+        QCOMPARE(bench->progress.Text() + States(), QString("Abort by user...Canceled"));
+        QCOMPARE(RowsBut(""), A + " 1003  ");
     }
 
     void cancelInTheMiddleOfALargeFile()

@@ -121,7 +121,7 @@ private slots:
             [this] { bench->Socket().DrainSends(); }); // the client now waits for the answer by itself
         session().BeginCommand(pndUpload).SendFaxFile("header", file);
         session().bUserLogout = true;
-        QCOMPARE(session().WaitForServerReply(), WaitEnd::Closed);
+        QCOMPARE(session().WaitForServerReply(), WaitEnd::Refused);
         QVERIFY2(Now() >= 8000, qPrintable(QString::number(Now())));
         QVERIFY(!session().IsConnected());
     }

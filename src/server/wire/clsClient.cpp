@@ -88,6 +88,10 @@ void clsClient::sckClient_Connected()
 
 void clsClient::sckClient_Closed()
 {
+    if (bHeaderRefused) { // with its reason, which is more than that the connection is lost
+        ReportNoAnswer();
+        return;
+    }
     ResetTransfer();
     emit ConnectClosed();
 }
@@ -133,6 +137,7 @@ void clsClient::ForgetTransfer()
     bFileLeaving = false;
     bWaitServerReady = false;
     bServerReady = false;
+    bHeaderRefused = false;
     bLongReply = false;
     bReceivingFile = false;
     ClearCounters();

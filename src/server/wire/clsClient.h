@@ -38,8 +38,12 @@ struct ClientReply
 
 struct ClientError
 {
-    /// The socket's own number; 748 for an upload whose header was not answered, 57 for one whose file
-    /// could not be read to its end.
+    /// Values of `lNumber` that are not the socket's own.
+    enum Number {
+        errReadingFailed = 57,     ///< the file of an upload could not be read to its end
+        errHeaderNotAnswered = 748 ///< the server has refused the header of an upload, or not answered it
+    };
+
     int lNumber = 0;
     QString strDescription;
     QString strSource;
@@ -186,6 +190,7 @@ private:
     bool bReceivingFile = false;        ///< a download is under way
     bool bWaitServerReady = false;      ///< a fax header was sent, its answer is due
     bool bServerReady = false;          ///< the server has answered the header
+    bool bHeaderRefused = false;        ///< it was a refusal: its time-out runs
     bool bLongReply = false;            ///< the command just sent has a long reply
     bool bFirstBlock = true;            ///< the next read begins a long reply or a file
     qint64 lBytesDone = -1;             ///< of the file or the long reply, so far

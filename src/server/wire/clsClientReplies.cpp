@@ -15,6 +15,7 @@ void clsClient::ReadHeaderAnswer(const QByteArray &bytes)
     if (Frames::IsFailure(text)) {
         // Not the end of the wait for this answer: a refusal is reported as a time-out.
         ForgetTransfer();
+        bHeaderRefused = true;
         return;
     }
     bServerReady = true;

@@ -10,8 +10,6 @@
 
 namespace {
 constexpr qint64 lBlockSize = 2048000;
-constexpr int errHeaderNotAnswered = 748;
-constexpr int errReadingFailed = 57;
 constexpr int passLength = 20; // milliseconds
 constexpr int countPerPass = 5;
 constexpr int countAtTimeOut = 2000;
@@ -72,7 +70,7 @@ void clsClient::RunOneWait()
 void clsClient::ReportNoAnswer()
 {
     CloseConnect();
-    emit Error({errHeaderNotAnswered, QStringLiteral("Sending Fax Out of Time"),
+    emit Error({ClientError::errHeaderNotAnswered, QStringLiteral("Sending Fax Out of Time"),
                 QStringLiteral("sckClient_SendComplete()")});
 }
 
@@ -156,8 +154,8 @@ bool clsClient::ReadBlock(QByteArray &block)
 void clsClient::AbandonUpload()
 {
     CloseConnect();
-    emit Error(
-        {errReadingFailed, QStringLiteral("Device I/O error"), QStringLiteral("sckClient_SendComplete()")});
+    emit Error({ClientError::errReadingFailed, QStringLiteral("Device I/O error"),
+                QStringLiteral("sckClient_SendComplete()")});
 }
 
 void clsClient::sckClient_SendProgress(qint64 bytesSent)
