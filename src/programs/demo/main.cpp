@@ -1,3 +1,4 @@
+#include "Documents.h"
 #include "core/FaxImage.h"
 #include "core/Globals.h"
 #include "core/Message.h"
@@ -15,7 +16,8 @@
 
 #include <cstdio>
 
-// Serves the demonstration: makes a profile that logs in by itself, and tells what a profile holds.
+// Serves the demonstration: makes a profile that logs in by itself and documents to fax, and tells what a
+// profile holds.
 
 namespace {
 
@@ -40,25 +42,34 @@ bool Prepare(const Ports &ports, const QString &server, const QString &account, 
     return WriteIniValue(QStringLiteral("General"), QStringLiteral("ServerIP"), server, Global().strIniFile);
 }
 
-/// One line a received fax: id, pages of its file, size, sender, title. False when a file cannot be read.
-bool Report(const QString &account)
+/// One line a fax of `statement`, whose columns are the id, the file's name in `box` and two texts: id, pages
+/// of the file, size, the texts. False when a file cannot be read.
+bool List(const QString &statement, const QString &box)
 {
     QTextStream out(stdout);
-    const QString folder = UserProfile::FindUserFolder(account);
-    if (folder.isEmpty() || !OpenClientDatabase(UserProfile::DatabaseFile(folder)))
-        return false;
-    const auto faxes = Global().objDB->SelectEx(
-        QStringLiteral("Select Fax_ID,sender,title,fileName From ReceiveFax Order By receiveTime"));
+    const auto faxes = Global().objDB->SelectEx(statement);
     bool allReadable = true;
     while (faxes->Next()) {
-        const QString path = folder + QStringLiteral("InputBox/") + faxes->Text(3);
+        const QString path = box + faxes->Text(1);
         const int pages = FaxImage::GetPageCount(path);
         allReadable = allReadable && pages > 0;
         out << faxes->Text(0) << '\t' << pages << (pages == 1 ? " page\t" : " pages\t")
-            << FormatFileSize(QFileInfo(path).size()) << '\t' << UnescapeText(faxes->Text(1)) << '\t'
-            << UnescapeText(faxes->Text(2)) << '\n';
+            << FormatFileSize(QFileInfo(path).size()) << '\t' << UnescapeText(faxes->Text(2)) << '\t'
+            << UnescapeText(faxes->Text(3)) << '\n';
     }
     return allReadable;
+}
+
+/// The received faxes, then the written ones with their recipients and results.
+bool Report(const QString &account)
+{
+    const QString folder = UserProfile::FindUserFolder(account);
+    if (folder.isEmpty() || !OpenClientDatabase(UserProfile::DatabaseFile(folder)))
+        return false;
+    return List(QStringLiteral("Select Fax_ID,fileName,sender,title From ReceiveFax Order By receiveTime"),
+                folder + QStringLiteral("InputBox/")) &&
+           List(QStringLiteral("Select Fax_ID,FileName,ReceiverName,Result From SendFax Order By ModifyTime"),
+                folder + QStringLiteral("OutputBox/"));
 }
 
 } // namespace
@@ -68,11 +79,12 @@ int main(int argc, char **argv)
     qputenv("QT_QPA_PLATFORM", "offscreen"); // it has no windows
     QApplication application(argc, argv);
     QCommandLineParser parser;
-    parser.addPositionalArgument(QStringLiteral("action"), QStringLiteral("prepare or report"));
+    parser.addPositionalArgument(QStringLiteral("action"), QStringLiteral("prepare, documents or report"));
     parser.addOptions(
         {{QStringLiteral("server"), QStringLiteral("Address of the server."), QStringLiteral("host:port")},
          {QStringLiteral("account"), QStringLiteral("The account."), QStringLiteral("name")},
-         {QStringLiteral("password"), QStringLiteral("Its password."), QStringLiteral("text")}});
+         {QStringLiteral("password"), QStringLiteral("Its password."), QStringLiteral("text")},
+         {QStringLiteral("folder"), QStringLiteral("Where documents are written."), QStringLiteral("path")}});
     parser.addHelpOption();
     parser.process(application);
 
@@ -85,6 +97,8 @@ int main(int argc, char **argv)
         if (action == QLatin1String("prepare"))
             done = Prepare(system.Get(), parser.value(QStringLiteral("server")), account,
                            parser.value(QStringLiteral("password")));
+        else if (action == QLatin1String("documents"))
+            done = WriteDocuments(parser.value(QStringLiteral("folder")));
         else if (action == QLatin1String("report"))
             done = Report(account);
         else
