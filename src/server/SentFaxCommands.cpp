@@ -139,6 +139,11 @@ void SentFaxCommands::mnuResendError(const QStringList &selected)
         Say(Tr("Failed to connect to Velmar Server."));
     else if (!rooms.session.HandlerError().isEmpty()) // of the tables: the server may have taken them
         Say(Tr("Failed to resend fax.") + '\n' + rooms.session.HandlerError());
+    else if (!ResendIDs.isEmpty())
+        Say(Tr("The server has not said whether it sends again. It may still send what stays in "
+               "Undelivered."));
+    else if (aResent.isEmpty())
+        Say(Tr("The server sends nothing of it again. It stays in Undelivered."));
     else if (aResent.size() < ids.size())
         Say(Tr("The server sends %1 of %2 faxes again. The others stay undelivered.")
                 .arg(QString::number(aResent.size()), QString::number(ids.size())));
@@ -149,7 +154,8 @@ void SentFaxCommands::Resend(const QStringList &ids)
     aResent.clear();
     ResendIDs = ListOf(ids);
     rooms.session.BeginCommand(pndResend).ResendErrorFax(ResendIDs);
-    rooms.session.WaitForServerReply();
+    if (rooms.session.WaitForServerReply() == WaitEnd::Refused)
+        ResendIDs.clear();
     ShowFaxes(aResent);
 }
 

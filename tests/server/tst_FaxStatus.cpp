@@ -265,14 +265,16 @@ private slots:
         row("all", "OK#1;1;1;#", "A B C", "");
         row("some", "OK#1;0;1.0;#", "A C",
             "The server sends 2 of 3 faxes again. The others stay undelivered.");
-        const QString none = "The server sends 0 of 3 faxes again. The others stay undelivered.";
-        row("too few", "OK#1;1;#", "", none);
-        row("no tail", "OK#1;1;1#", "", none);
-        row("too many", "OK#1;1;1;1;#", "", none);
-        row("no answers", "OK", "", none);
+        const QString none = "The server sends nothing of it again. It stays in Undelivered.";
+        const QString unclear = "The server has not said whether it sends again. It may still send what "
+                                "stays in Undelivered.";
+        row("too few", "OK#1;1;#", "", unclear);
+        row("no tail", "OK#1;1;1#", "", unclear);
+        row("too many", "OK#1;1;1;1;#", "", unclear);
+        row("no answers", "OK", "", unclear);
         row("no numbers", "OK#yes;' or 1=1;2;#", "", none);
         row("refused", "ERR#7#", "", none);
-        row("silent", "", "", none);
+        row("silent", "", "", unclear);
         row("table full", "full OK#1;1;1;#", "", "Failed to resend fax.\nfull");
         row("no server", "refuse", "", "Failed to connect to Velmar Server.");
     }
