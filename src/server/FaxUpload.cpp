@@ -69,6 +69,7 @@ bool FaxUpload::GetSendFaxID(bool useList, const QString &idList, bool clearRows
     });
     strError.clear();
     strMarkedAhead.clear();
+    bSent = bRowsDropped = false;
     bool result = false;
     try {
         rooms.session.SetIdleState(false);
@@ -81,6 +82,7 @@ bool FaxUpload::GetSendFaxID(bool useList, const QString &idList, bool clearRows
         strError = ErrorText(error.Description());
         ShowClose();
         rooms.progress.StopAnimation();
+        RefreshMailbox(); // faxes may have gone before it
         rooms.session.SetIdleState(true);
     }
     ReportError();
@@ -143,7 +145,6 @@ bool FaxUpload::RunUpload(const QStringList &ids, const Run &run)
     FaxCount = static_cast<int>(ids.size());
     rooms.progress.SetTotal(FaxCount);
     rooms.session.TotalPercent = 0;
-    bSent = bRowsDropped = false;
     bool result = true;
     const bool isWhole = SendEach(ids, result);
     OutgoingFaxes::DropOldNames();

@@ -27,10 +27,13 @@ bool IsSameFile(const QString &path, const QString &other)
     return fs::equivalent(ToPath(path), ToPath(other), failed) && !failed;
 }
 
-/// Gives the file a second name, where the file system has such.
+/// Gives the file a second name, where the file system has such. No row has that name: another file of it is
+/// a leftover, and a row that gets the name must not find that one.
 void AddName(const QString &path, const QString &newPath)
 {
     std::error_code failed;
+    if (!IsSameFile(path, newPath))
+        fs::remove(ToPath(newPath), failed);
     fs::create_hard_link(ToPath(path), ToPath(newPath), failed);
 }
 
@@ -103,9 +106,10 @@ void OutgoingFaxes::DropOldNames()
         "Select FileName,sSndReserve1 From SendFax Where sSndReserve1<>'' and sSndReserve1<>Fax_ID");
     while (rows->Next()) {
         isAny = true;
-        const QString path = Global().strOutputBoxPath + GetBareName(rows->Text(0));
+        const QString name = GetBareName(rows->Text(0)); // none in a draft whose pages are gone
+        const QString path = Global().strOutputBoxPath + name;
         for (const QString &oldPath : OldPaths(rows->Text(1))) {
-            if (!FileExists(oldPath) || (FileExists(path) && !IsSameFile(oldPath, path)))
+            if (name.isEmpty() || !FileExists(oldPath) || (FileExists(path) && !IsSameFile(oldPath, path)))
                 continue;
             DropName(oldPath, path);
             if (FileExists(oldPath) && oldPath != path)

@@ -242,6 +242,21 @@ private slots:
         QCOMPARE(Files(), QStringList(B + ".tif " + A));
     }
 
+    void errorShowsWhatHasGoneBeforeIt()
+    {
+        AddFax(A);
+        AddFax(B);
+        Profile::Execute("Create Trigger Full Before Update On SendFax When NEW.FolderID||NEW.Fax_ID='1005" +
+                         B + "' Begin Select Raise(Abort,'full'); End");
+        bench->desktop.mailbox.strFolder = "1003";
+        bench->TakeFile().SayShort(C.toLatin1());
+        bench->TakeFile().SayShort(B.toLatin1());
+        QVERIFY(!Send());
+        QCOMPARE(RowsBut(""), B + " 1003  " + B + '|' + C + " 1005 Sending " + A);
+        QCOMPARE(bench->desktop.mailbox.aCalls, QStringList({"drop row", "saved 3 old ", "saved 2 new "}));
+        QCOMPARE(bench->ports.prompts.Texts().size(), 1);
+    }
+
     void fileThatCannotBeMarkedDoesNotGo()
     {
         AddFax(A);
