@@ -102,6 +102,11 @@ QStringList FaxUpload::PickFaxes(bool useList, const QString &idList)
     OutgoingFaxes::Recover(Now());
     QStringList ids = useList ? idList.split(';', Qt::SkipEmptyParts) : OutgoingFaxes::Waiting();
     ids.removeDuplicates(); // an id may have two rows, and goes once
+    // One that costs the connection each time must not keep back all others for ever.
+    for (const QString &id : std::as_const(aCutAt)) {
+        if (ids.removeAll(id) > 0)
+            ids.append(id);
+    }
     LeaveOutDoubtful(ids);
     return ids;
 }
@@ -178,6 +183,8 @@ bool FaxUpload::SendEach(const QStringList &ids, bool &result)
         if (aMarked.contains(strNextID))
             strNextID.clear();
         goesOn = SendOne(ids.at(i), i + 1, result);
+        if (!goesOn && !IsStopped() && CurrentSendFaxID == ids.at(i) && !aCutAt.contains(ids.at(i)))
+            aCutAt.append(ids.at(i));
         if (strMarkedAhead != strNextID) // it did not go
             OutgoingFaxes::Unmark(std::exchange(strMarkedAhead, {}));
     }

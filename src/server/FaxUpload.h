@@ -84,6 +84,7 @@ private:
     QString strNextID;        ///< of the fax after this one, as far as it may be marked already
     QString strMarkedAhead;   ///< of a fax that is marked and has not begun to leave; empty for none
     QStringList aMarked;      ///< of those that were marked before this run
+    QStringList aCutAt;       ///< of those at which runs lost the connection
     Stage stage = Stage::Waiting;
     QString strError; ///< the first error of the run, for the user; empty for none
     bool bSent = false;

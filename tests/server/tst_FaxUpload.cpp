@@ -300,6 +300,20 @@ private slots:
                  QStringList("The server has not taken this fax, it stays in Outgoing:\n\nO'Neil"));
     }
 
+    void faxThatCostsTheConnectionGoesLast()
+    {
+        AddFax(A);
+        AddFax(B);
+        bench->Drain().Close();
+        QVERIFY(Send());
+        bench->AcceptConnection();
+        bench->TakeFile().SayShort(C.toLatin1());
+        bench->Drain().Close();
+        QVERIFY(Send());
+        QCOMPARE(States(), QString("Completed Disconnected"));
+        QCOMPARE(RowsBut(""), A + " 1003  |" + C + " 1005 Sending ");
+    }
+
     void cancelBeforeTheFirstFaxIsHeard()
     {
         AddFax(A);
