@@ -16,8 +16,21 @@ void DateBox::keyPressEvent(QKeyEvent *event)
 {
     if (event->keyCombination() == (Qt::ALT | Qt::Key_Down) || event->keyCombination() == Qt::Key_F4)
         ShowCalendar();
-    else
+    else if (const QString typed = event->text(); typed == "-" || typed == "." || typed == "/")
+        GoOnBehindSeparator();
+    else {
+        const int before = currentSectionIndex();
         QDateEdit::keyPressEvent(event);
+        bWentOnByItself = !typed.isEmpty() && typed.at(0).isDigit() && currentSectionIndex() != before;
+    }
+}
+
+/// A full part goes on to the next by itself, and the base class then skips that one for the separator.
+void DateBox::GoOnBehindSeparator()
+{
+    if (!bWentOnByItself && currentSectionIndex() + 1 < sectionCount())
+        setSelectedSection(sectionAt(currentSectionIndex() + 1));
+    bWentOnByItself = false;
 }
 
 /// Nothing but a press on the arrow opens it.

@@ -6,6 +6,7 @@
 #include "core/ports/Ports.h"
 #include "ui_frmSendOption.h"
 
+#include <QLineEdit>
 #include <QSignalBlocker>
 
 #include <algorithm>
@@ -134,6 +135,7 @@ void frmSendOption::ClickOK()
     if (!stored) {
         ports.message.ShowMessage(tr("Invalid sending time."), mbExclamation);
         ui->cmbSendTime->setFocus();
+        ui->cmbSendTime->lineEdit()->selectAll();
         return;
     }
     strSendOption = *stored;

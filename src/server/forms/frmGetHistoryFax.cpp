@@ -22,7 +22,9 @@ frmGetHistoryFax::~frmGetHistoryFax() = default;
 void frmGetHistoryFax::ConnectControls()
 {
     connect(ui->cmbTime, &QComboBox::currentIndexChanged, this, &frmGetHistoryFax::ChooseTime);
-    // The days stay in their order: the one that is not being changed goes along.
+    // The days stay in their order: the one that is not being changed goes along, but not with half a day.
+    for (DateBox *day : {ui->pictTimeFrom, ui->pictTimeTo})
+        day->setKeyboardTracking(false);
     connect(ui->pictTimeFrom, &QDateEdit::dateChanged, this, [this](QDate day) {
         if (day > ui->pictTimeTo->date())
             ui->pictTimeTo->setDate(day);
@@ -66,6 +68,8 @@ HistoryRequest frmGetHistoryFax::ReadControls() const
 
 void frmGetHistoryFax::ClickOK()
 {
+    for (DateBox *day : {ui->pictTimeFrom, ui->pictTimeTo})
+        day->interpretText();
     strRequest = ReadControls().Text(clock.Now().date());
     accept();
 }

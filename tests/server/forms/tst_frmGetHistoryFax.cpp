@@ -54,6 +54,14 @@ private slots:
         QCOMPARE(Shown(), "2024-01-10;2024-01-10|0;1;0;1");
     }
 
+    void daysAreTypedWithTheirSeparators()
+    {
+        QTest::keyClicks(Find<QDateEdit>("pictTimeFrom"), "2024-01-15");
+        QTest::keyClicks(Find<QDateEdit>("pictTimeTo"), "2024.1.25"); // "2" alone lies before the first day
+        QTest::mouseClick(Find<QPushButton>("btnOK"), Qt::LeftButton);
+        QCOMPARE(Shown(), "2024-01-15;2024-01-25|1;1;1;1");
+    }
+
     void allTimeNeedsNoDays()
     {
         QTest::keyClick(Find<QRadioButton>("optAllTime"), Qt::Key_Space);
