@@ -199,11 +199,13 @@ void frmSelReceiver::Find(const QString &text)
     if (text.isEmpty())
         return;
     const QModelIndex found = picker.Contacts().index(picker.Contacts().Table().Find(text), 1);
-    if (found.isValid())
+    if (found.isValid()) {
         ui->grdContact->selectionModel()->setCurrentIndex(found, QItemSelectionModel::ClearAndSelect |
                                                                      QItemSelectionModel::Rows);
-    else
+    } else {
+        ui->grdContact->clearSelection(); // Return shall not add who was found by fewer letters
         ui->labCount->setText(tr("Not found."));
+    }
 }
 
 // Keyboard

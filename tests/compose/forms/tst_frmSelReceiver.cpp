@@ -60,12 +60,15 @@ private slots:
         QCOMPARE(Edit("txtFind")->text(), "b");
         QTest::keyClick(form->focusWidget(), Qt::Key_Z);
         QCOMPARE(Find<QLabel>("labCount")->text(), "Not found.");
+        QTest::keyClick(form->focusWidget(), Qt::Key_Return);
+        QCOMPARE(Chosen(), "x,Anna,Annette");
         Grid()->setFocus();
         QTest::keyClick(Grid(), Qt::Key_F, Qt::ControlModifier);
         QCOMPARE(form->focusWidget(), Edit("txtFind"));
         QCOMPARE(Edit("txtFind")->selectedText(), "bz");
         Grid()->setFocus();
-        QTest::keyClick(Grid(), Qt::Key_Return); // Bert, who was found before
+        QTest::keyClick(Grid(), Qt::Key_Space); // Bert, who was found before
+        QTest::keyClick(Grid(), Qt::Key_Return);
         QCOMPARE(Chosen(), "x,Anna,Annette,Bert");
         List()->setFocus();
         List()->setCurrentIndex(List()->model()->index(1, 0));
