@@ -8,8 +8,6 @@
 
 #include <memory>
 
-using HeaderProfiles::Commands;
-
 class tst_HeaderProfiles final : public QObject
 {
     Q_OBJECT
@@ -44,28 +42,6 @@ private slots:
                  QStringList{"<None>"} + entries + QStringList{"<New Profile...>"});
     }
 
-    void entriesAllowWhatTheyAre()
-    {
-        const QStringList entries{"<None>", "*General", "Mine", "<New Profile...>"};
-        const QList<QList<bool>> allowed{{false, false, false}, {false, false, false}, {false, true, false},
-                                         {false, true, true},   {true, false, false},  {false, false, false}};
-        for (int index = -1; index <= entries.size(); ++index) {
-            const Commands commands = HeaderProfiles::CommandsOf(entries, index);
-            QCOMPARE((QList{commands.bMakesNew, commands.bEdit, commands.bDelete}), allowed[index + 1]);
-        }
-    }
-
-    void selectionFollowsTheList()
-    {
-        QStringList entries{"<None>", "<New Profile...>"};
-        QCOMPARE(HeaderProfiles::Insert(entries, "a"), 1);
-        QCOMPARE(HeaderProfiles::Insert(entries, "b"), 2);
-        QCOMPARE(entries, (QStringList{"<None>", "a", "b", "<New Profile...>"}));
-        QCOMPARE(HeaderProfiles::Remove(entries, 1), 1);
-        QCOMPARE(HeaderProfiles::Remove(entries, 1), 0);
-        QCOMPARE(entries, (QStringList{"<None>", "<New Profile...>"}));
-    }
-
     void profileIsDeletedAfterYes()
     {
         const QString file = HeaderProfiles::PathOf(folder->path(), "Mine");
@@ -78,18 +54,6 @@ private slots:
         QVERIFY(QDir(folder->path()).isEmpty());
         QVERIFY(HeaderProfiles::Delete(folder->path(), "Mine", *message)); // gone already
         QCOMPARE(prompts->aBoxes[0].lFlags, mbYesNo | mbQuestion | mbDefaultButton2);
-    }
-
-    void newNamesAreCleanAndFree()
-    {
-        QVERIFY(WriteTestFile(folder->filePath("Mine.gni"), "x"));
-        prompts->aTyped = {" M:i/n*e ", "*?\\/ \t", " a:b\n ", "..", ""};
-        QStringList names;
-        for (int answer = 0; answer < 5; ++answer)
-            names.append(HeaderProfiles::AskName(folder->path(), *message));
-        QCOMPARE(names, (QStringList{"", "", "ab", "..", ""}));
-        QCOMPARE(prompts->Texts(), QStringList{"The specified file already exists."});
-        QCOMPARE(prompts->aAsked.first(), "New Profile|Please enter a profile name: ");
     }
 
     void copyReplacesAfterYes()

@@ -43,15 +43,6 @@ bool ClientUnderTest::WaitUntil(const std::function<bool()> &condition, int mill
     return condition();
 }
 
-QStringList ClientUnderTest::StoredIds() const
-{
-    QStringList found;
-    const auto rows = Global().objDB->SelectEx("Select Fax_ID From ReceiveFax Order By Fax_ID");
-    while (rows->Next())
-        found.append(rows->Text(0));
-    return found;
-}
-
 void ClientUnderTest::MarkOnline(bool online, bool usedDigest)
 {
     session.bOnline = online;

@@ -43,9 +43,6 @@ public:
     /// Turns the real event loop until the condition holds; false after `milliseconds`.
     bool WaitUntil(const std::function<bool()> &condition, int milliseconds = 10000);
 
-    /// Ids of all received faxes, sorted.
-    QStringList StoredIds() const;
-
     // LoginOwner
     bool IsMainWindowLoaded() const override { return bMainLoaded; }
     void MarkOnline(bool online, bool usedDigest) override;

@@ -1,6 +1,7 @@
 #include "endtoend/FetchTest.h"
 
 #include "core/Globals.h"
+#include "core/Utilities.h"
 #include "fixtures/Profile.h"
 #include "server/wire/clsClient.h"
 
@@ -34,6 +35,24 @@ QString FetchTest::MakeFax(const QString &name, int pages, int bytes)
     const QString path = server.MakeFax(name, pages, bytes);
     delivered[QFileInfo(name).completeBaseName()] = ReadTestFile(path);
     return path;
+}
+
+QString FetchTest::Queue(const QString &number, const QByteArray &bytes, const QString &timing,
+                         const QString &users, const QString &contacts)
+{
+    const QString id = NewFaxID(client->ids);
+    if (bytes.isEmpty())
+        MakeFax(number + ".tif", 1, 30000);
+    else
+        delivered[number] = bytes;
+    if (!WriteTestFile(Global().strOutputBoxPath + id + ".tif", delivered[number]))
+        qFatal("The test cannot write its file.");
+    Profile::Execute(QString("Insert Into SendFax(Fax_ID,FileName,Title,FaxLevel,TimingSend,InnerReceiver,"
+                             "OuterReceiver,TempReceiver,Pages,ModifyTime,FolderID,RecyleID) "
+                             "Values('%1','%1.tif','%2','1','%3','%4','%5','\"Ann\"<%2>;','1',"
+                             "'2024-01-31 09:00:00','1003','')")
+                         .arg(id, number, timing, users, contacts));
+    return id;
 }
 
 bool FetchTest::Fetch()

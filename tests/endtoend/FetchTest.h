@@ -20,6 +20,10 @@ public:
     /// Three faxes of 30 KB.
     QStringList ThreeFaxes();
     QString MakeFax(const QString &name, int pages = 1, int bytes = 0);
+    /// A fax to a number, which is its title too, waits in "Outgoing" with a file of these bytes, or of one
+    /// page; returns its id. Users and contacts may be further recipients.
+    QString Queue(const QString &number, const QByteArray &bytes = {}, const QString &timing = "-1",
+                  const QString &users = {}, const QString &contacts = {});
 
     /// One run of "Receive". True when it ended in time and left nothing behind that a next run or the user
     /// would stumble over.

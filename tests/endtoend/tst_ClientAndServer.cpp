@@ -4,7 +4,6 @@
 #include "fixtures/Profile.h"
 #include "fixtures/TestTable.h"
 #include "server/PasswordChange.h"
-#include "server/Polling.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -51,23 +50,6 @@ private slots:
         QVERIFY(test.States().isEmpty());
         QCOMPARE(test.WholeFaxes(), titles);
         QVERIFY(test.client->prompts.Texts().isEmpty());
-    }
-
-    void periodicFetchOfAHiddenWindowTellsTheNotifier()
-    {
-        FetchTest test;
-        QVERIFY(test.Begin(test.ThreeFaxes()));
-        ClientUnderTest &client = *test.client;
-        const Polling polling(client.ports, client.session, client.download, client.desktop.forms, {});
-        client.desktop.mainWindow.bVisible = false;
-        Global().CheckFax = 1;
-        client.session.CheckFaxTimer().SetInterval(5); // instead of a second
-        client.session.CheckFaxTimer().SetEnabled(true);
-        QVERIFY(client.WaitUntil(
-            [&] { return !client.desktop.notifier.aMonitors.isEmpty() && !client.session.bIsSocketBusy; }));
-        QCOMPARE(client.desktop.notifier.aMonitors.first().count(".tif"), 3);
-        QCOMPARE(test.WholeFaxes(), aAll);
-        QVERIFY(!client.progress.IsLoaded() && client.desktop.mainWindow.bEnabled);
     }
 
     void changedPasswordCountsAtOnce()
@@ -170,23 +152,6 @@ private slots:
         QVERIFY(test.client->prompts.Texts().first().startsWith("Failed to store a received fax"));
 
         QVERIFY(inItsPlace.remove() && QDir().mkpath(inbox));
-        QVERIFY(test.Fetch());
-        QCOMPARE(test.WholeFaxes(), aAll);
-    }
-
-    void databaseThatRefusesRowsKeepsTheFaxesAtTheServer()
-    {
-        FetchTest test;
-        QVERIFY(test.Begin(test.ThreeFaxes()));
-        Global().objDB->Execute("Create Trigger Full Before Insert On ReceiveFax When NEW.Title<>'first' "
-                                "Begin Select Raise(Abort,'the disk is full'); End");
-        QVERIFY(test.Fetch());
-        QCOMPARE(test.States(), QStringList({"Completed", "Failed", "Failed"}));
-        QCOMPARE(test.WholeFaxes(), QStringList("first"));
-        QCOMPARE(test.client->prompts.Texts().size(), 1);
-        QVERIFY(test.client->prompts.Texts().first().contains("the disk is full"));
-
-        Global().objDB->Execute("Drop Trigger Full");
         QVERIFY(test.Fetch());
         QCOMPARE(test.WholeFaxes(), aAll);
     }

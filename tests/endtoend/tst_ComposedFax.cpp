@@ -201,7 +201,6 @@ private slots:
 
     void editedDraftBecomesAFaxInTheQueue();
     void fiftyOneFilesBecomeAFax();
-    void draftThatIsGoneBecomesAnother();
     void faultLeavesTheDraftAsItWas_data();
     void faultLeavesTheDraftAsItWas();
 
@@ -307,18 +306,6 @@ void tst_ComposedFax::fiftyOneFilesBecomeAFax()
     Click(window, "btnSend");
     QCOMPARE(Profile::Value("Select Pages from SendFax Where FolderID='1003'"), "51");
     QCOMPARE(office->Temporary(), QStringList());
-}
-
-void tst_ComposedFax::draftThatIsGoneBecomesAnother()
-{
-    office->program.EditDraft("gone");
-    QWidget *window = Office::Composer();
-    Get<QPlainTextEdit>(window, "txtReceive").setPlainText("1");
-    Click(window, "btnSave");
-    window->close();
-    QCOMPARE(office->fakes.prompts.Texts(), QStringList());
-    const QString id = Profile::Value("Select Fax_ID from SendFax Where FolderID='1002'");
-    QVERIFY(!id.isEmpty() && id != "gone");
 }
 
 void tst_ComposedFax::faultLeavesTheDraftAsItWas_data()

@@ -1,6 +1,4 @@
-#include "compose/ForwardFax.h"
 #include "core/Globals.h"
-#include "core/Utilities.h"
 #include "endtoend/FetchTest.h"
 #include "fixtures/Profile.h"
 #include "fixtures/TestTable.h"
@@ -19,21 +17,6 @@ struct FollowTest : FetchTest
     {
         return server.AddUser("anna", "anna") && server.AddUser("ben", "ben") &&
                (files.isEmpty() || server.Deliver("anna", files)) && server.Start({}, {}, lines) && Restart();
-    }
-    /// A fax of one page, or of these bytes, to a number waits in "Outgoing"; its title is the number.
-    void Queue(const QString &number, const QByteArray &bytes = {})
-    {
-        const QString id = NewFaxID(client->ids);
-        MakeFax(number + ".tif");
-        if (!WriteTestFile(Global().strOutputBoxPath + id + ".tif",
-                           bytes.isEmpty() ? delivered[number] : bytes))
-            qFatal("The test cannot write its file.");
-        Profile::Execute(
-            QString("Insert Into SendFax(Fax_ID,FileName,Title,FaxLevel,TimingSend,InnerReceiver,"
-                    "OuterReceiver,TempReceiver,Pages,ModifyTime,FolderID,RecyleID) "
-                    "Values('%1','%1.tif','%2','1','-1','','','\"Ann\"<%2>;','1',"
-                    "'2024-01-31 09:00:00','1003','')")
-                .arg(id, number));
     }
     /// Asks for the states again and again until there are so many faxes in "Sending"; false after 20 s.
     bool Follow(int left)
@@ -98,26 +81,6 @@ private slots:
         QVERIFY(test.client->prompts.aBoxes.isEmpty());
     }
 
-    void cancelledFaxIsNotSent()
-    {
-        FollowTest test;
-        QVERIFY(test.Begin(aForEver));
-        test.Queue("5500");
-        test.Queue("5600");
-        QVERIFY(test.Upload());
-        QCOMPARE(FollowTest::InSending(), 2);
-        const QStringList ids = FollowTest::Sent("Fax_ID");
-        SentFaxCommands(test.client->ports, test.Rooms()).mnuCancelSend(ids.mid(0, 1));
-        QVERIFY(test.client->prompts.aBoxes.isEmpty());
-        test.client->faxStatus.CheckFaxState(false);
-        QCOMPARE(FollowTest::Sent("FolderID||RecyleID||' '||Result"),
-                 QStringList({"10021008 Sending", "1005 Sending"}));
-        Profile::Execute("Update SendFax Set FolderID='1005',RecyleID=''"); // and what does the server say?
-        test.client->faxStatus.CheckFaxState(false);
-        QCOMPARE(FollowTest::Sent("FolderID||' '||Result"),
-                 QStringList({"1007 Deleted by administrator", "1005 Sending"}));
-    }
-
     void failedFaxIsSentAgain()
     {
         FollowTest test;
@@ -133,25 +96,6 @@ private slots:
         QVERIFY(test.Follow(0));
         QCOMPARE(FollowTest::Sent("FolderID||' '||Result"),
                  QStringList({"1006 Sucessfully", "1007 Deleted by administrator"}));
-    }
-
-    void receivedFaxesAreForwarded()
-    {
-        FollowTest test;
-        QVERIFY(test.Begin(aAtOnce, test.ThreeFaxes()));
-        QVERIFY(test.Fetch());
-        for (const QStringList &ids : {test.client->StoredIds().mid(0, 1), test.client->StoredIds()}) {
-            ForwardFax forward(test.client->ports, {test.client->desktop.mainWindow,
-                                                    test.client->desktop.mailbox, test.client->faxUpload});
-            QVERIFY(forward.Begin(ids, false));
-            QVERIFY(forward.ClickOK({}, {"Forwarded", 1, "5500"}));
-            forward.Send();
-        }
-        QVERIFY(test.Follow(0));
-        QCOMPARE(FollowTest::Sent("FolderID||' '||originalSender"),
-                 QStringList(4, "1006 " + Profile::Value("Select Sender From ReceiveFax")));
-        for (const QString &file : FollowTest::Sent("FileName"))
-            QVERIFY(test.delivered.values().contains(ReadTestFile(Global().strOutputBoxPath + file)));
     }
 
     void historyBringsBackWhatTheRangeHolds()

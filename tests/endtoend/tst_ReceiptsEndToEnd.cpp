@@ -7,7 +7,6 @@
 
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
 
 namespace {
 
@@ -74,22 +73,23 @@ class tst_ReceiptsEndToEnd : public QObject
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        server.emplace();
-        home.emplace();
-    }
-
     void readingShowsAtTheOtherReceiver()
     {
-        QVERIFY(Begin({"online", "offline", "unread"}));
+        TrialServer server;
+        const QTemporaryDir folder;
+        const QString home = folder.path();
+        QStringList files;
+        for (const char *name : {"online.tif", "offline.tif", "unread.tif"})
+            files.append(server.MakeFax(name));
+        QVERIFY(server.AddUser("anna", "anna") && server.AddUser("ben", "ben") &&
+                server.Deliver("anna,ben", files) && server.Start());
         {
-            Reader ben(*server, home->path(), "ben");
+            Reader ben(server, home, "ben");
             ben.Fetch();
             QCOMPARE(ben.mailbox.RowCount(), 3);
         }
         {
-            Reader anna(*server, home->path(), "anna");
+            Reader anna(server, home, "anna");
             anna.Fetch();
             anna.Read("online");
             QVERIFY(anna.Sends());
@@ -98,16 +98,16 @@ private slots:
             QVERIFY(!anna.Sends(300));
         }
         {
-            Reader ben(*server, home->path(), "ben"); // synchronises
+            Reader ben(server, home, "ben"); // synchronises
             QCOMPARE(ben.FirstReader("online"), "anna[anna]");
             QCOMPARE(ben.FirstReader("offline"), "");
         }
         {
-            const Reader anna(*server, home->path(), "anna");
+            const Reader anna(server, home, "anna");
             QVERIFY(anna.isIn);
             QCOMPARE(Reader::Queued(), 0); // left with the login
         }
-        Reader ben(*server, home->path(), "ben");
+        Reader ben(server, home, "ben");
         QCOMPARE(ben.FirstReader("offline"), "anna[anna]");
         ben.Read("online");
         ben.Read("unread");
@@ -119,36 +119,6 @@ private slots:
         QCOMPARE(ben.FirstReader("online"), "anna[anna]");
         QCOMPARE(ben.mailbox.SelectedRow(), ben.RowOf("offline"));
     }
-
-    void refusalEmptiesTheQueueAndAFetchOnlyDelaysIt()
-    {
-        QVERIFY(Begin({"refused", "first"}, "on 19 once refuse 22\non 7 #3+ delay 300 answer"));
-        Reader anna(*server, home->path(), "anna");
-        anna.Fetch();
-        anna.Read("refused");
-        QCOMPARE(Reader::Queued(), 1);
-        QVERIFY(anna.Sends());
-        QVERIFY(server->Deliver("anna", {server->MakeFax("second.tif", 3, 200000)}));
-        QTimer::singleShot(100, [&] { anna.Read("first"); });
-        anna.Fetch();
-        QVERIFY(anna.RowOf("second") > 0);
-        QCOMPARE(Reader::Queued(), 1);
-        QVERIFY(anna.Sends());
-    }
-
-private:
-    /// A fax of each name goes to both users.
-    bool Begin(const QStringList &names, const QByteArray &script = {})
-    {
-        QStringList files;
-        for (const QString &name : names)
-            files.append(server->MakeFax(name + ".tif"));
-        return server->AddUser("anna", "anna") && server->AddUser("ben", "ben") &&
-               server->Deliver("anna,ben", files) && server->Start(script);
-    }
-
-    std::optional<TrialServer> server;
-    std::optional<QTemporaryDir> home;
 };
 
 QTEST_GUILESS_MAIN(tst_ReceiptsEndToEnd)

@@ -1,12 +1,8 @@
 #include "core/FaxImage.h"
-#include "core/ports/Socket.h"
 #include "fixtures/Profile.h"
 #include "fixtures/TrialServer.h"
-#include "platform/SystemPorts.h"
-#include "server/wire/clsClient.h"
 
 #include <QDateTime>
-#include <QDir>
 #include <QTcpSocket>
 #include <QTest>
 #include <QtEndian>
@@ -56,10 +52,10 @@ QByteArray History(const QByteArray &flags)
 
 /// What a client tells of a fax that is to go to these people.
 QByteArray Header(const QByteArray &people, const QByteArray &time = "2020-01-01 00:00:00",
-                  const QByteArray &sender = {}, const QByteArray &resends = "0")
+                  const QByteArray &sender = {})
 {
     const QByteArrayList fields = {
-        "",  "O~$@~Hara", "0123456789ABCDEF0123456789ABCDEF.tif", "2", "0", "soon", time, people, resends,
+        "",  "O~$@~Hara", "0123456789ABCDEF0123456789ABCDEF.tif", "2", "0", "soon", time, people, "0",
         "0", sender};
     return Counted(8, fields.join('\0'));
 }
@@ -334,74 +330,6 @@ private slots:
         QCOMPARE(client.List().size(), 0); // nothing was delivered by halves
     }
 
-    void uploadReachesTheOtherUserAndTheHistory()
-    {
-        StartWithBen("0");
-        const QByteArray file = ReadTestFile(strFax);
-        RawClient anna(*server);
-        QCOMPARE(anna.LogIn("anna", abAnna), abOk);
-        const QByteArray ben = IdOf(anna, "ben");
-        const QByteArray id = anna.Upload(Header("Ben; B.[" + ben + "];\"Shop\"<123>;"), file);
-        QByteArrayList state = anna.Fields(Counted(9, id)).mid(1);
-        state.remove(1);
-        QCOMPARE(state, (QByteArrayList{"4", '[' + ben + "];", "4;4;", "\"Shop\"<123>;", ""}));
-        QVERIFY(anna.Fetch(id) == file);
-        QCOMPARE(anna.Fields(History("0;1;0;0")), (QByteArrayList{id, QByteArray::number(file.size()), "4"}));
-        QCOMPARE(anna.Ask(Number(10) + "yesterday;today" + '\0' + "1;1;1;1"), Refused(22));
-
-        RawClient other(*server);
-        QCOMPARE(other.LogIn("ben", abBen), abOk);
-        const QByteArray copy = other.List().value(0);
-        const QByteArrayList fields = other.Fields(FaxRequest(copy));
-        QCOMPARE(fields.value(1), QByteArray("O~$@~Hara"));
-        QCOMPARE(fields.value(8), 'U' + ben + ';');
-        QCOMPARE(fields.value(13), QByteArray(",0;,0;"));
-        QCOMPARE(other.Ask(Counted(19, copy + ';')).mid(8), copy + ";\r\n");
-        const QByteArray receipts = other.Ask(Counted(20, copy + ';')).mid(8);
-        QVERIFY(receipts.startsWith(copy + '\1') && receipts.endsWith(",1;,0;\r\n"));
-        const QByteArray forwarded =
-            other.Upload(Header("Anna[" + IdOf(other, "anna") + "];", "", "Shop"), file);
-        QCOMPARE(forwarded.size(), 32);
-        const QByteArrayList mine = anna.Fields(FaxRequest(anna.List().value(0)));
-        QCOMPARE(mine.value(0), QByteArray("Shop"));
-        QCOMPARE(mine.value(10), ben);
-    }
-
-    void numberDecidesHowAFaxEnds()
-    {
-        StartWithBen("0");
-        RawClient anna(*server);
-        QCOMPARE(anna.LogIn("anna", abAnna), abOk);
-        struct Row
-        {
-            QByteArray abNumber;
-            QByteArray abCalls;
-            QByteArray abFax;
-            QByteArray abAnswer; ///< to a resend
-            QByteArray abAfter;  ///< the fax's state then
-        };
-        const QList<Row> rows = {{"123", "4;", "4", "0;", "4"},    {"555 901", "4;", "4", "0;", "4"},
-                                 {"902", "10;", "10", "1;", "10"}, {"(0)9-03", "10;", "10", "1;", "4"},
-                                 {"904", "2;", "2", "1;", "2"},    {"905", "4;", "4", "0;", "4"},
-                                 {"906", "2;", "2", "1;", "2"},    {"907", "5;", "5", "1;", "5"},
-                                 {"908", "11;", "11", "0;", "11"}, {"909", "3;", "2", "1;", "2"},
-                                 {"910", "7;", "7", "1;", "7"},    {"none", "2;", "2", "1;", "2"}};
-        for (const Row &row : rows) {
-            const QByteArray id = anna.Upload(Header("\"A\"<" + row.abNumber + ">;"), ReadTestFile(strFax));
-            QCOMPARE(anna.State(id, 4), row.abCalls);
-            QCOMPARE(anna.State(id), row.abFax);
-            QCOMPARE(anna.Ask(Counted(16, id + ';')).mid(8), row.abAnswer + "\r\n");
-            QCOMPARE(anna.State(id), row.abAfter);
-        }
-        const QByteArray once = anna.Upload(Header("\"A\"<901>;", "", "", "1"), ReadTestFile(strFax));
-        QCOMPARE(anna.State(once), QByteArray("10")); // no third attempt
-        const QByteArray noPicture = anna.Upload(Header("\"A\"<123>;"), QByteArray(500, 'x'));
-        QCOMPARE(anna.State(noPicture), QByteArray("6"));
-        const QByteArray both = anna.Upload(Header("\"A\"<902>;\"B\"<1>;X[FF];"), ReadTestFile(strFax));
-        QCOMPARE(anna.State(both, 4), QByteArray("2;10;4;"));
-        QCOMPARE(anna.State(anna.Upload(Header(""), ReadTestFile(strFax))), QByteArray("2")); // to nobody
-    }
-
     void onlyItsOwnerTakesAFaxOffTheLine()
     {
         StartWithBen("3600");
@@ -430,44 +358,6 @@ private slots:
         QCOMPARE(anna.List(History("0;0;1;0")), (QByteArrayList{id, never}));
     }
 
-    void killedServerGoesOnWithWhatItAnsweredFor()
-    {
-        StartWithBen("3600");
-        QByteArray id;
-        {
-            RawClient anna(*server);
-            QCOMPARE(anna.LogIn("anna", abAnna), abOk);
-            id = anna.Upload(Header("Ben[" + IdOf(anna, "ben") + "];\"A\"<901>;"), ReadTestFile(strFax));
-            QCOMPARE(anna.State(id, 4), QByteArray("4;1;"));
-            QCOMPARE(anna.Ask(Header("\"A\"<1>;")), abOk);
-            anna.Send(Number(12) + Number(1000) + QByteArray(500, 'x'));
-            QVERIFY(WriteTestFile(server->DataFolder() + "/faxes/" + id + ".tif.abcdef", "half a file"));
-        }
-        server->Kill();
-        QVERIFY(server->Start({}, {}, {"--line-seconds", "0"}));
-        QCOMPARE(FaxFiles(), QStringList{id + ".tif"});
-        RawClient anna(*server), ben(*server);
-        QCOMPARE(anna.LogIn("anna", abAnna), abOk);
-        QCOMPARE(ben.LogIn("ben", abBen), abOk);
-        QCOMPARE(anna.State(id, 4), QByteArray("4;4;"));
-        QCOMPARE(anna.List(History("1;1;1;0")), QByteArrayList{id});
-        QVERIFY(anna.Fetch(id) == ReadTestFile(strFax));
-        QCOMPARE(ben.List().size(), 1);
-        QCOMPARE(server->Run({"--data", server->DataFolder(), "--port", "0"}), 1); // one server a folder
-    }
-
-    void scriptKeepsTheIdOrRefusesTheFax()
-    {
-        QVERIFY(server->Start("on 8 #1 keep-id\non 8 #2 keep-id\non 12 #2 refuse 23"));
-        RawClient anna(*server);
-        QCOMPARE(anna.LogIn("anna", abAnna), abOk);
-        const QByteArray header = Header("\"A\"<1>;");
-        QCOMPARE(anna.Upload(header, ReadTestFile(strFax)), QByteArray("0123456789ABCDEF0123456789ABCDEF"));
-        QCOMPARE(anna.Ask(header), Refused(22)); // the id is taken
-        QCOMPARE(anna.Upload(header, ReadTestFile(strFax)), Refused(23).mid(4));
-        QCOMPARE(anna.List(History("1;1;1;1")).size(), 1);
-    }
-
     void refusedHeaderLeavesTheConnection()
     {
         StartWithFaxes(0);
@@ -480,27 +370,6 @@ private slots:
         for (const QByteArray &header : headers)
             QCOMPARE(anna.Ask(header), Refused(22));
         QCOMPARE(anna.List(History("1;1;1;1")).size(), 0);
-    }
-
-    void readingShowsInAllCopiesOfTheFax()
-    {
-        QVERIFY(server->AddUser("ben", "ben"));
-        QVERIFY(server->Deliver("ben,anna", {strFax}, 2));
-        StartWithFaxes(1);
-        RawClient anna(*server), ben(*server);
-        QCOMPARE(anna.LogIn("anna", abAnna), abOk);
-        QCOMPARE(ben.LogIn("ben", abBen), abOk);
-        const QByteArrayList mine = anna.List(), his = ben.List();
-        QCOMPARE(mine.size(), 3);
-        QCOMPARE(his.size(), 2);
-        anna.Ask(Counted(19, mine[0] + ';'));
-        anna.Ask(Counted(19, his[1] + ';')); // not hers to read
-        QByteArray states = ben.Ask(Counted(20, his[0] + ';' + his[1] + ';' + mine[0] + ';'));
-        QVERIFY(states.contains(his[0] + "\1,0;") && states.endsWith(",1;\r\n" + his[1] + "\1,0;,0;\r\n"));
-        ben.Ask(Counted(19, his[0] + ';'));
-        states = anna.Ask(Counted(20, mine[0] + ';'));
-        QCOMPARE(states.count(",1;"), 2);
-        QVERIFY(anna.Ask(Counted(20, mine[2] + ';')).endsWith("\1,0;\r\n"));
     }
 
     void hostileInputEndsOneConnectionOnly()
@@ -524,39 +393,6 @@ private slots:
         }
     }
 
-    /// The client's end of the wire against the server's: each was written without the other.
-    void largeUploadOfTheClientComesBackWhole()
-    {
-        QVERIFY(server->Start({}, {}, {"--line-seconds", "0"}));
-        const QString path = server->MakeFax("large.tif", 3, 6000000); // more than one block
-        SystemPorts ports;
-        clsClient client(ports.Get().sockets.Create(), ports.Get());
-        QList<ClientReply> replies;
-        connect(&client, &clsClient::DataArrival, this, [&](const ClientReply &reply) {
-            if (reply.lState != ClientReply::statPart)
-                replies.append(reply);
-        });
-        const auto next = [&] {
-            return QTest::qWaitFor([&] { return !replies.isEmpty(); }, 20000) ? replies.takeFirst()
-                                                                              : ClientReply();
-        };
-        client.Connect("127.0.0.1", QString::number(server->Port()));
-        QCOMPARE(next().abData, "Welcome\r\n1.6 beta\r\n");
-        QString password = "anna";
-        client.LogIn("anna", password, false);
-        QCOMPARE(next().abData, "OK\r\n");
-        const QStringList header = {"", "Large",          "large.tif", "3", "1", "",
-                                    "", "\"Shop\"<123>;", "0",         "0", ""};
-        client.SendFaxFile(header.join(QChar(0)), path);
-        QCOMPARE(next().abData, "OK\r\n");
-        const QByteArray id = next().abData;
-        QCOMPARE(id.size(), 32);
-        client.GetFax(1, id, QFileInfo(path).path() + '/');
-        const ClientReply fax = next();
-        QCOMPARE(fax.lState, ClientReply::statFileDone);
-        QVERIFY(ReadTestFile(fax.strFileName) == ReadTestFile(path));
-    }
-
 private:
     void StartWithFaxes(int count)
     {
@@ -578,8 +414,6 @@ private:
         }
         return {};
     }
-
-    QStringList FaxFiles() const { return QDir(server->DataFolder() + "/faxes").entryList(QDir::Files); }
 
     std::unique_ptr<TrialServer> server;
     QString strFax;

@@ -206,20 +206,6 @@ private slots:
         QVERIFY(bench->progress.Bar() == 100 && bench->progress.ButtonTag() == "Close");
     }
 
-    void silentRunShowsItsWindowOnlyWhenItTakesLong()
-    {
-        const auto isShownAfter = [this](int milliseconds) {
-            bool isShown = false;
-            bench->Silence(milliseconds);
-            bench->Then([this, &isShown] { isShown = bench->progress.IsVisible(); });
-            bench->SayShort("OK");
-            Receive(true);
-            return isShown;
-        };
-        QVERIFY(!isShownAfter(300) && isShownAfter(600));
-        QVERIFY(!bench->progress.IsLoaded());
-    }
-
     void silentRunWithAHiddenWindowNotifies()
     {
         desktop().mainWindow.bVisible = false;

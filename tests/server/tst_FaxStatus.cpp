@@ -331,26 +331,6 @@ private slots:
         QCOMPARE(HistoryRange::Captions().size(), int(HistoryRange::Choices));
     }
 
-    void historyIsFetchedIntoItsFolders()
-    {
-        bench->SayLong(Reply("OK#R1|9|9#S1|9|4#S2|9|3#"));
-        for (const char *id : {"R1", "S1", "S2"})
-            bench->SendFax(FaxFields(id), "fax bytes");
-        bench->SayShort("OK");
-        const HistoryRange january{QDate(2024, 1, 1), QDate(2024, 1, 31)};
-        bench->history.mnuGetHistory(HistoryRequest{false, january, false, true, true, true}.Text({}));
-        QCOMPARE(bench->Heard().value(0), QString("10 2024-01-01;2024-01-31 0;1;1;1"));
-        QCOMPARE(bench->Heard().last(), QString("17"));
-        QCOMPARE(Profile::Values("Select Fax_ID||FolderID from SendFax Order By Fax_ID"),
-                 QStringList({"S11006", "S21005"}));
-        QCOMPARE(Profile::Values("Select Fax_ID||FolderID from ReceiveFax"), QStringList("R11001"));
-        QCOMPARE(bench->status.aChecks, QList<bool>{true});
-        bench->Socket().CloseByServer();
-        bench->Server([](FakeSocket &socket) { socket.RefuseConnection(); });
-        bench->history.mnuGetHistory(HistoryRequest{true, {}}.Text(QDate(2024, 1, 31)));
-        QCOMPARE(bench->ports.prompts.Texts(), QStringList("Failed to connect to Velmar Server."));
-    }
-
 private:
     void Fax(const QString &id, const Profile::Columns &columns)
     {

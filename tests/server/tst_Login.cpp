@@ -137,18 +137,6 @@ private slots:
         QVERIFY(Global().objDB->IsOpen() && !fakes->sockets.Last());
     }
 
-    void exitClosesTheProfile()
-    {
-        EnterAnna("RememberPwd,Pwd", "1,'" + digestOfSecret + "'");
-        QVERIFY(login->Load());
-        login->Activate();
-        QVERIFY(Global().objDB->IsOpen());
-        login->ClickExit();
-        login->ClickExit();
-        QCOMPARE(owner->aCalls, QStringList{"close"});
-        QVERIFY(!Global().objDB->IsOpen());
-    }
-
     void serverTextBecomesHostAndPort()
     {
         using Case = std::pair<QString, std::pair<QString, int>>;
@@ -233,17 +221,6 @@ private slots:
         Greet();
         Greet();
         QCOMPARE(Server().aWrites.size(), 1);
-    }
-
-    void windowThatClosesDuringTheWaitEndsIt()
-    {
-        Fill();
-        owner->onClose = [&] { login.release()->deleteLater(); };
-        fakes->pump.Then([&] { login->ClickExit(); }).Then([] {});
-        login->ClickLogin();
-        QCOMPARE(owner->aCalls, QStringList{"close"});
-        QVERIFY(!fakes->sockets.Last());
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
     void lostServerIsTold_data()

@@ -63,6 +63,7 @@ private slots:
         const TestTable<QByteArray, QString> row({"answer", "left"});
         row("no tail", "OK\r\nA;B", "it's C");
         row("none", "OK\r\n", "A B it's C");
+        row("refusal", "ERR\r\n22\r\n", "");
         row("hostile", "OK\r\nA') or ('1'='1;B;;\r\n", "A it's C");
     }
     void answerDecidesWhatLeavesTheQueue()

@@ -113,19 +113,6 @@ private slots:
         QCOMPARE(AskVersions(), WaitEnd::Replied);
     }
 
-    void headerAnswerHasItsOwnLimit()
-    {
-        const QString file = Global().strOutputBoxPath + "F1.tif";
-        QVERIFY(WriteTestFile(file, "fax"));
-        bench->Then(
-            [this] { bench->Socket().DrainSends(); }); // the client now waits for the answer by itself
-        session().BeginCommand(pndUpload).SendFaxFile("header", file);
-        session().bUserLogout = true;
-        QCOMPARE(session().WaitForServerReply(), WaitEnd::Refused);
-        QVERIFY2(Now() >= 8000, qPrintable(QString::number(Now())));
-        QVERIFY(!session().IsConnected());
-    }
-
     void lateReplyNeverAnswersTheNextCommand_data()
     {
         const TestTable<bool> row{"saysGoodBye"};
@@ -280,22 +267,6 @@ private slots:
         QCOMPARE(stored("OK\r\n2|1|15\r\n"), QString("2 1 15 15"));
         QCOMPARE(stored("OK\r\n3|2\r\n"), QString("2 1 15 15"));
         QCOMPARE(stored("OK\r\n1',Pwd='x|2|3\r\n"), QString("1~$@~,Pwd=~$@~x 2 3 3"));
-    }
-
-    void uploadProgressIsShownUntilTheUserCancels()
-    {
-        QList<int> shown;
-        session().SetUploadEvents({[&](int percent) { shown.append(percent); }, {}, {}});
-        const QString file = Global().strOutputBoxPath + "F1.tif";
-        QVERIFY(WriteTestFile(file, QByteArray(1000, 'x')));
-        bench->Server([](FakeSocket &socket) { socket.DrainSends(); }).SayShort("OK").Then([this] {
-            session().bUserAbort = true;
-            emit bench->Socket().SendProgress(500, 500);
-        });
-        session().BeginCommand(pndUpload).SendFaxFile("header", file);
-        QCOMPARE(session().WaitForServerReply(), WaitEnd::Closed);
-        QCOMPARE(shown, QList<int>{100});
-        QVERIFY(!session().IsConnected() && session().bNeedRefresh);
     }
 
 private:

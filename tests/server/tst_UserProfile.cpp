@@ -90,17 +90,6 @@ private slots:
         QCOMPARE(global.CheckFax, 0); // a column that was never written is no default
     }
 
-    void hugeAccountCountIsMended()
-    {
-        EnterAnna();
-        QCOMPARE(UserProfile::FindUserFolder("ANNA"), Global().strAppDataPath + "anna/"); // the same account
-        Set("UserList", "TotalCount", "2147483647");
-        QCOMPARE(UserProfile::KnownAccounts(), QStringList{"anna"});
-        QVERIFY(UserProfile(fakes->ports).Save(Entry("bert")));
-        QCOMPARE(Setting("UserList", "TotalCount"), "2");
-        QCOMPARE(UserProfile::KnownAccounts(), (QStringList{"anna", "bert"}));
-    }
-
     void headersOfTheUserAreKept()
     {
         EnterAnna();

@@ -119,6 +119,18 @@ private slots:
         QVERIFY(!bench->window->isVisible() && bench->ports.prompts.aBoxes.isEmpty());
     }
 
+    void changedFaxIsAskedAboutUntilItIsSaved()
+    {
+        bench->Open();
+        bench->Get<QPlainTextEdit>("txtReceive").setPlainText("1");
+        bench->Get<QLineEdit>("txtSubject").setText("changed");
+        bench->ports.prompts.aAnswers = {mbAnswerCancel};
+        QVERIFY(!bench->window->close());
+        QTest::keySequence(bench->window.get(), QKeySequence::Save);
+        QVERIFY(bench->window->close());
+        QCOMPARE(Profile::Value("Select title from SendFax"), "changed");
+    }
+
     void semicolonCompletesTheName()
     {
         bench->profile.InsertRow("Contacts", {{"ID", "1"}, {"Name", "Anna"}, {"Fax", "555"}});
@@ -219,31 +231,6 @@ private slots:
         lstFile.setFocus();
         QTest::keyClick(&lstFile, Qt::Key_Delete);
         QCOMPARE(lstFile.topLevelItemCount(), 1);
-    }
-
-    void draftFillsTheWindow()
-    {
-        bench->profile.InsertSentFax("D", {{"folderID", "1002"},
-                                           {"title", "It~$@~s"},
-                                           {"ReceiverName", "1;"},
-                                           {"remark", "memo"},
-                                           {"fileList", ""},
-                                           {"fileName", ""},
-                                           {"Header", "*General"}});
-        ComposerStart start;
-        start.strFaxID = "D";
-        bench->Open(start);
-        QCOMPARE(bench->window->windowTitle(), "Edit fax");
-        QCOMPARE(bench->Get<QLineEdit>("txtSubject").text(), "It's");
-        QCOMPARE(bench->Get<QComboBox>("cmbHeader").currentText(), "*General");
-        QVERIFY(bench->IsEnabled("btnEditHeader"));
-
-        bench->Get<QLineEdit>("txtSubject").setText("changed");
-        bench->ports.prompts.aAnswers = {mbAnswerCancel};
-        QVERIFY(!bench->window->close());
-        QTest::keySequence(bench->window.get(), QKeySequence::Save);
-        QVERIFY(bench->window->close());
-        QCOMPARE(Profile::Value("Select title from SendFax"), "changed");
     }
 
     void panelLocksTheWindowWhileItConverts()

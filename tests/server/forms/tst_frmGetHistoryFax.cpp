@@ -6,7 +6,6 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QTest>
 
 #include <optional>
@@ -60,14 +59,6 @@ private slots:
         QTest::keyClicks(Find<QDateEdit>("pictTimeTo"), "2024.1.25"); // "2" alone lies before the first day
         QTest::mouseClick(Find<QPushButton>("btnOK"), Qt::LeftButton);
         QCOMPARE(Shown(), "2024-01-15;2024-01-25|1;1;1;1");
-    }
-
-    void allTimeNeedsNoDays()
-    {
-        QTest::keyClick(Find<QRadioButton>("optAllTime"), Qt::Key_Space);
-        QVERIFY(!Find<QDateEdit>("pictTimeTo")->isEnabled() && !Find<QComboBox>("cmbTime")->isEnabled());
-        QTest::mouseClick(Find<QPushButton>("btnOK"), Qt::LeftButton);
-        QCOMPARE(Shown(), "1900-01-01;2024-01-31|1;1;1;1");
     }
 
     void nothingIsFetchedWithoutAKindOrAfterCancel()

@@ -1,7 +1,6 @@
 #include "fakes/FakePorts.h"
 #include "fakes/FakeProgressOwner.h"
 #include "server/Progress.h"
-#include "server/forms/ProgressAnimation.h"
 #include "server/forms/ProgressModel.h"
 #include "server/forms/frmProcess.h"
 
@@ -59,12 +58,8 @@ private slots:
         QCOMPARE(Find<QPushButton>("btnCancelOperate")->text(), "&Cancel");
         QCOMPARE(Model()->index(0, ProgressModel::colState).data().toString(), "Receiving");
         QCOMPARE(Find<QTreeView>("grdProcess")->currentIndex().row(), 0);
-        progress->ShowImage(4);
-        QCOMPARE(Find<ProgressAnimation>("picTarget")->Frame(), 4);
         progress->SetWindowMode(true, "Checking");
         QCOMPARE(form->windowTitle(), "Syncing public contacts...");
-        QCOMPARE(Model()->headerData(ProgressModel::colFile, Qt::Horizontal).toString(), "Tasks");
-        QCOMPARE(Model()->headerData(ProgressModel::colState, Qt::Horizontal).toString(), "Status");
         progress->Unload();
         QVERIFY(!form->isVisible());
     }
@@ -113,24 +108,6 @@ private slots:
         QVERIFY(bench->owner.aCalls == QStringList({"enable", "abort"}) && !form->isVisible());
     }
 
-    void animationRunsWhileConnectedAndBelowTheEnd()
-    {
-        QSignalSpy frames(progress, &Progress::FrameChanged);
-        progress->SetTotal(2);
-        progress->AddRow("file");
-        progress->ChangePos2(0, 1, 100);
-        QVERIFY(!progress->IsAnimated());
-        progress->ChangePos2(0, 1, 99);
-        bench->fakes.timers.Advance(700);
-        QStringList shown;
-        for (const QList<QVariant> &frame : frames)
-            shown.append(frame.constFirst().toString());
-        QCOMPARE(shown.join(' '), QString("1 2 3 4 5 6 1"));
-        bench->owner.bConnected = false;
-        progress->ChangePos2(5, 1, 99);
-        QVERIFY(!progress->IsAnimated() && progress->Frame() == 6);
-    }
-
     void shortRunShowsNoWindowAndALongerOneDoesNotFlash()
     {
         FakeTimers &timers = bench->fakes.timers;
@@ -169,17 +146,6 @@ private slots:
         QVERIFY(!form->isVisible());
         question.close();
         QTRY_VERIFY(form->isVisible());
-    }
-
-    void synchronisationKeepsOneRow()
-    {
-        progress->SetWindowMode(true, "first");
-        QCOMPARE(progress->Rows(), QList<ProgressRow>({{"", "first", ""}}));
-        progress->ChangePos(40);
-        QCOMPARE(progress->Rows(),
-                 QList<ProgressRow>({{"imgProcessing", "Syncing public contacts: 40%", ""}}));
-        progress->ChangePos(100);
-        QCOMPARE(progress->Rows(), QList<ProgressRow>({{"imgOK", "Syncing public contacts: 100%", ""}}));
     }
 
 private:
