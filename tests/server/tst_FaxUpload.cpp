@@ -326,6 +326,24 @@ private slots:
         QCOMPARE(RowsBut(""), A + " 1003  ");
     }
 
+    void cancelInTheMiddleOfALargeFile()
+    {
+        AddFax(B);
+        AddFax(A);
+        QVERIFY(QFile::resize(Global().strOutputBoxPath + A + ".tif", 3 * lBlock));
+        bench->TakeFile().SayShort(D.toLatin1());
+        bench->Then([] { QCOMPARE(RowsBut(D), A + " 1003  " + A); }); // marked with the same write
+        bench->Drain().SayShort("OK");
+        bench->Drain().Then([this] {
+            QCOMPARE(States(), QString("Completed Sending"));
+            bench->progress.ClickCancelOperate();
+        });
+        QVERIFY(Send());
+        QCOMPARE(States(), QString("Completed Canceled"));
+        QCOMPARE(RowsBut(D), A + " 1003  "); // the server cannot have it
+        QVERIFY(bench->status.aChecks.isEmpty() && !bench->session.IsConnected());
+    }
+
     void faxSentDuringAnotherRunWaits()
     {
         AddFax(A);
