@@ -1,3 +1,4 @@
+#include "compose/ForwardFax.h"
 #include "core/Globals.h"
 #include "endtoend/FetchTest.h"
 #include "fixtures/Profile.h"
@@ -81,6 +82,26 @@ private slots:
         QVERIFY(test.client->prompts.aBoxes.isEmpty());
     }
 
+    void cancelledFaxIsNotSent()
+    {
+        FollowTest test;
+        QVERIFY(test.Begin(aForEver));
+        test.Queue("5500");
+        test.Queue("5600");
+        QVERIFY(test.Upload());
+        QCOMPARE(FollowTest::InSending(), 2);
+        const QStringList ids = FollowTest::Sent("Fax_ID");
+        SentFaxCommands(test.client->ports, test.Rooms()).mnuCancelSend(ids.mid(0, 1));
+        QVERIFY(test.client->prompts.aBoxes.isEmpty());
+        test.client->faxStatus.CheckFaxState(false);
+        QCOMPARE(FollowTest::Sent("FolderID||RecyleID||' '||Result"),
+                 QStringList({"10021008 Sending", "1005 Sending"}));
+        Profile::Execute("Update SendFax Set FolderID='1005',RecyleID=''"); // and what does the server say?
+        test.client->faxStatus.CheckFaxState(false);
+        QCOMPARE(FollowTest::Sent("FolderID||' '||Result"),
+                 QStringList({"1007 Deleted by administrator", "1005 Sending"}));
+    }
+
     void failedFaxIsSentAgain()
     {
         FollowTest test;
@@ -96,6 +117,26 @@ private slots:
         QVERIFY(test.Follow(0));
         QCOMPARE(FollowTest::Sent("FolderID||' '||Result"),
                  QStringList({"1006 Sucessfully", "1007 Deleted by administrator"}));
+    }
+
+    void receivedFaxesAreForwarded()
+    {
+        FollowTest test;
+        QVERIFY(test.Begin(aAtOnce, test.ThreeFaxes()));
+        QVERIFY(test.Fetch());
+        const QStringList stored = Profile::Values("Select Fax_ID From ReceiveFax");
+        for (const QStringList &ids : {stored.mid(0, 1), stored}) {
+            ForwardFax forward(test.client->ports, {test.client->desktop.mainWindow,
+                                                    test.client->desktop.mailbox, test.client->faxUpload});
+            QVERIFY(forward.Begin(ids, false));
+            QVERIFY(forward.ClickOK({}, {"Forwarded", 1, "5500"}));
+            forward.Send();
+        }
+        QVERIFY(test.Follow(0));
+        QCOMPARE(FollowTest::Sent("FolderID||' '||originalSender"),
+                 QStringList(4, "1006 " + Profile::Value("Select Sender From ReceiveFax")));
+        for (const QString &file : FollowTest::Sent("FileName"))
+            QVERIFY(test.delivered.values().contains(ReadTestFile(Global().strOutputBoxPath + file)));
     }
 
     void historyBringsBackWhatTheRangeHolds()

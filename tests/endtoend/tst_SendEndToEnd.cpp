@@ -4,6 +4,7 @@
 #include "fixtures/TestTable.h"
 
 #include <QDir>
+#include <QTimer>
 
 namespace {
 
@@ -114,6 +115,8 @@ private slots:
         const QString sent = "1005 1005 1005", unclear = "1005 1007? 1005", waits = "1005 1003 1003";
         const QString all = "first second third", twice = "first second second third";
         add("on 8 keep-id", completed, sent, 0, sent, all);
+        add("on 12 #2 short \"0123456789ABCDEF0123456789ABCDE\"", completed, unclear, 0, unclear, all);
+        add("on 12 #2 silence", completed, unclear, 0, unclear, all);
         add("on 12 #2 refuse 23", completed, unclear, 0, unclear, "first third");
         add("on 12 #2 delay 2500", completed, unclear, 0, unclear, all);
         add("on 12 #2 abort", lost, "1005 1003? 1003", 1, sent, twice);
@@ -156,6 +159,22 @@ private slots:
             QCOMPARE(test.AtServer(), QString("large other"));
             QVERIFY(test.client->prompts.aBoxes.isEmpty());
         }
+    }
+
+    void faxSentDuringAFetchWaitsForTheNextRun()
+    {
+        SendTest test;
+        QVERIFY(test.FetchTest::Begin(test.ThreeFaxes(), "on 7 #2 delay 500"));
+        const QString id = test.Queue("outgoing");
+        QTimer::singleShot(200, &test.client->session,
+                           [&] { QVERIFY(test.client->faxUpload.GetSendFaxID(true, id + ';', true, true)); });
+        QVERIFY(test.Fetch());
+        QCOMPARE(test.client->prompts.Texts().size(), 1);
+        QCOMPARE(test.WholeFaxes().size(), 3);
+        QCOMPARE(test.Folders(), QString("1003"));
+        test.client->runs.mnuSendReceive();
+        QCOMPARE(test.Folders(), QString("1005"));
+        QCOMPARE(test.client->progress.Text(), QString("No new fax..."));
     }
 };
 
