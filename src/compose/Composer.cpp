@@ -299,14 +299,8 @@ void Composer::btnSend_Click()
 
 void Composer::SendNow()
 {
-    if (window.Fields().bSend && parts.maySend()) {
-        if (parts.isBusy())
-            ports.message.ShowMessage(tr("Another transfer is under way. The fax waits in Outgoing, please "
-                                         "send it from there when the transfer has ended."),
-                                      mbInformation);
-        else
-            parts.faxUpload.GetSendFaxID(true, draft.strFaxID + ';', true, true);
-    }
+    if (window.Fields().bSend && parts.maySend())
+        parts.faxUpload.GetSendFaxID(true, draft.strFaxID + ';', true, true); // tells of another transfer
     if (parts.isLinkAtRest())
         parts.mailbox.RefreshFolderUnreadCounts();
 }

@@ -26,7 +26,6 @@ struct ComposerParts
     ConversionTurn &turn;
     std::function<bool()> maySend;      ///< logged in, and not working offline
     std::function<bool()> isLinkAtRest; ///< connected, and neither sending nor receiving
-    std::function<bool()> isBusy;       ///< a run owns the connection
 };
 
 /// What the opener of a composer gives; at most one of the four.

@@ -70,8 +70,7 @@ struct Bench
         window.emplace();
         composer.emplace(ports.ports,
                          ComposerParts{desktop.mailbox, desktop.mainWindow, upload, desktop.forms, turn,
-                                       [this] { return bOnline; }, [] { return false; },
-                                       [this] { return bBusy; }},
+                                       [this] { return bOnline; }, [] { return false; }},
                          *window);
         composer->Form_Load(start);
         tool.Create(ports.blocks, PrintConversation::SharedName);
@@ -123,7 +122,6 @@ struct Bench
     QString strDocument;
     QString strRequest;
     bool bOnline = true;
-    bool bBusy = false;
 };
 
 const QString firstID(31, '0');
@@ -187,19 +185,6 @@ private slots:
         QCOMPARE(bench->desktop.mailbox.aCalls.value(0), "saved 1 new ");
         QCOMPARE(bench->upload.aSent, {id + ';'});
         QVERIFY(bench->window->bHidden && bench->window->bUnloaded && bench->desktop.mainWindow.bEnabled);
-    }
-
-    void busyConnectionIsTold()
-    {
-        bench->bBusy = true;
-        bench->Open();
-        bench->window->fields = {"1", {}, {}, {}, {}, true};
-        bench->composer->AddFiles({bench->strDocument});
-        bench->LetToolMake(1);
-        bench->composer->btnSend_Click();
-        QVERIFY(bench->ports.prompts.Texts().value(0).startsWith("Another transfer is under way."));
-        QCOMPARE(Bench::Column("folderID"), "1003");
-        QVERIFY(bench->upload.aSent.isEmpty() && bench->window->bUnloaded);
     }
 
     void draftComesBackAsItWas()

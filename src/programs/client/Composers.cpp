@@ -32,8 +32,7 @@ Composers::Composers(const Ports &systemPorts, Forms &forms, Mailbox &mailbox, f
           forms,
           turn,
           [&serverParts] { return serverParts.session.bOnline; },
-          [&serverParts] { return serverParts.session.IsConnected() && !serverParts.session.bIsSocketBusy; },
-          [&serverParts] { return serverParts.session.bIsSocketBusy; }}
+          [&serverParts] { return serverParts.session.IsConnected() && !serverParts.session.bIsSocketBusy; }}
 {
 }
 

@@ -58,7 +58,7 @@ struct Bench
         window = std::make_unique<frmNewFax>(ports.ports,
                                              ComposerParts{desktop.mailbox, desktop.mainWindow, upload,
                                                            desktop.forms, turn, [this] { return bOnline; },
-                                                           [] { return false; }, [this] { return bBusy; }},
+                                                           [] { return false; }},
                                              dialogs);
         window->Open(start);
         window->activateWindow();
@@ -88,7 +88,6 @@ struct Bench
     QStringList aAsked, aEdited;
     QString strContact;
     bool bOnline = true;
-    bool bBusy = false;
     bool bClosedWhileAsking = false;
     std::unique_ptr<frmNewFax> window;
 };
