@@ -7,6 +7,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 
 #include <filesystem>
 #include <limits>
@@ -135,11 +136,12 @@ QStringList OutgoingFaxes::Waiting()
 
 QList<OutgoingFaxes::Doubtful> OutgoingFaxes::MayHaveArrived(const QStringList &ids)
 {
+    const QSet<QString> wanted(ids.begin(), ids.end());
     QList<Doubtful> found;
     const auto rows = Global().objDB->SelectEx(
         "Select Fax_ID,Title From SendFax Where FolderID='1003' and sSndReserve1=Fax_ID");
     while (rows->Next()) {
-        if (ids.contains(rows->Text(0)))
+        if (wanted.contains(rows->Text(0)))
             found.append({rows->Text(0), UnescapeText(rows->Text(1))});
     }
     return found;
